@@ -1,0 +1,18 @@
+# The compiler settings that every target shares, carried by an interface target so that
+# nothing is set globally.
+add_library(drovik_settings INTERFACE)
+target_include_directories(drovik_settings INTERFACE "${CMAKE_SOURCE_DIR}")
+target_compile_definitions(drovik_settings INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_FOREACH)
+
+# Numbers are the same on every machine: no fused multiply-add, no reordering.
+target_compile_options(drovik_settings INTERFACE
+  -ffp-contract=off -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast
+  -Wsuggest-override)
+if(DROVIK_WERROR)
+  target_compile_options(drovik_settings INTERFACE -Werror)
+endif()
+if(DROVIK_SANITIZE)
+  target_compile_options(drovik_settings INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(drovik_settings INTERFACE -fsanitize=address,undefined)
+endif()

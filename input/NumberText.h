@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QString>
+
+/// The one way from text to number: the toolkit's conversion of the whole text in the C locale,
+/// whatever the user's locale is. Text that is not a number counts as 0.
+double numberFromText(const QString& text);
+
+/// The one way from number to text: general format, six significant digits.
+QString textFromNumber(double value);
+
+/// As numberFromText for bytes of a file, without building a string where the token is a plain
+/// decimal number. Equal to numberFromText(QString::fromLocal8Bit(first, last - first)) on every
+/// input.
+double numberFromToken(const char* first, const char* last);
