@@ -1,0 +1,56 @@
+# What ./run and ./check share: the project's root, the Debian packages and the build.
+# Sourced by them, with `set -eu` in force.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+packages=(
+    cmake ninja-build g++
+    qtbase5-dev qttools5-dev qttools5-dev-tools qtwayland5
+    libtomlplusplus-dev libbenchmark-dev pkg-config
+    xvfb xauth
+    fonts-dejavu-core fonts-ipafont-gothic
+)
+
+say() { printf '== %s\n' "$*"; }
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then
+        env DEBIAN_FRONTEND=noninteractive "$@"
+    else
+        sudo env DEBIAN_FRONTEND=noninteractive "$@"
+    fi
+}
+
+missing_packages() {
+    local installed package
+    installed=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' "${packages[@]}" 2>/dev/null || true)
+    for package in "${packages[@]}"; do
+        grep -qx "installed $package" <<<"$installed" || printf '%s\n' "$package"
+    done
+}
+
+# Installs the packages that are not there; does nothing where none is missing.
+install_packages() {
+    if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
+        say "This is no Debian system: nothing installed. Needed, by Debian's names: ${packages[*]}"
+        return
+    fi
+    local missing
+    mapfile -t missing < <(missing_packages)
+    [ "${#missing[@]}" -gt 0 ] || return 0
+    if [ "$(id -u)" != 0 ] && ! command -v sudo >/dev/null; then
+        say "Packages are missing and there is no sudo. As root: apt-get install ${missing[*]}"
+        return 1
+    fi
+    say "Installing Debian packages$([ "$(id -u)" = 0 ] || echo ' through sudo'): ${missing[*]}"
+    as_root apt-get -q -o DPkg::Lock::Timeout=300 update
+    as_root apt-get -qy -o DPkg::Lock::Timeout=300 install --no-install-recommends "${missing[@]}"
+}
+
+# build PRESET [CMAKE BUILD OPTION...]: configures and builds one preset of CMakePresets.json.
+build() {
+    local preset=$1
+    shift
+    say "Building (preset $preset)"
+    (cd "$root" && cmake --preset "$preset" && cmake --build --preset "$preset" "$@")
+}
