@@ -1,5 +1,53 @@
 #include "input/AXafsData.h"
 
+#include "input/SpectrumReader.h"
+#include "input/TextSource.h"
+
+#include <QDebug>
+
+namespace
+{
+
+void widen(double value, double& min, double& max)
+{
+    if (value < min)
+        min = value;
+    if (value > max)
+        max = value;
+}
+
+} // namespace
+
+bool AXafsData::read(const QString& path)
+{
+    TextSource source;
+    if (!source.open(path)) {
+        qDebug() << "Can't open a XAFS file" << path;
+        return false;
+    }
+    clear();
+    fileName = path;
+    points = readSpectrum(source);
+    if (points.empty())
+        return false;
+    for (const SpectrumPoint& point : points) {
+        widen(point.angle, angleMin, angleMax);
+        widen(point.energy, energyMin, energyMax);
+        widen(point.mut, mutMin, mutMax);
+    }
+    valid = true;
+    fitVictreens();
+    return true;
+}
+
+void AXafsData::clear()
+{
+    valid = false;
+    points.clear();
+    angleMin = energyMin = mutMin = 1e300;
+    angleMax = energyMax = mutMax = -1e300;
+}
+
 void AXafsData::fitVictreens()
 {
     if (points.empty())

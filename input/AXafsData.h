@@ -57,4 +57,8 @@ public:
     {
         return ::normalizedAt(points, preVic, postVic, energy);
     }
+
+private:
+    /// Forgets the points; the bounds and the lines stay.
+    void clear();
 };

@@ -1,5 +1,31 @@
 #include "input/NumberText.h"
 
+#include <charconv>
+#include <optional>
+#include <system_error>
+
+namespace
+{
+
+/// Value of a token that is a decimal number in full and fits a double; nothing where the toolkit
+/// has to say what the token is, or what becomes of a number too large or too small.
+std::optional<double> plainDecimal(const char* first, const char* last)
+{
+    const bool plus = first != last && *first == '+';
+    const char* const start = plus ? first + 1 : first;
+    const char* const digits = !plus && start != last && *start == '-' ? start + 1 : start;
+    // The letters of "nan" and "inf" stay out: the two conversions accept different spellings.
+    if (digits == last || !((*digits >= '0' && *digits <= '9') || *digits == '.'))
+        return std::nullopt;
+    double value = 0.0;
+    const auto [end, error] = std::from_chars(start, last, value);
+    if (end != last || error != std::errc())
+        return std::nullopt;
+    return value;
+}
+
+} // namespace
+
 double numberFromText(const QString& text)
 {
     return text.toDouble();
@@ -12,5 +38,7 @@ QString textFromNumber(double value)
 
 double numberFromToken(const char* first, const char* last)
 {
-    return numberFromText(QString::fromLocal8Bit(first, static_cast<int>(last - first)));
+    if (const std::optional<double> value = plainDecimal(first, last))
+        return *value;
+    return numberFromText(QString::fromUtf8(first, static_cast<int>(last - first)));
 }

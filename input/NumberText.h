@@ -9,7 +9,6 @@ double numberFromText(const QString& text);
 /// The one way from number to text: general format, six significant digits.
 QString textFromNumber(double value);
 
-/// As numberFromText for bytes of a file, without building a string where the token is a plain
-/// decimal number. Equal to numberFromText(QString::fromLocal8Bit(first, last - first)) on every
-/// input.
+/// As numberFromText for a token of UTF-8, without building a string where it is a plain decimal
+/// number. Equal to numberFromText(QString::fromUtf8(first, last - first)) on every input.
 double numberFromToken(const char* first, const char* last);

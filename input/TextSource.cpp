@@ -1,0 +1,90 @@
+#include "input/TextSource.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cstring>
+
+namespace
+{
+
+bool isAscii(const char* first, std::size_t size)
+{
+    unsigned char bits = 0;
+    for (std::size_t i = 0; i < size; ++i)
+        bits |= static_cast<unsigned char>(first[i]);
+    return bits < 0x80;
+}
+
+void append(std::string& text, QChar character)
+{
+    constexpr ushort minusSign = 0x2212;
+    if (character == QLatin1Char('\r'))
+        return;
+    if (character.unicode() < 0x80)
+        text += static_cast<char>(character.unicode());
+    else if (character.isSpace())
+        text += ' ';
+    else if (character.unicode() == minusSign)
+        text += "\xE2\x88\x92";
+    else
+        text += '?';
+}
+
+} // namespace
+
+bool TextSource::open(const QString& path)
+{
+    if (!QFileInfo(path).isFile())
+        return false;
+    m_file.setFileName(path);
+    return m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+}
+
+bool TextSource::next(std::string_view& piece)
+{
+    if (m_begin == m_end) {
+        const qint64 count = m_file.read(m_block.data(), static_cast<qint64>(m_block.size()));
+        if (count <= 0)
+            return false;
+        m_begin = 0;
+        m_end = static_cast<std::size_t>(count);
+        if (m_codec == nullptr)
+            chooseCodec();
+    }
+    char* first = m_block.data() + m_begin;
+    const std::size_t size = std::min(pieceSize, m_end - m_begin);
+    m_begin += size;
+    if (m_keepsAscii && m_state.remainingChars == 0 && isAscii(first, size))
+        piece = withoutReturns(first, size);
+    else
+        piece = decoded(first, size);
+    return true;
+}
+
+void TextSource::chooseCodec()
+{
+    constexpr int utf8 = 106;
+    constexpr int latin1 = 4;
+    const auto head =
+        QByteArray::fromRawData(m_block.data(), static_cast<int>(std::min(pieceSize, m_end)));
+    m_codec = QTextCodec::codecForUtfText(head, QTextCodec::codecForLocale());
+    m_keepsAscii = m_codec->mibEnum() == utf8 || m_codec->mibEnum() == latin1;
+}
+
+std::string_view TextSource::withoutReturns(char* first, std::size_t size)
+{
+    char* last = first + size;
+    if (std::memchr(first, '\r', size) != nullptr)
+        last = std::remove(first, last, '\r');
+    return {first, static_cast<std::size_t>(last - first)};
+}
+
+std::string_view TextSource::decoded(const char* first, std::size_t size)
+{
+    m_text.clear();
+    const QString text = m_codec->toUnicode(first, static_cast<int>(size), &m_state);
+    for (const QChar character : text)
+        append(m_text, character);
+    return m_text;
+}

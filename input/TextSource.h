@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QFile>
+#include <QString>
+#include <QTextCodec>
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// Text of a file in pieces, for scanning byte by byte: what QTextStream reads from the file in
+/// text mode (the locale's encoding, or the one that a byte order mark tells; carriage returns
+/// dropped), with less work where a piece is plain ASCII and memory for one piece at a time.
+///
+/// Pieces are UTF-8 of which a scanner needs to know little: every blank that is not ASCII comes as
+/// a space, every other character that is not ASCII as '?', save the minus sign U+2212, which may
+/// stand in a number.
+class TextSource
+{
+public:
+    /// Opens a regular file. A folder, a pipe or a device is not opened: reading it might never
+    /// end.
+    bool open(const QString& path);
+
+    /// The next piece; it stays as it is until the next call. Pieces never end within a character.
+    /// @return false at the end of the file or where it cannot be read any further
+    bool next(std::string_view& piece);
+
+private:
+    /// QTextStream converts its file in pieces of this size; with the same size the decoder sees
+    /// the same pieces.
+    static constexpr std::size_t pieceSize = 16384;
+
+    void chooseCodec();
+    std::string_view withoutReturns(char* first, std::size_t size);
+    std::string_view decoded(const char* first, std::size_t size);
+
+    QFile m_file;
+    std::array<char, 4 * pieceSize> m_block; ///< as read
+    std::size_t m_begin = 0;                 ///< of what is left of the block
+    std::size_t m_end = 0;
+    QTextCodec* m_codec = nullptr;
+    bool m_keepsAscii = false; ///< the encoding leaves ASCII as it is and has no shift states
+    QTextCodec::ConverterState m_state;
+    std::string m_text; ///< the piece where it is not plain ASCII
+};
