@@ -1,0 +1,20 @@
+#pragma once
+
+#include "analysis/MapCalculation.h"
+
+#include <QStringList>
+
+/// The 2D data of one energy: a value for each position of a scanned grid.
+struct MapData {
+    bool valid = false; ///< both axis sizes are positive and there is a record
+    QStringList header; ///< lines beginning with "#" as they stand in the file, without line end
+    int columns = 0; ///< size of the first axis, which runs fastest; 0 until a header line sets it
+    int rows = 0;    ///< size of the second axis
+
+    /// mu-t of each record, in the order of the file, formed from its intensities I and I0: I where
+    /// I0 is 0, 1 where only I is 0, otherwise ln(I0 / I).
+    PixelArray<double> mut;
+    SharedPositions positions; ///< of each record [mut.size()]; null without records
+
+    MapImage image() const { return {mut.data(), mut.size(), columns}; }
+};

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "analysis/Workers.h"
+#include "input/MapData.h"
+
+#include <QString>
+#include <QStringList>
+#include <cstddef>
+#include <functional>
+
+/// What became of a 2D data file.
+struct MapReadResult {
+    enum Outcome {
+        Read,       ///< the record holds the file's data; MapData::valid tells whether they suffice
+        CannotOpen, ///< the record is not valid and keeps its earlier contents
+        Refused,    ///< as CannotOpen, because the file does not fit in memory; see reason
+    };
+    Outcome outcome = CannotOpen;
+    QString reason;       ///< one line of plain English for a refused file
+    QStringList energies; ///< token 3 of each "ENERGY" line, in the order of the file
+};
+
+/// Part of the work done so far, 0 to 1; called from the thread that asked.
+using Progress = std::function<void(double part)>;
+
+struct MapReadOptions {
+    Progress progress;
+    std::size_t memory = 0; ///< bytes that the data may take; 0 for what is available
+    std::size_t chunkBytes = std::size_t{1} << 20; ///< the file is read in pieces of this size
+};
+
+/// Reads a file of 2D data.
+///
+/// Each line is simplified and split at blanks. One whose first token begins with "#" is a header
+/// line: "# AXIS n .. .. .. .. size" sets an axis size, "# ENERGY .. e" gives an energy (case does
+/// not matter). Of the others three tokens are a record of two positions and I (with I0 = 1), four
+/// or more one of two positions, I and I0; fewer are ignored. What is not a number counts as 0.
+/// Positions equal to those of a map that is still in memory are shared with it.
+MapReadResult readMapData(const QString& path, MapData& data, const MapReadOptions& options = {},
+                          Workers& workers = Workers::shared());

@@ -1,0 +1,107 @@
+#include "results/HistogramCounts.h"
+
+#include "input/NumberText.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+#include <limits>
+
+namespace
+{
+
+/// A canvas has a few thousand columns; ten million bins cost 40 megabytes.
+constexpr double maxBoxes = 1e7;
+
+constexpr double beyondInt = 2147483648.0;
+
+/// Truncates toward zero; the most negative integer for not-a-number and beyond 32 bits, where a
+/// bare cast would be undefined.
+int truncated(double value)
+{
+    if (value > -beyondInt - 1.0 && value < beyondInt)
+        return static_cast<int>(value);
+    return std::numeric_limits<int>::min();
+}
+
+/// The histogram's file beside a result file in canonical form; empty where there is none.
+QString existingFile(const QString& resultPath, const QString& tag)
+{
+    const QFileInfo result(resultPath);
+    const QString directory = QDir(result.path()).canonicalPath();
+    if (directory.isEmpty())
+        return {};
+    const QString name =
+        result.completeBaseName() + QLatin1Char('_') + tag + QLatin1Char('.') + result.suffix();
+    return QFileInfo(directory + QLatin1Char('/') + name).canonicalFilePath();
+}
+
+} // namespace
+
+bool HistogramSettings::acceptable() const
+{
+    return !(boxes >= maxBoxes + 1.0);
+}
+
+bool HistogramCounts::reset(const HistogramSettings& settings)
+{
+    if (!settings.acceptable())
+        return false;
+    from = settings.first;
+    to = settings.last;
+    boxes = truncated(settings.boxes);
+    autoRange = settings.autoRange;
+    width = (to - from) / (static_cast<double>(boxes) - 1.0);
+    from -= width / 2;
+    to += width / 2;
+    counts.assign(static_cast<std::size_t>(std::max(boxes, 0)), 0);
+    maxCount = 0;
+    under = 0;
+    over = 0;
+    return true;
+}
+
+void HistogramCounts::add(double value)
+{
+    const int i = truncated((value - from) / width);
+    if (i < 0)
+        ++under;
+    else if (static_cast<std::size_t>(i) >= counts.size())
+        ++over;
+    else
+        maxCount = std::max(maxCount, ++counts[static_cast<std::size_t>(i)]);
+}
+
+void HistogramCounts::add(const double* values, std::size_t count)
+{
+    for (std::size_t i = 0; i < count; ++i)
+        add(values[i]);
+}
+
+void HistogramCounts::merge(const HistogramCounts& part)
+{
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        counts[i] += part.counts[i];
+        maxCount = std::max(maxCount, counts[i]);
+    }
+    under += part.under;
+    over += part.over;
+}
+
+bool HistogramCounts::writeFile(const QString& resultPath, const QString& tag) const
+{
+    QFile file(existingFile(resultPath, tag));
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
+        return false;
+    const int bins = static_cast<int>(counts.size());
+    for (int i = -1; i <= bins; ++i) {
+        const int count = i < 0 ? under : i == bins ? over : counts[static_cast<std::size_t>(i)];
+        const QString line = textFromNumber(i * width + from) + QLatin1Char(' ') +
+                             textFromNumber((i + 0.5) * width + from) + QLatin1Char(' ') +
+                             textFromNumber((i + 1) * width + from) + QLatin1String("  ") +
+                             QString::number(count) + QLatin1Char('\n');
+        file.write(line.toLatin1());
+    }
+    return true;
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "analysis/MapCalculation.h"
+#include "results/HistogramCounts.h"
+
+/// The histograms of a map and what is typed for them.
+struct MapHistograms {
+    HistogramCounts& valence;
+    HistogramCounts& thickness;
+    HistogramSettings valenceSettings;
+    HistogramSettings thicknessSettings;
+    double valence1 = 0.0; ///< of Ref 1
+    double valence2 = 0.0; ///< of Ref 2
+};
+
+enum class MapOutcome {
+    Calculated,
+    GridTooLarge, ///< the results do not fit in memory
+    TooManyBoxes, ///< a histogram's number of bins is refused
+};
+
+/// Calculates a map and counts the valence and the thickness ratio of every pixel in the
+/// histograms, which are reset to the settings. Refusals leave results and histograms as they were.
+MapOutcome calculateMap(const MapTask& task, MapResults& results, const MapHistograms& histograms,
+                        Workers& workers = Workers::shared());

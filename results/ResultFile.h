@@ -1,0 +1,22 @@
+#pragma once
+
+#include "analysis/MapCalculation.h"
+
+#include <QString>
+#include <QStringList>
+#include <functional>
+
+enum class WriteOutcome {
+    Written,
+    CannotOpen,
+    CannotWrite, ///< a full disk or the like; what was written up to then stays
+};
+
+/// Writes the results of a map as text: the header lines and an empty line, then for each row of
+/// the grid a line for each pixel (positions, a, valence, t) and an empty line. An existing file is
+/// overwritten.
+/// @param valence1, valence2  of Ref 1 and Ref 2
+/// @param progress            gets the part of the work done so far, 0 to 1
+WriteOutcome writeResultFile(const QString& path, const QStringList& header,
+                             const MapResults& results, double valence1, double valence2,
+                             const std::function<void(double part)>& progress = {});
