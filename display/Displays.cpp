@@ -1,0 +1,79 @@
+#include "display/Displays.h"
+
+namespace
+{
+constexpr int notPlaced = -1;
+} // namespace
+
+Displays::Displays(QWidget* parent) : QFrame(parent)
+{
+    setupUi(this);
+    addDisp(new DispABase(this), tr("Ref1"), DispRef1, 0, 0, 1, 1);
+    addDisp(new DispABase(this), tr("Ref2"), DispRef2, 1, 0, 1, 1);
+    addDisp(new DispABase(this), tr("Target"), DispTarget, 2, 0, 1, 1);
+    addDisp(new DispABase(this), tr("Muts"), DispMuts, 0, 1, 2, 1);
+    addDisp(new DispABase(this), tr("LCF vs 4PS"), DispLCFvs4PS, 2, 1, 1, 1);
+    addDisp(new DispABase(this), tr("Histgram of a"), DispHistA, 0, 2, 1, 1);
+    addDisp(new DispABase(this), tr("Histgram of t"), DispHistT, 1, 2, 1, 1);
+    addDisp(new DispABase(this), tr("t/a"), DispTA, 2, 2, 1, 1);
+    addDisp(new DispABase(this), tr("M2/M3"), DispM2M3, notPlaced, notPlaced, 1, 1);
+}
+
+void Displays::addDisp(DispABase* panel, const QString& title, Displays::DispId id, int column,
+                       int row, int columnSpan, int rowSpan)
+{
+    panel->xTitleInGraph = true;
+    panel->yTitleInGraph = true;
+    panel->Title->setText(title);
+    if (column >= 0 && row >= 0)
+        DispL->addWidget(panel, row, column, rowSpan, columnSpan);
+    else
+        panel->hide(); // or it would lie over the grid's corner
+    panels.append(panel);
+    ids.append(id);
+    connect(panel, &DispABase::draw, this, &Displays::receiveDraw);
+    connect(panel, &DispABase::mPressed, this, &Displays::receiveMPressed);
+    connect(panel, &DispABase::mDragging, this, &Displays::receiveMDragging);
+    connect(panel, &DispABase::mReleased, this, &Displays::receiveMReleased);
+}
+
+void Displays::update()
+{
+    QFrame::update();
+    for (DispABase* panel : qAsConst(panels)) {
+        if (!panel->docked)
+            panel->DispA->update();
+    }
+}
+
+void Displays::receiveDraw(QStylePainter* painter)
+{
+    const QObject* from = sender();
+    for (int i = 0; i < panels.size(); ++i) {
+        if (panels[i] == from)
+            emit draw(ids[i], panels[i], painter);
+    }
+}
+
+void Displays::receiveMPressed(MouseC* mouse)
+{
+    if (DispABase* panel = sendingPanel())
+        emit mPressed(panel, mouse);
+}
+
+void Displays::receiveMDragging(MouseC* mouse)
+{
+    if (DispABase* panel = sendingPanel())
+        emit mDragging(panel, mouse);
+}
+
+void Displays::receiveMReleased(MouseC* mouse)
+{
+    if (DispABase* panel = sendingPanel())
+        emit mReleased(panel, mouse);
+}
+
+DispABase* Displays::sendingPanel() const
+{
+    return qobject_cast<DispABase*>(sender());
+}
