@@ -46,12 +46,6 @@ struct Sums {
     }
 };
 
-double normalized(const SpectrumPoint& point, const VictreenLine& pre, const VictreenLine& post)
-{
-    const double below = pre.at(point.energy);
-    return (point.mut - below) / (post.at(point.energy) - below);
-}
-
 } // namespace
 
 VictreenFit fitVictreenBelow(const SpectrumPoints& points, double limit)
@@ -72,20 +66,28 @@ VictreenFit fitVictreenAbove(const SpectrumPoints& points, double limit)
     return sums.fit();
 }
 
+double normalizedPoint(const SpectrumPoint& point, const VictreenLine& pre,
+                       const VictreenLine& post)
+{
+    const double below = pre.at(point.energy);
+    return (point.mut - below) / (post.at(point.energy) - below);
+}
+
+double normalizedBetween(const SpectrumPoint& left, const SpectrumPoint& right,
+                         const VictreenLine& pre, const VictreenLine& post, double energy)
+{
+    const double nLeft = normalizedPoint(left, pre, post);
+    const double nRight = normalizedPoint(right, pre, post);
+    return nLeft + (energy - left.energy) * (nRight - nLeft) / (right.energy - left.energy);
+}
+
 double normalizedAt(const SpectrumPoints& points, const VictreenLine& pre, const VictreenLine& post,
                     double energy)
 {
     if (points.size() < 2 || energy < points.front().energy || energy > points.back().energy)
         return 0.0;
-    for (std::size_t i = 1; i < points.size(); ++i) {
-        const SpectrumPoint& left = points[i - 1];
-        const SpectrumPoint& right = points[i];
-        if (left.energy <= energy && energy <= right.energy) {
-            const double nLeft = normalized(left, pre, post);
-            const double nRight = normalized(right, pre, post);
-            return nLeft +
-                   (energy - left.energy) * (nRight - nLeft) / (right.energy - left.energy);
-        }
-    }
+    for (std::size_t i = 1; i < points.size(); ++i)
+        if (points[i - 1].energy <= energy && energy <= points[i].energy)
+            return normalizedBetween(points[i - 1], points[i], pre, post, energy);
     return 0.0;
 }

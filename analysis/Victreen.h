@@ -56,8 +56,16 @@ VictreenFit fitVictreenBelow(const SpectrumPoints& points, double limit);
 /// The same through the points strictly above the limit.
 VictreenFit fitVictreenAbove(const SpectrumPoints& points, double limit);
 
-/// Normalized absorption at an energy (eV): 0 on the pre-edge line, 1 on the post-edge line, linear
-/// between the two points around the energy. 0 for fewer than two points, an energy outside the
-/// first and the last point, or where no two neighbours enclose it.
+/// Normalized absorption of one point: 0 on the pre-edge line, 1 on the post-edge line.
+double normalizedPoint(const SpectrumPoint& point, const VictreenLine& pre,
+                       const VictreenLine& post);
+
+/// Linear between the normalized values of two points, at an energy in eV.
+double normalizedBetween(const SpectrumPoint& left, const SpectrumPoint& right,
+                         const VictreenLine& pre, const VictreenLine& post, double energy);
+
+/// Normalized absorption at an energy (eV), linear between the first two neighbours that enclose
+/// it. 0 for fewer than two points, an energy outside the first and the last point, or where no two
+/// neighbours enclose it. Walks through the points: NormalizedSpectrum serves many energies.
 double normalizedAt(const SpectrumPoints& points, const VictreenLine& pre, const VictreenLine& post,
                     double energy);
