@@ -1,0 +1,135 @@
+#pragma once
+
+#include "analysis/Method.h"
+#include "analysis/PointRow.h"
+#include "analysis/ThicknessRatio.h"
+#include "display/Displays.h"
+#include "results/LcfPoint.h"
+#include "ui_FourPs.h"
+
+#include <QFrame>
+#include <QVector>
+
+#include <memory>
+#include <vector>
+
+class AEPoint;
+class AXafsData;
+class Histgram;
+class MarkLine;
+class MarkLines;
+class MouseC;
+class QButtonGroup;
+class QStylePainter;
+
+/// The analysis panel: owns every control, receives every signal, wires and delegates. A slot reads
+/// the widgets into plain data, calls a function of the numeric core and shows what comes back.
+class FourPs : public QFrame, public Ui_FourPs
+{
+    Q_OBJECT
+
+public:
+    explicit FourPs(QWidget* parent = nullptr);
+    ~FourPs() override;
+
+    QVector<AXafsFileSelect*> xafsSelects; ///< Ref 1, Ref 2, Target, Blank
+    QVector<AEPoint*> ePoints;             ///< rows 1 to 8 of the point table
+    AFileSelect* mapFileSelect = nullptr;  ///< several 2D data files at once
+    Displays* displays = nullptr;          ///< the graph window
+
+    /// Adds one simplified line to the message pane and shows its end.
+    void appendMessage(const QString& text);
+
+    double lastA() const { return m_lastA; }
+    double lastValence() const { return m_lastValence; }
+    const ThicknessRatios& thicknessRatioFigures() const { return m_ratios; }
+
+signals:
+    void messageAppended(const QString& line); ///< after each line of the message pane
+    void refused(const QString& line);         ///< the line is a refusal, no result
+
+public slots:
+    // Typed or dragged edge settings: refit every spectrum.
+    void setEdge();
+
+    // Options.
+    void dispCalcConditions(bool on);
+    void changedUseVic(bool on);
+    void changedUseVicForTarget(bool on);
+    void changedUsingVicIs1(bool on);
+
+    // Files, folders and energies.
+    void removeAFile();                         ///< "Remove": drops the chosen display spectrum
+    void receiveNewDir(const QString& dir);     ///< any selector: all open dialogs follow
+    void receiveNewEnergy(double energy);       ///< a row's energy: its mu-t fields
+    void receiveNewFile(const QString& path);   ///< a spectrum: its column, then recalculate
+    void receiveNewRef1(const QString& path);   ///< the mut(Ref.1) column
+    void receiveNewRef2(const QString& path);   ///< the mut(Ref.2) column
+    void receiveNewTarget(const QString& path); ///< the mut(Target) column
+    void receiveNewBlank(const QString& path);  ///< the mut(Blank) column
+    void receiveNewDispFiles(const QStringList& paths); ///< display-only spectra
+    void receiveNewPaths(const QStringList& paths);     ///< 2D data files for rows 1, 2, ...
+
+    // Calculations.
+    void calcBoth();     ///< map, target and LCF, each with its own checks
+    void calcMap();      ///< each pixel of the 2D data
+    void calcTarget();   ///< the target spectrum
+    void calcAndWrite(); ///< the map, then its result file
+    void write();        ///< the result file and the histogram files
+
+    // Graphs.
+    void clearLCFvs4PS(MouseC* mouse); ///< double click on "LCF vs 4PS": forgets its points
+    void draw(Displays::DispId id, DispABase* panel, QStylePainter* painter);
+
+    void lcf(); ///< linear combination fit of the target
+
+private:
+    enum SelectIndex { Ref1, Ref2, Target, Blank };
+
+    // Construction, in this order.
+    void buildSelectors();
+    void buildDisplays();
+    void buildThicknessGroup();
+    void connectGraphWindow();
+    void buildPoints();
+    void buildPointTable();
+    void buildHistograms();
+    void setDefaultPoints();
+    void connectInputs();
+    void applyConditions();
+    void connectConditions();
+    void buildMarkLines();
+
+    // Inputs.
+    PointRows rows() const;
+    double valence1() const;
+    double valence2() const;
+    QLineEdit* mutField(AEPoint* point, int select) const;
+    void refreshMut(AEPoint* point, int select, double energy);
+    void refreshColumn(int select);
+    void repaintDisplays();
+
+    // Calculation.
+    RunInputs runInputs() const;
+    void refuse(const QString& text);
+    void refuseRun(Refusal refusal, int rowCount, const QString& noVPoint);
+    double thicknessRatio(const PointRows& table);
+    ThicknessType thicknessType() const;
+    double calcThreePoint(const PointRows& table, const PointChoice& choice, QString& text);
+    double calcFourPoint(const PointRows& table, const PointChoice& choice, Method method,
+                         QString& text);
+
+    std::unique_ptr<QButtonGroup> trGroup;
+    std::vector<std::unique_ptr<AXafsData>> dispData; ///< parallel to the items of SelectedFs
+    std::unique_ptr<Histgram> histA;
+    std::unique_ptr<Histgram> histT;
+    std::vector<std::unique_ptr<MarkLine>> m_lines;
+    std::unique_ptr<MarkLines> m_pointLines; ///< edge lines and one a row, for "Muts"
+    std::unique_ptr<MarkLines> m_edgeLines;  ///< edge lines, for the three previews
+
+    ThicknessRatios m_ratios{};
+    double m_lastA = 0.0;
+    double m_lastValence = 0.0;
+    std::unique_ptr<AXafsData> lcfFit;   ///< curve of the last fit
+    std::vector<LCFvs4PSPoint> lcfVs4ps; ///< oldest first
+};

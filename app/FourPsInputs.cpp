@@ -1,0 +1,204 @@
+#include "app/FourPs.h"
+
+#include "input/AEPoint.h"
+#include "input/AXafsData.h"
+#include "input/NumberText.h"
+
+PointRows FourPs::rows() const
+{
+    PointRows result;
+    for (const AEPoint* point : ePoints)
+        result.push_back(point->row());
+    return result;
+}
+
+double FourPs::valence1() const
+{
+    return numberFromText(Valence1->text());
+}
+
+double FourPs::valence2() const
+{
+    return numberFromText(Valence2->text());
+}
+
+void FourPs::repaintDisplays()
+{
+    displays->update();
+}
+
+void FourPs::setEdge()
+{
+    const double edge = numberFromText(EdgeE->text());
+    const double preEdgeEnd = edge + numberFromText(PreEEndDE->text());
+    const double postEdgeStart = edge + numberFromText(PostEStartDE->text());
+    for (AXafsFileSelect* select : qAsConst(xafsSelects))
+        select->setEdgeParameters(preEdgeEnd, edge, postEdgeStart);
+    for (const auto& spectrum : dispData) {
+        spectrum->preEdgeEnd = preEdgeEnd;
+        spectrum->edge = edge;
+        spectrum->postEdgeStart = postEdgeStart;
+        spectrum->fitVictreens();
+    }
+    repaintDisplays();
+}
+
+void FourPs::dispCalcConditions(bool on)
+{
+    CConds->setVisible(on);
+}
+
+void FourPs::changedUseVic(bool on)
+{
+    for (AEPoint* point : qAsConst(ePoints))
+        point->useVic = on;
+    RefFile1->setUseVic(on);
+    RefFile2->setUseVic(on);
+    refreshColumn(Ref1);
+    refreshColumn(Ref2);
+    calcBoth();
+}
+
+void FourPs::changedUseVicForTarget(bool on)
+{
+    for (AEPoint* point : qAsConst(ePoints))
+        point->useVicForTarget = on;
+    TargetFile->setUseVic(on);
+    refreshColumn(Target);
+    calcBoth();
+}
+
+void FourPs::changedUsingVicIs1(bool on)
+{
+    for (AEPoint* point : qAsConst(ePoints))
+        point->vicIsPre = on;
+    for (AXafsFileSelect* select : qAsConst(xafsSelects))
+        select->setVicIsPre(on);
+    for (const int select : {Ref1, Ref2, Target, Blank})
+        refreshColumn(select);
+    calcBoth();
+}
+
+QLineEdit* FourPs::mutField(AEPoint* point, int select) const
+{
+    switch (select) {
+    case Ref1:
+        return point->Mut1;
+    case Ref2:
+        return point->Mut2;
+    case Target:
+        return point->MutT;
+    default:
+        return point->MutBlank;
+    }
+}
+
+void FourPs::refreshMut(AEPoint* point, int select, double energy)
+{
+    double mut = 0.0;
+    // An empty field is no energy, not an energy of 0 eV.
+    const bool hasEnergy = !point->Energy->text().trimmed().isEmpty();
+    if (hasEnergy && xafsSelects[select]->muTAt(energy, mut))
+        mutField(point, select)->setText(textFromNumber(mut));
+    else
+        mutField(point, select)->clear();
+}
+
+void FourPs::refreshColumn(int select)
+{
+    for (AEPoint* point : qAsConst(ePoints))
+        refreshMut(point, select, point->energy());
+    repaintDisplays();
+}
+
+void FourPs::receiveNewEnergy(double energy)
+{
+    const int i = ePoints.indexOf(qobject_cast<AEPoint*>(sender()));
+    if (i >= 0)
+        for (const int select : {Ref1, Ref2, Target, Blank})
+            refreshMut(ePoints[i], select, energy);
+    repaintDisplays();
+}
+
+void FourPs::receiveNewRef1(const QString& path)
+{
+    Q_UNUSED(path) // the selector has read the file
+    refreshColumn(Ref1);
+}
+
+void FourPs::receiveNewRef2(const QString& path)
+{
+    Q_UNUSED(path)
+    refreshColumn(Ref2);
+}
+
+void FourPs::receiveNewTarget(const QString& path)
+{
+    Q_UNUSED(path)
+    refreshColumn(Target);
+}
+
+void FourPs::receiveNewBlank(const QString& path)
+{
+    Q_UNUSED(path)
+    refreshColumn(Blank);
+}
+
+void FourPs::receiveNewFile(const QString& path)
+{
+    switch (xafsSelects.indexOf(qobject_cast<AXafsFileSelect*>(sender()))) {
+    case Ref1:
+        receiveNewRef1(path);
+        break;
+    case Ref2:
+        receiveNewRef2(path);
+        break;
+    case Target:
+        receiveNewTarget(path);
+        break;
+    case Blank:
+        receiveNewBlank(path);
+        break;
+    default:
+        break;
+    }
+    calcBoth();
+}
+
+void FourPs::receiveNewDir(const QString& dir)
+{
+    for (AEPoint* point : qAsConst(ePoints))
+        point->MapFile->setDir(dir);
+    for (AXafsFileSelect* select : qAsConst(xafsSelects))
+        select->setDir(dir);
+    DispFSelect->setDir(dir);
+    mapFileSelect->setDir(dir);
+}
+
+void FourPs::receiveNewDispFiles(const QStringList& paths)
+{
+    for (const QString& path : paths) {
+        auto spectrum = std::make_unique<AXafsData>();
+        if (!spectrum->read(path))
+            continue;
+        dispData.push_back(std::move(spectrum));
+        SelectedFs->addItem(path);
+        setEdge();
+    }
+}
+
+void FourPs::removeAFile()
+{
+    const int index = SelectedFs->currentIndex();
+    if (index < 0 || index >= static_cast<int>(dispData.size()))
+        return;
+    dispData.erase(dispData.begin() + index);
+    SelectedFs->removeItem(index);
+}
+
+void FourPs::receiveNewPaths(const QStringList& paths)
+{
+    const int count = qMin(paths.size(), ePoints.size());
+    for (int i = 0; i < count; ++i)
+        ePoints[i]->MapFile->setFile(paths[i]);
+}

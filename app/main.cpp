@@ -1,0 +1,19 @@
+#include "app/Body.h"
+#include "app/Language.h"
+
+#include <QApplication>
+
+int main(int argc, char* argv[])
+{
+    QApplication application(argc, argv);
+    Catalogue catalogue;
+    if (wantsJapanese(QApplication::arguments())) {
+        // Without the catalogue the interface stays English, so the result is of no interest.
+        (void)catalogue.load(QStringLiteral(":velk_ja_JP"), QApplication::applicationDirPath(),
+                             QString(), QString());
+        QApplication::installTranslator(&catalogue);
+    }
+    Body body;
+    body.show();
+    return QApplication::exec();
+}

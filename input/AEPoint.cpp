@@ -1,0 +1,52 @@
+#include "input/AEPoint.h"
+
+#include "input/MapReader.h"
+#include "input/NumberText.h"
+
+AEPoint::AEPoint(QWidget* parent) : QFrame(parent)
+{
+    setupUi(this);
+    connect(MapFile, &AFileSelect::newDir, this, &AEPoint::newDir);
+    connect(MapFile, &AFileSelect::newFilePath, this, &AEPoint::loadData);
+    connect(Energy, &QLineEdit::editingFinished, this, &AEPoint::inNewEnergy);
+    connect(UseCB, &QCheckBox::clicked, this, &AEPoint::changedCB);
+    connect(TRatCB, &QCheckBox::clicked, this, &AEPoint::changedCB);
+    connect(VPointCB, &QRadioButton::clicked, this, &AEPoint::changedCB);
+}
+
+double AEPoint::energy() const
+{
+    return numberFromText(Energy->text());
+}
+
+PointRow AEPoint::row() const
+{
+    PointRow row;
+    row.use = UseCB->isChecked();
+    row.tRatio = TRatCB->isChecked();
+    row.vPoint = VPointCB->isChecked();
+    row.useVicRefs = useVic;
+    row.useVicTarget = useVicForTarget;
+    row.energy = energy();
+    row.mut1 = numberFromText(Mut1->text());
+    row.mut2 = numberFromText(Mut2->text());
+    row.mutTarget = numberFromText(MutT->text());
+    row.mutBlank = numberFromText(MutBlank->text());
+    return row;
+}
+
+void AEPoint::inNewEnergy()
+{
+    emit newEnergy(energy());
+}
+
+void AEPoint::loadData(const QString& path)
+{
+    const MapReadResult result = readMapData(path, m_mapData);
+    for (const QString& token : result.energies) {
+        Energy->setText(token);
+        inNewEnergy();
+    }
+    if (result.outcome == MapReadResult::Refused)
+        emit refusedData(result.reason);
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "analysis/PointRow.h"
+#include "input/MapData.h"
+#include "ui_AEPoint.h"
+
+#include <QFrame>
+
+/// One energy near the edge: the widgets of a row of the point table and the row's 2D data. The
+/// panel moves the widgets into its own table; the frame itself is never shown.
+class AEPoint : public QFrame, public Ui_AEPoint
+{
+    Q_OBJECT
+
+public:
+    explicit AEPoint(QWidget* parent = nullptr);
+
+    /// The row as numbers; fields without a number count as 0.
+    PointRow row() const;
+
+    /// The energy field as a number, eV.
+    double energy() const;
+
+    const MapData& mapData() const { return m_mapData; }
+
+    bool useVic = false;          ///< references have a Victreen line subtracted
+    bool useVicForTarget = false; ///< the target has one subtracted
+    bool vicIsPre = false;        ///< the line is the one below the edge
+
+signals:
+    void newDir(const QString& dir);
+    void newEnergy(double energy);
+    void changedCB();
+    void refusedData(const QString& reason); ///< the 2D data were not taken
+
+public slots:
+    /// Reads a 2D data file. One that cannot be opened leaves the row invalid and keeps the old
+    /// records.
+    void loadData(const QString& path);
+    void inNewEnergy();
+
+private:
+    MapData m_mapData;
+};

@@ -1,0 +1,155 @@
+#include "input/AFileSelect.h"
+
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMimeData>
+#include <QUrl>
+
+namespace
+{
+
+const QString openStyle = QStringLiteral("background-color: rgb(255, 255, 220);");
+const QString saveStyle = QStringLiteral("background-color: rgb(255, 255, 255);");
+
+/// Folder of a file without links and detours. A folder that does not exist (yet) is only made
+/// absolute.
+QString folderOf(const QString& path)
+{
+    const QDir folder = QFileInfo(path).absoluteDir();
+    const QString canonical = folder.canonicalPath();
+    return canonical.isEmpty() ? folder.absolutePath() : canonical;
+}
+
+/// Text of a URL with its path fully decoded, so that names with blanks, '%' or '#' survive.
+QString textOf(const QUrl& url)
+{
+    if (!url.isLocalFile())
+        return url.toString();
+    return QStringLiteral("file://") + url.host() + url.path(QUrl::FullyDecoded);
+}
+
+} // namespace
+
+AFileSelect::AFileSelect(QWidget* parent, int mode) : QFrame(parent)
+{
+    setupUi(this);
+    setAcceptDrops(true);
+    FileName->setAcceptDrops(false); // the whole selector is the target, its line is no text field
+    setMode(mode);
+    connect(SelectB, &QPushButton::clicked, this, &AFileSelect::showDialog);
+    connect(ClearB, &QPushButton::clicked, this, &AFileSelect::clearFileName);
+}
+
+AFileSelect::~AFileSelect() = default;
+
+QFileDialog* AFileSelect::dialog()
+{
+    if (m_dialog)
+        return m_dialog.get();
+    m_dialog = std::make_unique<QFileDialog>();
+    m_dialog->setNameFilters({QStringLiteral("Data Files (*.dat)"), QStringLiteral("All (* *.*)")});
+    if (!m_dir.isEmpty())
+        m_dialog->setDirectory(m_dir);
+    applyModeToDialog();
+    connect(m_dialog.get(), &QFileDialog::fileSelected, this, &AFileSelect::newFile);
+    connect(m_dialog.get(), &QFileDialog::currentChanged, this, &AFileSelect::selectingFile);
+    connect(m_dialog.get(), &QFileDialog::filesSelected, this, &AFileSelect::newFiles);
+    return m_dialog.get();
+}
+
+void AFileSelect::showDialog()
+{
+    dialog()->show();
+}
+
+void AFileSelect::setMode(int mode)
+{
+    m_mode = mode;
+    if (mode == Open || mode == Save) {
+        FileName->setReadOnly(mode == Open);
+        FileName->setStyleSheet(mode == Open ? openStyle : saveStyle);
+    }
+    if (m_dialog)
+        applyModeToDialog();
+}
+
+void AFileSelect::applyModeToDialog()
+{
+    if (m_mode == Open) {
+        m_dialog->setAcceptMode(QFileDialog::AcceptOpen);
+        m_dialog->setFileMode(m_multi ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
+    } else if (m_mode == Save) {
+        m_dialog->setAcceptMode(QFileDialog::AcceptSave);
+        m_dialog->setFileMode(QFileDialog::AnyFile);
+        // Overwriting needs no question anywhere in the program.
+        m_dialog->setOption(QFileDialog::DontConfirmOverwrite);
+    }
+}
+
+void AFileSelect::setDir(const QString& dir)
+{
+    if (dir == m_dir)
+        return;
+    m_dir = dir;
+    if (m_dialog)
+        m_dialog->setDirectory(m_dir);
+}
+
+void AFileSelect::setFile(const QString& path)
+{
+    QString file = path;
+    if (m_mode == Save && !m_defaultSuffix.isEmpty() && QFileInfo(file).suffix() != m_defaultSuffix)
+        file += QLatin1Char('.') + m_defaultSuffix;
+    FileName->setText(file);
+    m_fileName = QFileInfo(file).fileName();
+    setDir(folderOf(file));
+    emit newDir(m_dir);
+    emit newFilePath(file);
+}
+
+void AFileSelect::selectingFile(const QString& path)
+{
+    Q_UNUSED(path)
+}
+
+void AFileSelect::newFiles(const QStringList& paths)
+{
+    if (paths.isEmpty())
+        return;
+    QString names;
+    for (const QString& path : paths)
+        names += QFileInfo(path).fileName() + QLatin1Char(' ');
+    FileName->setText(names);
+    setDir(folderOf(paths.first()));
+    emit newDir(m_dir);
+    emit newFilePaths(paths);
+}
+
+void AFileSelect::clearFileName()
+{
+    FileName->clear();
+    emit newFilePath(QString());
+}
+
+void AFileSelect::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void AFileSelect::dropEvent(QDropEvent* event)
+{
+    const QList<QUrl> urls = event->mimeData()->urls();
+    const QString scheme = QStringLiteral("file://");
+    if (urls.isEmpty())
+        return;
+    const QString text = textOf(urls.first());
+    if (!text.startsWith(scheme))
+        return;
+    event->acceptProposedAction();
+    const QString path = text.mid(scheme.size()).simplified();
+    setFile(path.startsWith(QLatin1Char('/')) ? path : QStringLiteral("//") + path);
+}

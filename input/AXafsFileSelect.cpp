@@ -1,0 +1,76 @@
+#include "input/AXafsFileSelect.h"
+
+#include "display/DispABase.h"
+
+AXafsFileSelect::AXafsFileSelect(QWidget* parent, int mode) : AFileSelect(parent, mode)
+{
+    connect(this, &AFileSelect::newFilePath, this, &AXafsFileSelect::newFile);
+}
+
+AXafsFileSelect::~AXafsFileSelect() = default;
+
+void AXafsFileSelect::setEdgeParameters(double preEdgeEnd, double edge, double postEdgeStart)
+{
+    m_preEdgeEnd = preEdgeEnd;
+    m_edge = edge;
+    m_postEdgeStart = postEdgeStart;
+    if (!m_data)
+        return;
+    m_data->preEdgeEnd = preEdgeEnd;
+    m_data->edge = edge;
+    m_data->postEdgeStart = postEdgeStart;
+    m_data->fitVictreens();
+}
+
+bool AXafsFileSelect::muTAt(double energy, double& mut) const
+{
+    if (!m_data) {
+        mut = 0.0;
+        return false;
+    }
+    const std::optional<double> value = interpolateMut(m_data->points, energy);
+    if (!value)
+        return false;
+    mut = *value;
+    if (m_useVic)
+        mut -= m_vicIsPre ? m_data->preVicAt(energy) : m_data->postVicAt(energy);
+    return true;
+}
+
+void AXafsFileSelect::setPreview(DispABase* panel)
+{
+    m_preview = panel;
+    connect(panel, &DispABase::draw, this, &AXafsFileSelect::draw);
+    connect(panel, &DispABase::mPressed, this, &AXafsFileSelect::mPressed);
+    connect(panel, &DispABase::mReleased, this, &AXafsFileSelect::mReleased);
+    connect(panel, &DispABase::mDragging, this, &AXafsFileSelect::mDragging);
+}
+
+void AXafsFileSelect::newFile(const QString& path)
+{
+    if (!m_data) {
+        m_data = std::make_unique<AXafsData>();
+        setEdgeParameters(m_preEdgeEnd, m_edge, m_postEdgeStart);
+    }
+    m_data->read(path);
+}
+
+void AXafsFileSelect::draw(QStylePainter* painter)
+{
+    Q_UNUSED(painter)
+}
+
+void AXafsFileSelect::mPressed(MouseC* mouse)
+{
+    Q_UNUSED(mouse)
+}
+
+void AXafsFileSelect::mReleased(MouseC* mouse)
+{
+    Q_UNUSED(mouse)
+}
+
+void AXafsFileSelect::mDragging(MouseC* mouse)
+{
+    Q_UNUSED(mouse)
+}

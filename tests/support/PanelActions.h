@@ -1,0 +1,67 @@
+#pragma once
+
+#include "app/FourPs.h"
+#include "input/AEPoint.h"
+#include "input/AXafsFileSelect.h"
+
+#include <QApplication>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QTest>
+#include <QUrl>
+
+/// What a user does to the panel, through the real widgets.
+namespace user
+{
+
+/// Drops URLs on the middle of a widget as the desktop would.
+inline void dropUrls(QWidget* target, const QList<QUrl>& urls)
+{
+    QMimeData data;
+    data.setUrls(urls);
+    const QPoint middle = target->rect().center();
+    QDragEnterEvent enter(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &enter);
+    if (!enter.isAccepted())
+        return;
+    QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &drop);
+}
+
+inline void drop(QWidget* target, const QString& path)
+{
+    dropUrls(target, {QUrl::fromLocalFile(path)});
+}
+
+/// Replaces a field's text and leaves the field with the Enter key.
+inline void type(QLineEdit* field, const QString& text)
+{
+    field->setFocus();
+    field->selectAll();
+    if (text.isEmpty())
+        QTest::keyClick(field, Qt::Key_Delete);
+    else
+        QTest::keyClicks(field, text);
+    QTest::keyClick(field, Qt::Key_Return);
+}
+
+/// Clicks where the button reacts: on its indicator, at the left.
+inline void click(QAbstractButton* button)
+{
+    QTest::mouseClick(button, Qt::LeftButton, Qt::NoModifier,
+                      QPoint(8, button->rect().center().y()));
+}
+
+/// Lines of the message pane, oldest first.
+inline QStringList messages(const FourPs& panel)
+{
+    return panel.Message->toPlainText().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+/// Lines that were added since the pane had `count` lines.
+inline QStringList messagesSince(const FourPs& panel, int count)
+{
+    return messages(panel).mid(count);
+}
+
+} // namespace user
