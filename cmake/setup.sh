@@ -6,7 +6,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 packages=(
     cmake ninja-build g++
     qtbase5-dev qttools5-dev qttools5-dev-tools qtwayland5
-    libtomlplusplus-dev libbenchmark-dev pkg-config
+    libtomlplusplus-dev libbenchmark-dev
     xvfb xauth
     fonts-dejavu-core fonts-ipafont-gothic
 )

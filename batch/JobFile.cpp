@@ -1,0 +1,307 @@
+#include "batch/JobFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLocale>
+#include <QStringList>
+
+#include <toml++/toml.h>
+
+#include <cmath>
+#include <functional>
+#include <string_view>
+
+namespace
+{
+
+constexpr std::size_t rowsOfTheTable = 8;
+constexpr qint64 largestJob = 1024 * 1024;
+
+QString textOf(std::string_view text)
+{
+    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+}
+
+int lineOf(const toml::source_region& source)
+{
+    return static_cast<int>(source.begin.line);
+}
+
+/// Goes through the parsed tables and fills the job. The first error in the file is kept, in
+/// whatever order the keys are visited.
+class JobReader
+{
+public:
+    explicit JobReader(const QString& folder) : m_folder(folder) {}
+
+    void read(const toml::table& root);
+
+    Job job;
+    std::optional<JobError> error;
+
+private:
+    using Handler = std::function<void(const toml::node&, const QString&)>;
+    struct Key {
+        const char* name;
+        Handler handler;
+    };
+    using Keys = std::vector<Key>;
+
+    void fail(int line, const QString& reason)
+    {
+        if (!error || line < error->line)
+            error = JobError{line, reason};
+    }
+    void fail(const toml::node& node, const QString& reason)
+    {
+        fail(lineOf(node.source()), reason);
+    }
+
+    void readKeys(const toml::table& table, const QString& where, const Keys& keys);
+    Handler table(const Keys& keys);
+    Handler number(QString& text);
+    Handler flag(std::optional<bool>& value);
+    Handler flag(bool& value);
+    Handler spectrum(JobSpectrum& spectrum);
+    template <typename Value>
+    Handler choice(std::optional<Value>& value, std::vector<std::pair<const char*, Value>> choices);
+
+    void readPoints(const toml::node& node);
+    JobPoint readPoint(const toml::table& table);
+    void checkVPoints(const toml::array& array, const std::vector<JobPoint>& points);
+    void readCalculate(const toml::node& node);
+
+    QString m_folder;
+};
+
+QString quoted(const QString& text)
+{
+    return QLatin1Char('"') + text + QLatin1Char('"');
+}
+
+void JobReader::readKeys(const toml::table& table, const QString& where, const Keys& keys)
+{
+    for (const auto& [key, node] : table) {
+        const auto known = std::find_if(keys.begin(), keys.end(),
+                                        [&key = key](const Key& k) { return key.str() == k.name; });
+        const QString name = textOf(key.str());
+        if (known != keys.end()) {
+            known->handler(node, name);
+            continue;
+        }
+        QStringList names;
+        for (const Key& k : keys)
+            names += QLatin1String(k.name);
+        fail(lineOf(key.source()), QStringLiteral("unknown key %1%2; known are: %3")
+                                       .arg(quoted(name), where, names.join(QStringLiteral(", "))));
+    }
+}
+
+JobReader::Handler JobReader::table(const Keys& keys)
+{
+    return [this, keys](const toml::node& node, const QString& name) {
+        if (const toml::table* table = node.as_table())
+            readKeys(*table, QStringLiteral(" in [%1]").arg(name), keys);
+        else
+            fail(node, QStringLiteral("%1 is a table: [%1]").arg(name));
+    };
+}
+
+/// The text that types the number into a line edit, with all its digits.
+JobReader::Handler JobReader::number(QString& text)
+{
+    return [this, &text](const toml::node& node, const QString& name) {
+        if (const auto whole = node.value_exact<int64_t>())
+            text = QString::number(static_cast<qlonglong>(*whole));
+        else if (const auto real = node.value_exact<double>(); real && std::isfinite(*real))
+            text = QString::number(*real, 'g', QLocale::FloatingPointShortest);
+        else
+            fail(node, QStringLiteral("%1 is a finite number").arg(name));
+    };
+}
+
+JobReader::Handler JobReader::flag(std::optional<bool>& value)
+{
+    return [this, &value](const toml::node& node, const QString& name) {
+        value = node.value_exact<bool>();
+        if (!value)
+            fail(node, QStringLiteral("%1 is true or false").arg(name));
+    };
+}
+
+JobReader::Handler JobReader::flag(bool& value)
+{
+    return [this, &value](const toml::node& node, const QString& name) {
+        std::optional<bool> given;
+        flag(given)(node, name);
+        value = given.value_or(value);
+    };
+}
+
+JobReader::Handler JobReader::spectrum(JobSpectrum& spectrum)
+{
+    return [this, &spectrum](const toml::node& node, const QString& name) {
+        const auto text = node.value_exact<std::string_view>();
+        if (text && !text->empty())
+            spectrum = {QDir(m_folder).filePath(textOf(*text)), lineOf(node.source())};
+        else
+            fail(node, QStringLiteral("%1 is the path of a file, in quotation marks").arg(name));
+    };
+}
+
+template <typename Value>
+JobReader::Handler JobReader::choice(std::optional<Value>& value,
+                                     std::vector<std::pair<const char*, Value>> choices)
+{
+    return [this, &value, choices](const toml::node& node, const QString& name) {
+        const auto text = node.value_exact<std::string_view>();
+        QStringList names;
+        for (const auto& [choiceName, choiceValue] : choices) {
+            if (text && *text == choiceName)
+                value = choiceValue;
+            names += quoted(QLatin1String(choiceName));
+        }
+        if (!value)
+            fail(node,
+                 QStringLiteral("%1 is one of %2").arg(name, names.join(QStringLiteral(", "))));
+    };
+}
+
+JobPoint JobReader::readPoint(const toml::table& table)
+{
+    JobPoint point;
+    readKeys(table, QStringLiteral(" in [[point]]"),
+             {{"energy", number(point.energy)},
+              {"use", flag(point.use)},
+              {"t_ratio", flag(point.tRatio)},
+              {"v_point", flag(point.vPoint)}});
+    if (!table.contains("energy"))
+        fail(table, QStringLiteral("a [[point]] needs an energy"));
+    return point;
+}
+
+/// The V.Point buttons of the rows exclude one another, and one of them is always down.
+void JobReader::checkVPoints(const toml::array& array, const std::vector<JobPoint>& points)
+{
+    int count = 0;
+    for (std::size_t i = 0; i < points.size(); ++i)
+        if (points[i].vPoint && ++count == 2)
+            fail(array[i], QStringLiteral("only one [[point]] can have v_point = true"));
+    if (count == 0)
+        fail(array, QStringLiteral("one [[point]] needs v_point = true"));
+}
+
+void JobReader::readPoints(const toml::node& node)
+{
+    const toml::array* array = node.as_array();
+    if (array == nullptr || !array->is_array_of_tables()) {
+        fail(node, QStringLiteral("points are tables: [[point]]"));
+        return;
+    }
+    if (array->size() > rowsOfTheTable) {
+        fail((*array)[rowsOfTheTable], QStringLiteral("there are more than %1 [[point]] tables")
+                                           .arg(static_cast<int>(rowsOfTheTable)));
+        return;
+    }
+    std::vector<JobPoint> points;
+    for (const toml::node& row : *array)
+        points.push_back(readPoint(*row.as_table()));
+    if (!error)
+        checkVPoints(*array, points);
+    job.points = points;
+}
+
+void JobReader::readCalculate(const toml::node& node)
+{
+    job.calculateTarget = false;
+    job.calculateLcf = false;
+    const toml::array* array = node.as_array();
+    if (array == nullptr || array->empty()) {
+        fail(node, QStringLiteral("calculate is a list of \"target\", \"lcf\""));
+        return;
+    }
+    for (const toml::node& item : *array) {
+        const auto name = item.value_exact<std::string_view>();
+        if (name && *name == "target")
+            job.calculateTarget = true;
+        else if (name && *name == "lcf")
+            job.calculateLcf = true;
+        else
+            fail(item, QStringLiteral("calculate is a list of \"target\", \"lcf\""));
+    }
+}
+
+void JobReader::read(const toml::table& root)
+{
+    const Keys files{{"ref1", spectrum(job.spectra[Job::Ref1])},
+                     {"ref2", spectrum(job.spectra[Job::Ref2])},
+                     {"target", spectrum(job.spectra[Job::Target])},
+                     {"blank", spectrum(job.spectra[Job::Blank])}};
+    const Keys edge{{"energy", number(job.edge)},
+                    {"pre_edge_end", number(job.preEdgeEnd)},
+                    {"post_edge_start", number(job.postEdgeStart)}};
+    const Keys valences{{"ref1", number(job.valence1)}, {"ref2", number(job.valence2)}};
+    const Keys conditions{
+        {"thickness",
+         choice<ThicknessType>(job.thickness,
+                               {{"sum-by-sum", ThicknessType::SumBySum},
+                                {"mean", ThicknessType::Mean},
+                                {"least-squares", ThicknessType::LeastSquares},
+                                {"least-squares-no-blank", ThicknessType::LeastSquaresNoBlank},
+                                {"victreen", ThicknessType::EdgeJumps}})},
+        {"references_minus_victreen", flag(job.referencesMinusVictreen)},
+        {"target_minus_victreen", flag(job.targetMinusVictreen)},
+        {"victreen", choice<bool>(job.victreenIsPre, {{"pre", true}, {"post", false}})},
+        {"method", choice<bool>(job.exactMethod, {{"exact", true}, {"least-squares", false}})}};
+    readKeys(
+        root, QString(),
+        {{"files", table(files)},
+         {"edge", table(edge)},
+         {"valences", table(valences)},
+         {"point", [this](const toml::node& node, const QString&) { readPoints(node); }},
+         {"conditions", table(conditions)},
+         {"calculate", [this](const toml::node& node, const QString&) { readCalculate(node); }}});
+}
+
+} // namespace
+
+QString errorText(const QString& file, const JobError& error)
+{
+    if (error.line == 0)
+        return QStringLiteral("%1: %2").arg(file, error.reason);
+    return QStringLiteral("%1:%2: %3").arg(file).arg(error.line).arg(error.reason);
+}
+
+std::optional<Job> parseJob(const QByteArray& text, const QString& folder, JobError& error)
+{
+    JobReader reader(folder);
+    try {
+        reader.read(
+            toml::parse(std::string_view(text.constData(), static_cast<std::size_t>(text.size()))));
+    } catch (const toml::parse_error& syntax) {
+        error = {lineOf(syntax.source()), textOf(syntax.description()).simplified()};
+        return std::nullopt;
+    }
+    if (reader.error) {
+        error = *reader.error;
+        return std::nullopt;
+    }
+    return reader.job;
+}
+
+std::optional<Job> readJob(const QString& path, JobError& error)
+{
+    const QFileInfo info(path);
+    QFile file(path);
+    if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {
+        error = {0, QStringLiteral("cannot be opened as a file")};
+        return std::nullopt;
+    }
+    const QByteArray text = file.read(largestJob + 1);
+    if (text.size() > largestJob) {
+        error = {0, QStringLiteral("is larger than 1 MiB and no job")};
+        return std::nullopt;
+    }
+    return parseJob(text, info.absolutePath(), error);
+}
