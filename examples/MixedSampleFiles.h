@@ -11,7 +11,7 @@
 
 /// Photons counted before the sample at each step of a scan, at its start; they fall by a tenth
 /// until its end.
-constexpr double photonsPerStep = 5e7;
+constexpr double photonsPerStep = 2e8;
 
 /// Energies of a scan, eV, rising: coarse before the edge, every half electronvolt around it with
 /// a step at each of the form's default points, coarser again in the fine structure.

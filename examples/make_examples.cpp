@@ -20,7 +20,7 @@ int main(int argc, char* argv[])
         parser.showHelp(2);
 
     const QDir folder(parser.positionalArguments().constFirst());
-    constexpr std::uint_fast64_t seed = 28;
+    constexpr std::uint_fast64_t seed = 1;
     QString failed = writeSample(folder.filePath(QStringLiteral("nickel")), MixedSample(), seed);
     if (failed.isEmpty())
         failed = writeSample(folder.filePath(QStringLiteral("nickel-noise-free")), MixedSample(),
