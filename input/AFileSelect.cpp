@@ -38,6 +38,9 @@ AFileSelect::AFileSelect(QWidget* parent, int mode) : QFrame(parent)
     setupUi(this);
     setAcceptDrops(true);
     FileName->setAcceptDrops(false); // the whole selector is the target, its line is no text field
+    for (QPushButton* button : {SelectB, ClearB}) // as narrow as their texts: a window has many
+        button->setFixedWidth(button->fontMetrics().horizontalAdvance(button->text()) +
+                              2 * button->fontMetrics().averageCharWidth() + 8);
     setMode(mode);
     connect(SelectB, &QPushButton::clicked, this, &AFileSelect::showDialog);
     connect(ClearB, &QPushButton::clicked, this, &AFileSelect::clearFileName);
