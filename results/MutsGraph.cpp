@@ -1,0 +1,195 @@
+#include "results/MutsGraph.h"
+
+#include "display/CColors.h"
+#include "display/DispABase.h"
+#include "display/PlotLines.h"
+#include "input/AXafsData.h"
+
+#include <QPen>
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+using Curve = std::vector<QPointF>;
+
+const QColor levelColor(200, 200, 200);
+const QColor edgeColor(80, 255, 80);
+const QColor tRatioColor(255, 0, 0);
+const QColor pointColor(0, 0, 255);
+const QColor fitColor(255, 128, 0);
+
+constexpr int plainWidth = 1;
+constexpr int selectedWidth = 2;
+constexpr int chosenWidth = 3;
+constexpr int usedWidth = 3;
+
+constexpr double roomAround = 0.05;
+constexpr std::size_t blankIndex = 3;
+
+bool hasPoints(const AXafsData* data)
+{
+    return data && !data->points.empty();
+}
+
+Curve fitCurve(const AXafsData& fit)
+{
+    Curve curve;
+    curve.reserve(fit.points.size());
+    for (const SpectrumPoint& point : fit.points)
+        curve.emplace_back(point.energy, point.mut);
+    return curve;
+}
+
+// All curves of the graph; empty ones keep the others' places.
+struct MutsCurves {
+    std::vector<Curve> selected;
+    std::vector<Curve> displayOnly;
+    Curve fit;
+
+    explicit MutsCurves(const MutsContent& content)
+    {
+        for (const AXafsData* data : content.selected)
+            selected.push_back(curveOf(data, content.normalization));
+        for (const AXafsData* data : content.displayOnly)
+            displayOnly.push_back(curveOf(data, content.normalization));
+        if (hasPoints(content.fit))
+            fit = fitCurve(*content.fit);
+    }
+
+    // A blank has no edge; divided by the noise of one it would leave no height for the others.
+    std::vector<Curve> ranged() const
+    {
+        std::vector<Curve> curves = displayOnly;
+        for (std::size_t i = 0; i < selected.size(); ++i) {
+            if (i != blankIndex)
+                curves.push_back(selected[i]);
+        }
+        curves.push_back(fit);
+        return curves;
+    }
+
+private:
+    static Curve curveOf(const AXafsData* data, Normalization normalization)
+    {
+        return hasPoints(data) ? normalizedCurve(*data, normalization) : Curve();
+    }
+};
+
+void drawCurve(const ChCoord& coord, QPainter* painter, const Curve& curve, const QColor& color,
+               int width)
+{
+    PlotLines lines(coord, width);
+    for (std::size_t i = 1; i < curve.size(); ++i)
+        lines.add(curve[i].x(), curve[i].y(), curve[i - 1].x(), curve[i - 1].y());
+    lines.draw(painter, QPen(color, width));
+}
+
+void drawLevels(const ChCoord& coord, QPainter* painter)
+{
+    PlotLines levels(coord);
+    for (const double level : {0.0, 0.5, 1.0})
+        levels.addHorizontal(level);
+    levels.draw(painter, levelColor);
+}
+
+void drawEdges(const ChCoord& coord, QPainter* painter, const MutsContent& content)
+{
+    PlotLines edges(coord);
+    edges.addVertical(content.edge);
+    edges.addVertical(content.energies().from);
+    edges.addVertical(content.energies().to);
+    edges.draw(painter, edgeColor);
+}
+
+void drawRows(const ChCoord& coord, QPainter* painter, const PointRows& rows)
+{
+    for (const PointRow& row : rows) {
+        const int width = row.use ? usedWidth : plainWidth;
+        PlotLines line(coord, width);
+        line.addVertical(row.energy);
+        line.draw(painter, QPen(row.tRatio ? tRatioColor : pointColor, width));
+    }
+}
+
+// Display-only spectra first, so that they never hide what is analysed; the first of the selected
+// ones on top.
+void drawCurves(const ChCoord& coord, QPainter* painter, const MutsCurves& curves, int chosen)
+{
+    const int count = static_cast<int>(curves.selected.size() + curves.displayOnly.size());
+    const CColors palette(count);
+    const int firstDisplayOnly = static_cast<int>(curves.selected.size());
+    for (int i = 0; i < static_cast<int>(curves.displayOnly.size()); ++i) {
+        drawCurve(coord, painter, curves.displayOnly[static_cast<std::size_t>(i)],
+                  palette.colors[firstDisplayOnly + i], i == chosen ? chosenWidth : plainWidth);
+    }
+    for (int i = firstDisplayOnly - 1; i >= 0; --i) {
+        drawCurve(coord, painter, curves.selected[static_cast<std::size_t>(i)], palette.colors[i],
+                  selectedWidth);
+    }
+    drawCurve(coord, painter, curves.fit, fitColor, plainWidth);
+}
+
+} // namespace
+
+bool MutsContent::isEmpty() const
+{
+    return std::none_of(selected.begin(), selected.end(), hasPoints) &&
+           std::none_of(displayOnly.begin(), displayOnly.end(), hasPoints);
+}
+
+std::vector<QPointF> normalizedCurve(const AXafsData& data, Normalization normalization)
+{
+    const double jump = data.edgeJump();
+    Curve curve;
+    curve.reserve(data.points.size());
+    for (const SpectrumPoint& point : data.points) {
+        const double pre = data.preVicAt(point.energy);
+        const double scale =
+            normalization == Normalization::ByTwoLines ? data.postVicAt(point.energy) - pre : jump;
+        curve.emplace_back(point.energy, (point.mut - pre) / scale);
+    }
+    return curve;
+}
+
+AxisEnds curveRange(const std::vector<std::vector<QPointF>>& curves, const AxisEnds& energies)
+{
+    const double first = std::min(energies.from, energies.to);
+    const double last = std::max(energies.from, energies.to);
+    double min = 1e300;
+    double max = -1e300;
+    for (const Curve& curve : curves) {
+        for (const QPointF& point : curve) {
+            if (point.x() < first || point.x() > last || !std::isfinite(point.y()))
+                continue;
+            min = std::min(min, point.y());
+            max = std::max(max, point.y());
+        }
+    }
+    if (min > max)
+        return {-roomAround, 1.0 + roomAround};
+    if (min == max)
+        return {min - 0.5, max + 0.5};
+    return {min - roomAround * (max - min), max + roomAround * (max - min)};
+}
+
+void drawMutsGraph(DispABase* panel, QPainter* painter, const AxisTitles& titles,
+                   const MutsContent& content)
+{
+    if (!beginGraph(panel, painter, titles, !content.isEmpty()))
+        return;
+    const MutsCurves curves(content);
+    if (!panel->DispA->rangeSet) {
+        const AxisEnds x = content.energies();
+        const AxisEnds y = curveRange(curves.ranged(), x);
+        panel->setRangeOnce(x.from, y.from, x.to, y.to);
+    }
+    const ChCoord& coord = panel->DispA->coord;
+    drawLevels(coord, painter);
+    drawEdges(coord, painter, content);
+    drawRows(coord, painter, content.rows);
+    drawCurves(coord, painter, curves, content.chosen);
+    panel->DispA->drawFrame(painter, true);
+}

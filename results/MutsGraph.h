@@ -1,0 +1,44 @@
+#pragma once
+
+#include "analysis/PointRow.h"
+#include "results/GraphFrame.h"
+
+#include <QPoint>
+#include <QPointF>
+
+class AXafsData;
+
+/// How a spectrum is brought to the scale from 0, below the edge, to 1, above it.
+enum class Normalization {
+    ByTwoLines, ///< (mu-t - pre) / (post - pre), both Victreen lines at each point's energy
+    ByEdgeJump, ///< (mu-t - pre) / edge jump
+};
+
+/// What "Muts" shows.
+struct MutsContent {
+    double edge = 0.0;            ///< eV
+    double preEndOffset = 0.0;    ///< end of the pre-edge fit, eV from the edge
+    double postStartOffset = 0.0; ///< start of the post-edge fit, eV from the edge
+    Normalization normalization = Normalization::ByTwoLines;
+    PointRows rows; ///< the energy points
+    /// Ref 1, Ref 2, target and blank, in this order; null where there is no spectrum.
+    std::vector<const AXafsData*> selected;
+    std::vector<const AXafsData*> displayOnly;
+    int chosen = -1;                ///< of displayOnly, drawn wider
+    const AXafsData* fit = nullptr; ///< curve of the linear combination fit, normalized already
+
+    AxisEnds energies() const { return {edge + preEndOffset, edge + postStartOffset}; }
+    bool isEmpty() const;
+};
+
+/// The normalized points of a spectrum (eV, no unit) in file order.
+std::vector<QPointF> normalizedCurve(const AXafsData& data, Normalization normalization);
+
+/// Vertical range of curves between two energies: lowest and highest value there, each widened by a
+/// twentieth of their difference. From -0.05 to 1.05 where nothing lies there, and half a unit to
+/// either side of a value that is the only one.
+AxisEnds curveRange(const std::vector<std::vector<QPointF>>& curves, const AxisEnds& energies);
+
+/// "Muts": all spectra, normalized, around the edge, with the energies that the user can drag.
+void drawMutsGraph(DispABase* panel, QPainter* painter, const AxisTitles& titles,
+                   const MutsContent& content);
