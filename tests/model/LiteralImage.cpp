@@ -1,0 +1,71 @@
+#include "tests/model/LiteralImage.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QTextStream>
+
+#include <cmath>
+
+namespace literal
+{
+
+void Image::load(const QString& path)
+{
+    valid = false;
+    energies.clear();
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return;
+    loadOpened(file);
+}
+
+void Image::loadOpened(QIODevice& device)
+{
+    valid = false;
+    energies.clear();
+    header.clear();
+    records.clear();
+    columns = 0;
+    rows = 0;
+    QTextStream stream(&device);
+    const QRegularExpression blanks(QStringLiteral("\\s+"));
+    while (!stream.atEnd()) {
+        const QString line = stream.readLine().simplified();
+        const QStringList tokens = line.split(blanks);
+        if (tokens[0].startsWith(QLatin1Char('#')))
+            takeHeader(line, tokens);
+        else if (tokens.size() == 3)
+            records.append({tokens[0].toDouble(), tokens[1].toDouble(), tokens[2].toDouble(), 1.0});
+        else if (tokens.size() >= 4)
+            records.append({tokens[0].toDouble(), tokens[1].toDouble(), tokens[2].toDouble(),
+                            tokens[3].toDouble()});
+    }
+    valid = columns > 0 && rows > 0 && !records.isEmpty();
+}
+
+void Image::takeHeader(const QString& line, const QStringList& tokens)
+{
+    header.append(line);
+    if (tokens.size() >= 8 && tokens[1].toUpper() == QStringLiteral("AXIS")) {
+        if (tokens[2].toInt() == 0)
+            columns = tokens[7].toInt();
+        else if (tokens[2].toInt() == 1)
+            rows = tokens[7].toInt();
+    }
+    if (tokens.size() >= 4 && tokens[1].toUpper() == QStringLiteral("ENERGY"))
+        energies.append(tokens[3]);
+}
+
+double Image::mutAt(qint64 i) const
+{
+    if (i < 0 || i >= records.size())
+        return -1.0;
+    const ImageRecord& pixel = records[static_cast<int>(i)];
+    if (pixel.incident == 0)
+        return pixel.transmitted;
+    if (pixel.transmitted == 0)
+        return 1.0;
+    return std::log(pixel.incident / pixel.transmitted);
+}
+
+} // namespace literal

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QIODevice>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <optional>
+
+namespace literal
+{
+
+struct ImageRecord {
+    double position1 = 0.0;
+    double position2 = 0.0;
+    double transmitted = 0.0;
+    double incident = 0.0;
+};
+
+/// The 2D data of one energy point, read line by line.
+class Image
+{
+public:
+    bool valid = false;
+    QStringList header;
+    int columns = 0; ///< first axis
+    int rows = 0;    ///< second axis
+    QVector<ImageRecord> records;
+    QStringList energies; ///< what the energy lines of the last file held, in file order
+
+    /// An unreadable file makes the image invalid and leaves all else.
+    void load(const QString& path);
+    /// What `load` does once the file is open.
+    void loadOpened(QIODevice& device);
+    /// The mu-t of pixel i: -1 outside the image.
+    double mutAt(qint64 i) const;
+
+private:
+    void takeHeader(const QString& line, const QStringList& tokens);
+};
+
+} // namespace literal
