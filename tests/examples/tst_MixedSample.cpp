@@ -147,7 +147,7 @@ void tst_MixedSample::folderIsWritten()
     QVERIFY(truth.open(QIODevice::ReadOnly));
     const QByteArray text = truth.readAll().simplified();
     for (const char* const known :
-         {"a = 0.35 #", "valence = 2.65 #", "t_over_ts = 0.8 #", "photons = 50000000 #"})
+         {"a = 0.35 #", "valence = 2.65 #", "t_over_ts = 0.8 #", "photons = 200000000 #"})
         QVERIFY2(text.contains(known), known);
 }
 
