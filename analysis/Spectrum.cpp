@@ -1,7 +1,5 @@
 #include "analysis/Spectrum.h"
 
-#include <algorithm>
-
 std::optional<double> interpolateMut(const SpectrumPoints& points, double energy)
 {
     SpectrumPoint previous{0.0, 0.0, 0.0};
@@ -17,10 +15,9 @@ std::optional<double> interpolateMut(const SpectrumPoints& points, double energy
 void widenMutRange(const SpectrumPoints& points, double energy1, double energy2, double& min,
                    double& max)
 {
-    const double low = std::min(energy1, energy2);
-    const double high = std::max(energy1, energy2);
     for (const SpectrumPoint& point : points) {
-        if (!(point.energy >= low && point.energy <= high))
+        const double e = point.energy;
+        if (!(energy1 <= e && e <= energy2) && !(energy2 <= e && e <= energy1))
             continue;
         if (point.mut < min)
             min = point.mut;

@@ -1,13 +1,14 @@
 #include "input/LongToken.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace
 {
 
 /// No two doubles, nor a double and the middle between two, agree in more significant digits than
 /// this; what follows matters only by being zero or not.
-constexpr std::size_t decisiveDigits = 800;
+constexpr std::ptrdiff_t decisiveDigits = 800;
 
 /// Far beyond the exponent of any double, for every mantissa read as 0.ddd.
 constexpr std::int64_t largestExponent = 100000;
@@ -17,21 +18,23 @@ bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
+bool isNotZero(char c)
+{
+    return c != '0';
+}
+
 } // namespace
 
 void LongToken::append(const char* first, const char* last)
 {
-    if (!m_long) {
-        m_text.append(first, last);
-        if (m_text.size() <= longestKept)
-            return;
-        m_long = true;
-        for (const char c : m_text)
-            read(c);
+    if (m_long) {
+        read(first, last);
         return;
     }
-    for (; first != last && m_state != State::Bad; ++first)
-        read(*first);
+    m_text.append(first, last);
+    m_long = m_text.size() > longestKept;
+    if (m_long)
+        read(m_text.data(), m_text.data() + m_text.size());
 }
 
 std::string_view LongToken::text()
@@ -46,61 +49,50 @@ void LongToken::clear()
     *this = LongToken();
 }
 
-void LongToken::read(char c)
+void LongToken::read(const char* first, const char* last)
 {
-    switch (m_state) {
-    case State::Start:
-        if (c == '+' || c == '-') {
-            m_negative = c == '-';
-            m_state = State::Sign;
-            return;
-        }
-        [[fallthrough]];
-    case State::Sign:
-    case State::Integer:
-    case State::Point:
-    case State::Fraction:
-        readMantissa(c);
-        return;
-    case State::Exponent:
-    case State::ExponentSign:
-    case State::Digits:
-        readExponent(c);
-        return;
-    case State::Bad:
-        return;
+    while (first != last && m_state != State::Bad) {
+        if (m_state >= State::Exponent)
+            readExponent(*first++);
+        else if (isDigit(*first))
+            first = readDigits(first, last);
+        else
+            readMantissa(*first++);
     }
+}
+
+const char* LongToken::readDigits(const char* first, const char* last)
+{
+    const bool integer = m_state < State::Point;
+    m_state = integer ? State::Integer : State::Fraction;
+    m_hasDigit = true;
+    const char* const end = std::find_if_not(first, last, isDigit);
+    if (m_digits.empty()) {
+        const char* const zeros = first;
+        first = std::find_if(first, end, isNotZero);
+        m_point -= integer ? 0 : first - zeros;
+    }
+    m_point += integer ? end - first : 0;
+    const char* const kept =
+        first +
+        std::min(end - first, decisiveDigits - static_cast<std::ptrdiff_t>(m_digits.size()));
+    m_digits.append(first, kept);
+    m_sticky = m_sticky || std::any_of(kept, end, isNotZero);
+    return end;
 }
 
 void LongToken::readMantissa(char c)
 {
-    const bool pointSeen = m_state == State::Point || m_state == State::Fraction;
-    if (isDigit(c)) {
-        m_state = pointSeen ? State::Fraction : State::Integer;
-        readDigit(c);
-    } else if (c == '.' && !pointSeen) {
+    if ((c == '+' || c == '-') && m_state == State::Start) {
+        m_negative = c == '-';
+        m_state = State::Sign;
+    } else if (c == '.' && m_state < State::Point) {
         m_state = State::Point;
     } else if ((c == 'e' || c == 'E') && m_hasDigit) {
         m_state = State::Exponent;
     } else {
         m_state = State::Bad;
     }
-}
-
-void LongToken::readDigit(char c)
-{
-    m_hasDigit = true;
-    const bool significant = c != '0' || !m_digits.empty();
-    if (m_state == State::Integer && significant)
-        ++m_point;
-    else if (m_state == State::Fraction && !significant)
-        --m_point;
-    if (!significant)
-        return;
-    if (m_digits.size() < decisiveDigits)
-        m_digits += c;
-    else if (c != '0')
-        m_sticky = true;
 }
 
 void LongToken::readExponent(char c)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -20,11 +21,12 @@ public:
     void clear();
 
 private:
+    /// What was read last; the parts of a number in their order.
     enum class State { Start, Sign, Integer, Point, Fraction, Exponent, ExponentSign, Digits, Bad };
 
-    void read(char c);
+    void read(const char* first, const char* last);
+    const char* readDigits(const char* first, const char* last);
     void readMantissa(char c);
-    void readDigit(char c);
     void readExponent(char c);
     bool isNumber() const;
     std::string shortNumber() const;

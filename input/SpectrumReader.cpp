@@ -65,7 +65,7 @@ void SpectrumReader::dataToken(std::string_view text)
         m_line.transmitted = number(text);
 }
 
-void SpectrumReader::endLine()
+void SpectrumReader::closeLine()
 {
     if (m_started && m_line.tokens > headerTokens) {
         addPoint();
@@ -89,5 +89,5 @@ SpectrumPoints readSpectrum(TextSource& source)
     for (std::string_view piece; source.next(piece);)
         scanner.feed(piece);
     scanner.finish();
-    return reader.points();
+    return reader.takePoints();
 }

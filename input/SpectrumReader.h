@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string_view>
+#include <utility>
 
 class TextSource;
 
@@ -16,10 +17,14 @@ class SpectrumReader
 {
 public:
     void token(std::string_view text);
-    void endLine();
+    void endLine()
+    {
+        if (m_line.tokens > 0)
+            closeLine();
+    }
 
-    /// The points read so far, in the file's order; none without a start marker.
-    const SpectrumPoints& points() const { return m_points; }
+    /// Hands over the points read so far, in the file's order; none without a start marker.
+    SpectrumPoints takePoints() { return std::move(m_points); }
 
 private:
     /// What is known of the line so far.
@@ -35,6 +40,7 @@ private:
 
     void headerToken(std::string_view text);
     void dataToken(std::string_view text);
+    void closeLine();
     void addPoint();
 
     Line m_line;

@@ -16,20 +16,24 @@ bool isAscii(const char* first, std::size_t size)
     return bits < 0x80;
 }
 
-void append(std::string& text, QChar character)
+/// Writes one character of a piece; at most longestCharacter bytes.
+char* write(char* to, QChar character)
 {
     constexpr ushort minusSign = 0x2212;
-    if (character == QLatin1Char('\r'))
-        return;
-    if (character.unicode() < 0x80)
-        text += static_cast<char>(character.unicode());
-    else if (character.isSpace())
-        text += ' ';
-    else if (character.unicode() == minusSign)
-        text += "\xE2\x88\x92";
-    else
-        text += '?';
+    constexpr ushort lastBlank = 0x3000; // the ideographic space
+    if (character.unicode() < 0x80) {
+        if (character != QLatin1Char('\r'))
+            *to++ = static_cast<char>(character.unicode());
+    } else if (character.unicode() == minusSign) {
+        for (const char byte : std::string_view("\xE2\x88\x92"))
+            *to++ = byte;
+    } else {
+        *to++ = character.unicode() <= lastBlank && character.isSpace() ? ' ' : '?';
+    }
+    return to;
 }
+
+constexpr std::size_t longestCharacter = 3;
 
 } // namespace
 
@@ -82,9 +86,10 @@ std::string_view TextSource::withoutReturns(char* first, std::size_t size)
 
 std::string_view TextSource::decoded(const char* first, std::size_t size)
 {
-    m_text.clear();
     const QString text = m_codec->toUnicode(first, static_cast<int>(size), &m_state);
+    m_text.resize(static_cast<std::size_t>(text.size()) * longestCharacter);
+    char* to = m_text.data();
     for (const QChar character : text)
-        append(m_text, character);
-    return m_text;
+        to = write(to, character);
+    return {m_text.data(), static_cast<std::size_t>(to - m_text.data())};
 }
