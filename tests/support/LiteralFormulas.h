@@ -1,0 +1,289 @@
+#pragma once
+
+#include "analysis/PointRow.h"
+#include "analysis/Spectrum.h"
+
+#include <cmath>
+#include <functional>
+#include <optional>
+#include <vector>
+
+/// The program's formulas a second time, written down literally and without regard to speed: the
+/// measure of the kernels, bit by bit.
+namespace formulas
+{
+
+using Numbers = std::vector<double>;
+using Lines = std::vector<Numbers>;
+
+// Linear equations -----------------------------------------------------------------------------
+
+struct Decomposition {
+    Lines lower;
+    Lines upper;
+    std::vector<int> perm;
+};
+
+inline Decomposition luDecompose(int n, const Lines& matrix)
+{
+    Decomposition d{matrix, Lines(n, Numbers(n, 0.0)), std::vector<int>(n)};
+    Lines& a = d.lower;
+    std::vector<int>& perm = d.perm;
+    for (int i = 0; i < n; i++)
+        perm[i] = i;
+    for (int k = 0; k < n; k++) {
+        int best = k;
+        for (int j = k; j < n; j++)
+            if (std::fabs(a[perm[j]][k]) > best)
+                best = j;
+        const int swapped = perm[k];
+        perm[k] = perm[best];
+        perm[best] = swapped;
+        double pivot = a[perm[k]][k];
+        if (pivot == 0.0)
+            pivot = 1.0;
+        for (int i = k + 1; i < n; i++) {
+            a[perm[i]][k] = a[perm[i]][k] / pivot;
+            for (int j = k + 1; j < n; j++)
+                a[perm[i]][j] = a[perm[i]][j] - a[perm[k]][j] * a[perm[i]][k];
+        }
+    }
+    for (int i = 0; i < n; i++) {
+        for (int j = i; j < n; j++) {
+            d.upper[perm[i]][j] = a[perm[i]][j];
+            a[perm[i]][j] = i == j ? 1.0 : 0.0;
+        }
+    }
+    return d;
+}
+
+inline Numbers luForward(int n, const Decomposition& d, const Numbers& b)
+{
+    Numbers y = b;
+    for (int k = 0; k <= n - 2; k++) {
+        const int r = d.perm[k];
+        y[r] = y[r] / d.lower[r][k];
+        for (int i = k + 1; i < n; i++)
+            y[d.perm[i]] = y[d.perm[i]] - y[r] * d.lower[d.perm[i]][k];
+    }
+    return y;
+}
+
+inline Numbers luBackward(int n, const Decomposition& d, const Numbers& y)
+{
+    Numbers x = y;
+    for (int k = n - 1; k >= 0; k--) {
+        const int r = d.perm[k];
+        x[r] = x[r] / d.upper[r][k];
+        for (int i = k - 1; i >= 0; i--)
+            x[d.perm[i]] = x[d.perm[i]] - x[r] * d.upper[d.perm[i]][k];
+    }
+    return x;
+}
+
+inline Numbers solve(const Lines& matrix, const Numbers& right)
+{
+    const int n = static_cast<int>(matrix.size());
+    const Decomposition d = luDecompose(n, matrix);
+    const Numbers x = luBackward(n, d, luForward(n, d, right));
+    Numbers unknowns;
+    for (int k = 0; k < n; k++)
+        unknowns.push_back(x[d.perm[k]]);
+    return unknowns;
+}
+
+// Victreen lines -------------------------------------------------------------------------------
+
+struct Victreen {
+    double c, a, b; ///< three terms
+    double aNoC, bNoC;
+};
+
+inline double victreenAt(double c, double a, double b, double energy)
+{
+    const double lambda = 12398.424360387684 / energy;
+    return lambda * lambda * lambda * (a + b * lambda) + c;
+}
+
+inline double noCAt(double a, double b, double energy)
+{
+    const double lambda = 12398.424360387684 / energy;
+    return lambda * lambda * lambda * (a + b * lambda);
+}
+
+inline Victreen fitVictreen(const SpectrumPoints& points,
+                            const std::function<bool(double energy)>& selects)
+{
+    double n = 0, S3 = 0, S4 = 0, S6 = 0, S7 = 0, S8 = 0, Sm = 0, Sm3 = 0, Sm4 = 0;
+    for (const SpectrumPoint& p : points) {
+        if (!selects(p.energy))
+            continue;
+        const double l = 12398.424360387684 / p.energy;
+        const double l3 = l * l * l;
+        const double l4 = l * l3;
+        n += 1;
+        S3 += l3;
+        S4 += l4;
+        S6 += l3 * l3;
+        S7 += l3 * l4;
+        S8 += l4 * l4;
+        Sm += p.mut;
+        Sm3 += p.mut * l3;
+        Sm4 += p.mut * l4;
+    }
+    const double a = (Sm3 * S8 - Sm4 * S7) / (S6 * S8 - S7 * S7);
+    const double b = Sm3 / S7 - a * S6 / S7;
+    const Numbers x = solve({{n, S3, S4}, {S3, S6, S7}, {S4, S7, S8}}, {Sm, Sm3, Sm4});
+    return {x[0], x[1], x[2], a, b};
+}
+
+// Spectra --------------------------------------------------------------------------------------
+
+inline double normalized(const SpectrumPoint& p, const Victreen& pre, const Victreen& post)
+{
+    const double below = victreenAt(pre.c, pre.a, pre.b, p.energy);
+    const double above = victreenAt(post.c, post.a, post.b, p.energy);
+    return (p.mut - below) / (above - below);
+}
+
+inline double normalizedAt(const SpectrumPoints& points, const Victreen& pre, const Victreen& post,
+                           double energy)
+{
+    if (points.size() < 2)
+        return 0.0;
+    if (energy < points[0].energy || energy > points[points.size() - 1].energy)
+        return 0.0;
+    for (size_t i = 1; i < points.size(); i++) {
+        const double e0 = points[i - 1].energy;
+        const double e1 = points[i].energy;
+        if (e0 <= energy && energy <= e1) {
+            const double n0 = normalized(points[i - 1], pre, post);
+            const double n1 = normalized(points[i], pre, post);
+            return n0 + (energy - e0) * (n1 - n0) / (e1 - e0);
+        }
+    }
+    return 0.0;
+}
+
+inline std::optional<double> muTAt(const SpectrumPoints& points, double energy)
+{
+    double previousE = 0.0;
+    double previousMut = 0.0;
+    for (const SpectrumPoint& p : points) {
+        if (p.energy >= energy)
+            return previousMut +
+                   (p.mut - previousMut) / (p.energy - previousE) * (energy - previousE);
+        previousE = p.energy;
+        previousMut = p.mut;
+    }
+    return std::nullopt;
+}
+
+// Point methods --------------------------------------------------------------------------------
+
+struct Result {
+    double a;
+    double thickness;
+};
+
+inline Result threePoint(const PointRow& p0, const PointRow& p1, const PointRow& v, double t0,
+                         double t1, double tV)
+{
+    const auto r1 = [](const PointRow& row) { return row.mut1 - row.mutBlank; };
+    const auto r2 = [](const PointRow& row) { return row.mut2 - row.mutBlank; };
+    const double k = (r2(v) - r2(p0)) / (r2(p1) - r2(p0));
+    const double a = ((tV - t0) / (t1 - t0) - k) / ((r1(v) - r1(p0)) / (r1(p1) - r1(p0)) - k);
+    const double t = (t1 - t0) / (((r1(p1) - r1(p0)) + (r1(p1) - r2(p0))) * 0.5);
+    return {a, t};
+}
+
+/// q, mu0 and k of the target's model.
+struct Scale {
+    double q, mu0, k;
+};
+
+inline Scale exactScale(const Numbers& E, const Numbers& S, const Numbers& T)
+{
+    const double E0 = E[0], E1 = E[1], E2 = E[2];
+    const double S0 = S[0], S1 = S[1], S2 = S[2];
+    const double T0 = T[0], T1 = T[1], T2 = T[2];
+    const double DS = S2 * (E1 - E0) + S1 * (E0 - E2) + S0 * (E2 - E1);
+    const double DT = T2 * (E1 - E0) + T1 * (E0 - E2) + T0 * (E2 - E1);
+    const double mu0 =
+        -((E0 * T1 - T0 * E1) * S2 + (E1 * S0 - E0 * S1) * T2 + E2 * T0 * S1 - E2 * S0 * T1) / DS;
+    const double k = ((T1 - T0) * S2 + (S0 - S1) * T2 + S1 * T0 - S0 * T1) / DS;
+    return {DS / DT, mu0, k};
+}
+
+inline Scale leastSquaresScale(const Numbers& E, const Numbers& S, const Numbers& T)
+{
+    double n = 0, sE = 0, sT = 0, sS = 0, sEE = 0, sET = 0, sTT = 0, sES = 0, sTS = 0;
+    for (size_t i = 0; i < E.size(); i++) {
+        n += 1;
+        sE += E[i];
+        sT += T[i];
+        sS += S[i];
+        sEE += E[i] * E[i];
+        sET += E[i] * T[i];
+        sTT += T[i] * T[i];
+        sES += E[i] * S[i];
+        sTS += T[i] * S[i];
+    }
+    const Numbers x = solve({{n, sE, sT}, {sE, sEE, sET}, {sT, sET, sTT}}, {sS, sES, sTS});
+    return {x[2], -x[0] / x[2], -x[1] / x[2]};
+}
+
+inline Result fourPoint(const Scale& s, double rho, double EV, double R1V, double R2V, double TV)
+{
+    const double u = s.q / (rho + 1);
+    const double a =
+        (R2V * rho * u + rho * u * u * (s.mu0 + s.k * EV - TV)) / (R2V * rho * u - u * R1V);
+    return {a, 1 / (s.q * 0.5)};
+}
+
+// Thickness ratio ------------------------------------------------------------------------------
+
+struct Ratios {
+    double sbys, mean, lsA, lsB, lsANB, lsBNB, vic2;
+};
+
+inline Ratios thicknessRatios(const PointRows& rows, double edgeJump1, double edgeJump2)
+{
+    bool anyMarked = false;
+    for (const PointRow& row : rows)
+        if (row.tRatio)
+            anyMarked = true;
+    double n = 0, sx = 0, sxx = 0, sy = 0, sxy = 0, syx = 0;
+    double nx = 0, nxx = 0, ny = 0, nxy = 0;
+    for (const PointRow& row : rows) {
+        if (row.vPoint)
+            continue;
+        if (anyMarked ? !row.tRatio : !row.use)
+            continue;
+        double y = row.mut1;
+        double x = row.mut2;
+        if (!row.useVicRefs) {
+            y -= row.mutBlank;
+            x -= row.mutBlank;
+        }
+        n += 1;
+        sx += x;
+        sxx += x * x;
+        sy += y;
+        sxy += x * y;
+        syx += y / x;
+        nx += row.mut2;
+        nxx += row.mut2 * row.mut2;
+        ny += row.mut1;
+        nxy += row.mut2 * row.mut1;
+    }
+    return {sy / sx,
+            syx / n,
+            (n * sxy - sy * sx) / (n * sxx - sx * sx),
+            (sy * sxx - sxy * sx) / (n * sxx - sx * sx),
+            (n * nxy - ny * nx) / (n * nxx - nx * nx),
+            (nxx * ny - nxy * nx) / (n * nxx - nx * nx),
+            edgeJump1 / edgeJump2};
+}
+
+} // namespace formulas
