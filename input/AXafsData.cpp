@@ -4,6 +4,7 @@
 #include "input/TextSource.h"
 
 #include <QDebug>
+#include <QFile>
 
 namespace
 {
@@ -20,14 +21,14 @@ void widen(double value, double& min, double& max)
 
 bool AXafsData::read(const QString& path)
 {
-    TextSource source;
-    if (!source.open(path)) {
+    QFile file;
+    if (!openRegularFile(file, path)) {
         qDebug() << "Can't open a XAFS file" << path;
         return false;
     }
     clear();
     fileName = path;
-    points = readSpectrum(source);
+    points = readSpectrum(file);
     if (points.empty())
         return false;
     for (const SpectrumPoint& point : points) {

@@ -82,8 +82,9 @@ void SpectrumReader::addPoint()
                         absorption(m_line.incident, m_line.transmitted)});
 }
 
-SpectrumPoints readSpectrum(TextSource& source)
+SpectrumPoints readSpectrum(QIODevice& file)
 {
+    TextSource source(file);
     SpectrumReader reader;
     TokenScanner<SpectrumReader> scanner(reader);
     for (std::string_view piece; source.next(piece);)

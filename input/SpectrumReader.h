@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-class TextSource;
+class QIODevice;
 
 /// A beamline's spectrum file, token by token: a header, a line with the token "Offset", then a row
 /// for each step of the monochromator with the Bragg angle (token 1, degrees) and the incident and
@@ -50,4 +50,4 @@ private:
 };
 
 /// All points of a spectrum file, in the file's order; empty where it holds no data.
-SpectrumPoints readSpectrum(TextSource& source);
+SpectrumPoints readSpectrum(QIODevice& file);

@@ -1,5 +1,6 @@
 #include "input/TextSource.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -37,18 +38,18 @@ constexpr std::size_t longestCharacter = 3;
 
 } // namespace
 
-bool TextSource::open(const QString& path)
+bool openRegularFile(QFile& file, const QString& path)
 {
     if (!QFileInfo(path).isFile())
         return false;
-    m_file.setFileName(path);
-    return m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    file.setFileName(path);
+    return file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
 }
 
 bool TextSource::next(std::string_view& piece)
 {
     if (m_begin == m_end) {
-        const qint64 count = m_file.read(m_block.data(), static_cast<qint64>(m_block.size()));
+        const qint64 count = m_device.read(m_block.data(), static_cast<qint64>(m_block.size()));
         if (count <= 0)
             return false;
         m_begin = 0;

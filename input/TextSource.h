@@ -1,13 +1,19 @@
 #pragma once
 
-#include <QFile>
-#include <QString>
 #include <QTextCodec>
 
 #include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
+
+class QFile;
+class QIODevice;
+class QString;
+
+/// Opens a regular file for reading. A folder, a pipe or a device is not opened: reading it might
+/// never end.
+bool openRegularFile(QFile& file, const QString& path);
 
 /// Text of a file in pieces, for scanning byte by byte: what QTextStream reads from the file in
 /// text mode (the locale's encoding, or the one that a byte order mark tells; carriage returns
@@ -36,7 +42,7 @@ private:
     std::string_view withoutReturns(char* first, std::size_t size);
     std::string_view decoded(const char* first, std::size_t size);
 
-    QFile m_file;
+    QIODevice& m_device;
     std::array<char, 4 * pieceSize> m_block; ///< as read
     std::size_t m_begin = 0;                 ///< of what is left of the block
     std::size_t m_end = 0;
