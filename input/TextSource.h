@@ -25,9 +25,8 @@ bool openRegularFile(QFile& file, const QString& path);
 class TextSource
 {
 public:
-    /// Opens a regular file. A folder, a pipe or a device is not opened: reading it might never
-    /// end.
-    bool open(const QString& path);
+    /// @param device  open for reading, not in text mode; it must outlive the source
+    explicit TextSource(QIODevice& device) : m_device(device) {}
 
     /// The next piece; it stays as it is until the next call. Pieces never end within a character.
     /// @return false at the end of the file or where it cannot be read any further
