@@ -19,6 +19,7 @@ class Histgram;
 class MarkLine;
 class MarkLines;
 class MouseC;
+struct MutsContent;
 class QButtonGroup;
 class QStylePainter;
 
@@ -108,6 +109,10 @@ private:
     void refreshMut(AEPoint* point, int select, double energy);
     void refreshColumn(int select);
     void repaintDisplays();
+
+    // Graphs.
+    MutsContent mutsContent() const;
+    double rhoNow() const;
 
     // Calculation.
     RunInputs runInputs() const;

@@ -1,5 +1,23 @@
 #include "app/FourPs.h"
 
+#include "display/DispABase.h"
+#include "input/NumberText.h"
+#include "results/FourPointGraph.h"
+#include "results/Histgram.h"
+#include "results/HistogramGraph.h"
+#include "results/LcfGraph.h"
+#include "results/MutsGraph.h"
+
+namespace
+{
+
+AxisEnds typedEnds(const QLineEdit* from, const QLineEdit* to)
+{
+    return {numberFromText(from->text()), numberFromText(to->text())};
+}
+
+} // namespace
+
 void FourPs::clearLCFvs4PS(MouseC* mouse)
 {
     Q_UNUSED(mouse)
@@ -9,7 +27,50 @@ void FourPs::clearLCFvs4PS(MouseC* mouse)
 
 void FourPs::draw(Displays::DispId id, DispABase* panel, QStylePainter* painter)
 {
-    Q_UNUSED(id)
-    Q_UNUSED(panel)
-    Q_UNUSED(painter)
+    const ReferenceValences valences{valence1(), valence2()};
+    switch (id) {
+    case Displays::DispRef1:
+    case Displays::DispRef2:
+    case Displays::DispTarget:
+        return; // their selectors paint them
+    case Displays::DispMuts:
+        return drawMutsGraph(panel, painter, {tr("Eng.[eV]"), tr("mut")}, mutsContent());
+    case Displays::DispLCFvs4PS:
+        return drawLcfGraph(panel, painter, {tr("LCF"), tr("4ps")}, lcfVs4ps, valences);
+    case Displays::DispHistA:
+        return drawValenceHistogram(panel, painter, {tr("Valence"), tr("Num.")}, *histA,
+                                    typedEnds(HgAFrom, HgATo), valences);
+    case Displays::DispHistT:
+        return drawThicknessHistogram(panel, painter, {tr("Thick."), tr("Num.")}, *histT,
+                                      typedEnds(HgTFrom, HgTTo));
+    case Displays::DispTA:
+        return;
+    case Displays::DispM2M3:
+        return drawFourPointGraph(panel, painter, {tr("M2"), tr("M3")}, rows(), rhoNow());
+    }
+}
+
+// A repaint tells nothing in the message pane, so the figures are formed without their report.
+double FourPs::rhoNow() const
+{
+    return thicknessRatios(rows(), RefFile1->edgeJump(), RefFile2->edgeJump())
+        .selected(thicknessType());
+}
+
+MutsContent FourPs::mutsContent() const
+{
+    MutsContent content;
+    content.edge = numberFromText(EdgeE->text());
+    content.preEndOffset = numberFromText(PreEEndDE->text());
+    content.postStartOffset = numberFromText(PostEStartDE->text());
+    content.normalization =
+        NBy2Vics->isChecked() ? Normalization::ByTwoLines : Normalization::ByEdgeJump;
+    content.rows = rows();
+    for (const AXafsFileSelect* select : xafsSelects)
+        content.selected.push_back(select->data());
+    for (const auto& spectrum : dispData)
+        content.displayOnly.push_back(spectrum.get());
+    content.chosen = SelectedFs->currentIndex();
+    content.fit = lcfFit.get();
+    return content;
 }

@@ -1,6 +1,7 @@
 #include "input/AXafsFileSelect.h"
 
 #include "display/DispABase.h"
+#include "display/SpectrumPreview.h"
 
 AXafsFileSelect::AXafsFileSelect(QWidget* parent, int mode) : AFileSelect(parent, mode)
 {
@@ -57,7 +58,11 @@ void AXafsFileSelect::newFile(const QString& path)
 
 void AXafsFileSelect::draw(QStylePainter* painter)
 {
-    Q_UNUSED(painter)
+    if (!m_preview)
+        return;
+    drawSpectrumPreview(
+        m_preview, painter, m_data.get(),
+        {tr("Eng.[eV]"), tr("mut"), tr("Edge Jump(1) : %1"), tr("Edge Jump(2) : %1")});
 }
 
 void AXafsFileSelect::mPressed(MouseC* mouse)
