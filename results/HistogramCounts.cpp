@@ -1,11 +1,13 @@
 #include "results/HistogramCounts.h"
 
-#include "input/NumberText.h"
+#include "results/NumberField.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <limits>
 
 namespace
@@ -13,6 +15,9 @@ namespace
 
 /// A canvas has a few thousand columns; ten million bins cost 40 megabytes.
 constexpr double maxBoxes = 1e7;
+
+/// Three numbers, a count and blanks.
+constexpr std::size_t longestLine = 4 * longestNumber + 8;
 
 constexpr double beyondInt = 2147483648.0;
 
@@ -91,17 +96,24 @@ void HistogramCounts::merge(const HistogramCounts& part)
 
 bool HistogramCounts::writeFile(const QString& resultPath, const QString& tag) const
 {
-    QFile file(existingFile(resultPath, tag));
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
+    const QString path = existingFile(resultPath, tag);
+    QFile file(path);
+    if (path.isEmpty() || !file.open(QIODevice::WriteOnly | QIODevice::Text))
         return false;
     const int bins = static_cast<int>(counts.size());
+    std::array<char, longestLine> line{};
     for (int i = -1; i <= bins; ++i) {
         const int count = i < 0 ? under : i == bins ? over : counts[static_cast<std::size_t>(i)];
-        const QString line = textFromNumber(i * width + from) + QLatin1Char(' ') +
-                             textFromNumber((i + 0.5) * width + from) + QLatin1Char(' ') +
-                             textFromNumber((i + 1) * width + from) + QLatin1String("  ") +
-                             QString::number(count) + QLatin1Char('\n');
-        file.write(line.toLatin1());
+        char* end = writeNumber(i * width + from, line.data());
+        *end++ = ' ';
+        end = writeNumber((i + 0.5) * width + from, end);
+        *end++ = ' ';
+        end = writeNumber((i + 1) * width + from, end);
+        *end++ = ' ';
+        *end++ = ' ';
+        end = std::to_chars(end, line.data() + line.size(), count).ptr;
+        *end++ = '\n';
+        file.write(line.data(), end - line.data());
     }
     return true;
 }

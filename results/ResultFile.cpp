@@ -1,43 +1,165 @@
 #include "results/ResultFile.h"
 
 #include "analysis/PointRow.h"
+#include "results/NumberField.h"
 
 #include <QFile>
 #include <QTextStream>
 
-WriteOutcome writeResultFile(const QString& path, const QStringList& header,
-                             const MapResults& results, double valence1, double valence2,
-                             const std::function<void(double part)>& progress)
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <sys/stat.h>
+
+namespace
 {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
-        return WriteOutcome::CannotOpen;
-    QTextStream out(&file);
+
+/// Pixels that one task turns into text.
+constexpr std::size_t blockSize = 8192;
+
+/// Longest line of a pixel: five numbers that may fill their fields and more, blanks, and the empty
+/// line behind a row.
+constexpr std::size_t longestLine = 5 * (fieldWidth + longestNumber) + 16;
+
+/// One line for a pixel.
+char* writePixel(const MapPosition& position, double a, double valence, double t, char* out)
+{
+    *out++ = ' ';
+    out = writeField(position.first, out);
+    *out++ = ' ';
+    out = writeField(position.second, out);
+    out = std::fill_n(out, 4, ' ');
+    out = writeField(a, out);
+    *out++ = ' ';
+    out = writeField(valence, out);
+    *out++ = ' ';
+    out = writeField(t, out);
+    *out++ = '\n';
+    return out;
+}
+
+/// The results as text, in blocks that follow one another.
+class ResultText
+{
+public:
+    ResultText(const MapResults& results, double valence1, double valence2)
+        : m_results(results), m_valence1(valence1), m_valence2(valence2)
+    {
+        if (results.columns > 0 && results.rows > 0)
+            m_pixels =
+                static_cast<std::size_t>(results.columns) * static_cast<std::size_t>(results.rows);
+    }
+
+    std::size_t blocks() const { return (m_pixels + blockSize - 1) / blockSize; }
+
+    /// Writes a block into the buffer and returns its size. False where memory is refused.
+    bool write(std::size_t block, PixelArray<char>& text) const
+    {
+        const std::size_t first = block * blockSize;
+        const std::size_t last = std::min(first + blockSize, m_pixels);
+        if (!text.resize((last - first) * longestLine))
+            return false;
+        const auto columns = static_cast<std::size_t>(m_results.columns);
+        std::size_t rowEnd = (first / columns + 1) * columns;
+        char* out = text.data();
+        for (std::size_t i = first; i < last; ++i) {
+            const double a = i < m_results.size() ? m_results.a[i] : 0.0;
+            const double t = i < m_results.size() ? m_results.t[i] : 0.0;
+            out = writePixel(m_results.position(i), a, meanValence(m_valence1, m_valence2, a), t,
+                             out);
+            if (i + 1 == rowEnd) {
+                *out++ = '\n';
+                rowEnd += columns;
+            }
+        }
+        return text.resize(static_cast<std::size_t>(out - text.data()));
+    }
+
+private:
+    const MapResults& m_results;
+    double m_valence1;
+    double m_valence2;
+    std::size_t m_pixels = 0;
+};
+
+/// Takes blocks from several threads and writes them to the file in order.
+class OrderedWriter
+{
+public:
+    explicit OrderedWriter(QFile& file) : m_file(file) {}
+
+    bool failed() const { return m_failed; }
+    void fail() { m_failed = true; }
+    void write(const char* text, std::size_t size)
+    {
+        const auto wanted = static_cast<qint64>(size);
+        if (!m_failed && m_file.write(text, wanted) != wanted)
+            m_failed = true;
+    }
+    /// Waits until the blocks before are written. Blocks are handed out in rising order, so that
+    /// the one waited for is always in work.
+    void write(std::size_t block, const PixelArray<char>& text)
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_turn.wait(lock, [&] { return m_next == block; });
+        write(text.data(), text.size());
+        ++m_next;
+        m_turn.notify_all();
+    }
+
+private:
+    QFile& m_file;
+    std::mutex m_mutex;
+    std::condition_variable m_turn;
+    std::size_t m_next = 0;
+    std::atomic<bool> m_failed{false};
+};
+
+/// The header as a text stream of the toolkit writes it.
+QByteArray headerText(const QStringList& header)
+{
+    QByteArray text;
+    QTextStream out(&text);
     for (const QString& line : header)
         out << line << '\n';
     if (!header.isEmpty())
         out << '\n';
-    const QString format = QStringLiteral(" %1 %2    %3 %4 %5\n");
-    for (int y = 0; y < results.rows && results.columns > 0; ++y) {
-        for (int x = 0; x < results.columns; ++x) {
-            const std::size_t i =
-                static_cast<std::size_t>(y) * static_cast<std::size_t>(results.columns) +
-                static_cast<std::size_t>(x);
-            const MapPosition position = results.position(i);
-            const double a = i < results.size() ? results.a[i] : 0.0;
-            const double t = i < results.size() ? results.t[i] : 0.0;
-            out << format.arg(position.first, 10)
-                       .arg(position.second, 10)
-                       .arg(a, 10)
-                       .arg(meanValence(valence1, valence2, a), 10)
-                       .arg(t, 10);
-        }
-        out << '\n';
-        if (progress)
-            progress(static_cast<double>(y + 1) / results.rows);
-    }
     out.flush();
+    return text;
+}
+
+/// Opening a pipe would wait for somebody who reads it.
+bool isPipe(const QString& path)
+{
+    struct stat status = {};
+    return stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISFIFO(status.st_mode);
+}
+
+} // namespace
+
+WriteOutcome writeResultFile(const QString& path, const QStringList& header,
+                             const MapResults& results, double valence1, double valence2,
+                             const std::function<void(double part)>& progress, Workers& workers)
+{
+    QFile file(path);
+    if (path.isEmpty() || isPipe(path) || !file.open(QIODevice::WriteOnly | QIODevice::Text | QIODevice::Unbuffered))
+        return WriteOutcome::CannotOpen;
+    OrderedWriter writer(file);
+    const QByteArray head = headerText(header);
+    writer.write(head.constData(), static_cast<std::size_t>(head.size()));
+
+    const ResultText text(results, valence1, valence2);
+    std::vector<PixelArray<char>> buffers(workers.size());
+    workers.run(text.blocks(), [&](std::size_t block, unsigned worker) {
+        PixelArray<char>& buffer = buffers[worker];
+        if (!writer.failed() && !text.write(block, buffer))
+            writer.fail();
+        writer.write(block, buffer);
+        if (worker == 0 && progress)
+            progress(static_cast<double>(block + 1) / static_cast<double>(text.blocks()));
+    });
     file.close();
-    const bool written = out.status() == QTextStream::Ok && file.error() == QFileDevice::NoError;
+    const bool written = !writer.failed() && file.error() == QFileDevice::NoError;
     return written ? WriteOutcome::Written : WriteOutcome::CannotWrite;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "analysis/MapCalculation.h"
+#include "analysis/Workers.h"
 
 #include <QString>
 #include <QStringList>
@@ -13,10 +14,12 @@ enum class WriteOutcome {
 };
 
 /// Writes the results of a map as text: the header lines and an empty line, then for each row of
-/// the grid a line for each pixel (positions, a, valence, t) and an empty line. An existing file is
-/// overwritten.
+/// the grid a line for each pixel (positions, a, valence, t) and an empty line. Pixels without
+/// result are written with zeros. An existing file is overwritten.
+/// @param header              without line ends; encoded as the toolkit's text stream does
 /// @param valence1, valence2  of Ref 1 and Ref 2
-/// @param progress            gets the part of the work done so far, 0 to 1
+/// @param progress            gets the part of the work done so far, 0 to 1, in the asking thread
 WriteOutcome writeResultFile(const QString& path, const QStringList& header,
                              const MapResults& results, double valence1, double valence2,
-                             const std::function<void(double part)>& progress = {});
+                             const std::function<void(double part)>& progress = {},
+                             Workers& workers = Workers::shared());

@@ -1,0 +1,67 @@
+#include "input/MapAssembly.h"
+
+#include "input/MapLines.h"
+
+#include <utility>
+
+bool MapAssembly::append(const MapChunk& chunk, std::size_t bytes)
+{
+    for (const QString& line : chunk.header)
+        readHeaderLine(line);
+    const bool first = m_data.mut.empty();
+    return m_positions.append(chunk.positions) && (!first || expectMore(chunk.mut.size(), bytes)) &&
+           m_data.mut.append(chunk.mut.data(), chunk.mut.size()) && fits();
+}
+
+bool MapAssembly::finish(MapData& data)
+{
+    const bool hasRecords = !m_data.mut.empty();
+    m_data.positions = m_positions.finish();
+    if (hasRecords && !m_data.positions)
+        return false;
+    m_data.valid = m_data.columns > 0 && m_data.rows > 0 && hasRecords;
+    data = std::move(m_data);
+    return true;
+}
+
+/// Takes the first records as typical of the file. Only what is far too large is refused by this.
+bool MapAssembly::expectMore(std::size_t records, std::size_t bytes)
+{
+    if (bytes == 0 || bytes >= m_fileSize)
+        return true;
+    const double total =
+        static_cast<double>(records) * static_cast<double>(m_fileSize) / static_cast<double>(bytes);
+    const std::size_t bytesOfRecord =
+        sizeof(double) + (m_positions.shared() ? 0 : sizeof(MapPosition));
+    if (total * static_cast<double>(bytesOfRecord) > 2.0 * static_cast<double>(m_memory))
+        return false;
+    constexpr double margin = 1.02;
+    const auto expected = static_cast<std::size_t>(total * margin);
+    m_positions.expect(expected);
+    return m_data.mut.reserve(expected);
+}
+
+bool MapAssembly::fits() const
+{
+    const std::size_t positions = m_positions.shared() ? 0 : m_positions.size();
+    return m_data.mut.size() * sizeof(double) + positions * sizeof(MapPosition) + m_headerBytes <=
+           m_memory;
+}
+
+void MapAssembly::readHeaderLine(const QString& line)
+{
+    constexpr std::size_t bytesOfString = 64;
+    m_headerBytes += bytesOfString + 2 * static_cast<std::size_t>(line.size());
+    m_data.header.append(line);
+    const QStringList tokens = leadingTokens(line);
+    const QString keyword = tokens.value(1).toUpper();
+    if (tokens.size() >= 8 && keyword == QLatin1String("AXIS")) {
+        const int axis = tokens[2].toInt();
+        if (axis == 0)
+            m_data.columns = tokens[7].toInt();
+        else if (axis == 1)
+            m_data.rows = tokens[7].toInt();
+    }
+    if (tokens.size() >= 4 && keyword == QLatin1String("ENERGY"))
+        m_energies.append(tokens[3]);
+}

@@ -1,0 +1,628 @@
+#include "input/MapReader.h"
+#include "tests/support/PlainMapReader.h"
+
+#include <QTemporaryDir>
+#include <QTextCodec>
+#include <QtTest>
+
+#include <array>
+#include <cstring>
+#include <random>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+bool sameBits(double x, double y)
+{
+    if (std::isnan(x) && std::isnan(y))
+        return true; // which of the two not-a-numbers does not show anywhere
+    return std::memcmp(&x, &y, sizeof x) == 0;
+}
+
+/// Empty where the data are those of the plain reader, otherwise what differs.
+QString difference(const MapReadResult& result, const MapData& data, const plain::MapFile& plain)
+{
+    if (data.header != plain.header)
+        return QStringLiteral("header: ") + data.header.join(QLatin1Char('|')) +
+               QStringLiteral(" instead of ") + plain.header.join(QLatin1Char('|'));
+    if (result.energies != plain.energies)
+        return QStringLiteral("energies");
+    if (data.columns != plain.columns || data.rows != plain.rows || data.valid != plain.valid)
+        return QStringLiteral("axes");
+    if (data.mut.size() != static_cast<std::size_t>(plain.records.size()))
+        return QStringLiteral("%1 records instead of %2")
+            .arg(data.mut.size())
+            .arg(plain.records.size());
+    for (int i = 0; i < plain.records.size(); ++i) {
+        const auto k = static_cast<std::size_t>(i);
+        const plain::MapFile::Record& record = plain.records[i];
+        const MapPosition& position = (*data.positions)[k];
+        if (!sameBits(data.mut[k], record.mut()) || !sameBits(position.first, record.first) ||
+            !sameBits(position.second, record.second))
+            return QStringLiteral("record %1").arg(i);
+    }
+    return {};
+}
+
+using Random = std::mt19937_64;
+
+template <class Choice>
+const Choice& pick(Random& random, const std::vector<Choice>& choices)
+{
+    return choices[random() % choices.size()];
+}
+
+QByteArray randomNumber(Random& random)
+{
+    const double value = std::ldexp(static_cast<double>(static_cast<std::int64_t>(random())),
+                                    static_cast<int>(random() % 90) - 80);
+    switch (random() % 6) {
+    case 0:
+        return QByteArray::number(value, 'g', 17);
+    case 1:
+        return QByteArray::number(value, 'f', static_cast<int>(random() % 12));
+    case 2:
+        return QByteArray::number(value, 'e', static_cast<int>(random() % 19));
+    case 3:
+        return QByteArray::number(static_cast<qlonglong>(random() % 5000));
+    case 4:
+        return QByteArray::number(qulonglong{random() >> (random() % 64)});
+    default:
+        return QByteArray::number(static_cast<double>(random() % 100000) / 100.0);
+    }
+}
+
+QByteArray randomToken(Random& random)
+{
+    static const std::vector<QByteArray> odd = {"0",
+                                                "-0",
+                                                "0.0",
+                                                "1",
+                                                "-1",
+                                                "+1",
+                                                ".5",
+                                                "5.",
+                                                ".",
+                                                "-",
+                                                "+",
+                                                "-.5",
+                                                "1e5",
+                                                "1E5",
+                                                "1e",
+                                                "e5",
+                                                "1e400",
+                                                "-1e400",
+                                                "1e-400",
+                                                "4.9e-324",
+                                                "2e-324",
+                                                "nan",
+                                                "NaN",
+                                                "inf",
+                                                "-inf",
+                                                "INF",
+                                                "infinity",
+                                                "0x10",
+                                                "1,5",
+                                                "1_000",
+                                                "1.5.2",
+                                                "--1",
+                                                "1-",
+                                                "#",
+                                                "#1",
+                                                "12a",
+                                                "1d5",
+                                                "1f",
+                                                "9007199254740992",
+                                                "9007199254740993",
+                                                "9007199254740993.0",
+                                                "0.30000000000000004",
+                                                "123456789012345678901234567890",
+                                                "0.0000000000000000000000000000000001",
+                                                "179769313486231570000000000000000000000",
+                                                "\xC3\xA9",
+                                                "1\xC3\xA9",
+                                                "\xE3\x80\x80",
+                                                "1\xC2\xA0"
+                                                "2",
+                                                "\xE2\x88\x92"
+                                                "5",
+                                                "\xFF",
+                                                "\xC3",
+                                                "\xE3\x80",
+                                                "\xEF\xBB\xBF"
+                                                "1",
+                                                "1\r2",
+                                                "\r",
+                                                "1\v2",
+                                                "\f",
+                                                "AXIS",
+                                                "axis",
+                                                "Axis",
+                                                "ENERGY",
+                                                "energy",
+                                                "a\xC4\xB1is"};
+    if (random() % 4 != 0)
+        return randomNumber(random);
+    return pick(random, odd);
+}
+
+QByteArray randomHeader(Random& random)
+{
+    static const std::vector<QByteArray> headers = {"# AXIS 0 x share step 1 6 points",
+                                                    "# axis 1 y thickness step 1 4 points",
+                                                    "# Energy = 7090.5 eV",
+                                                    "# ENERGY a b",
+                                                    "#AXIS 0 x y z w v 5",
+                                                    "#",
+                                                    "# ",
+                                                    "#\xC3\xA9t\xC3\xA9",
+                                                    "# AXIS zero b c d e f 7",
+                                                    "# AXIS 1 b c d e f seven",
+                                                    "# AXIS 1 b c d e f -3",
+                                                    "# AXIS 2 b c d e f 9",
+                                                    "  # ENERGY = \xE2\x88\x92"
+                                                    "5",
+                                                    "\t#\tAXIS 1 b\tc d e f 12 #",
+                                                    "# AXIS 0 b c d e f 2147483648",
+                                                    "# ax\xC4\xB1s 0 b c d e f 8",
+                                                    "# \xFF\xFE bytes"};
+    return pick(random, headers);
+}
+
+QByteArray randomLine(Random& random)
+{
+    static const std::vector<QByteArray> blanks = {" ",   " ",        " ",           " ",  "\t",
+                                                   "  ",  " \t ",     "\v",          "\f", "\r",
+                                                   " \r", "\xC2\xA0", "\xE3\x80\x80"};
+    static const std::vector<QByteArray> plainBlanks = {" ", "\t", "   "};
+    if (random() % 12 == 0)
+        return randomHeader(random);
+    const bool plain = random() % 3 != 0;
+    const auto& separators = plain ? plainBlanks : blanks;
+    const std::uint64_t count = random() % 3 == 0 ? random() % 11 : 3 + random() % 2;
+    QByteArray line = random() % 8 == 0 ? pick(random, separators) : QByteArray();
+    for (std::uint64_t i = 0; i < count; ++i) {
+        if (i > 0)
+            line += pick(random, separators);
+        line += plain ? randomNumber(random) : randomToken(random);
+    }
+    if (random() % 8 == 0)
+        line += pick(random, separators);
+    return line;
+}
+
+QByteArray randomBytes(Random& random)
+{
+    static const std::string alphabet =
+        "0123456789.-+e \t\n\r#\v\f\x1b\x0e\x0f\xC3\xA9\xE3\x80\xFF";
+    QByteArray bytes;
+    for (std::uint64_t i = random() % 300; i > 0; --i)
+        bytes += random() % 50 == 0 ? '\0' : alphabet[random() % alphabet.size()];
+    return bytes;
+}
+
+struct Tally {
+    int files = 0;
+    int lines = 0;
+};
+
+/// One invalid byte sends a whole file to the toolkit; some files have none.
+QByteArray cleaned(const QByteArray& text, std::uint64_t how)
+{
+    QByteArray result;
+    if (how == 0)
+        return text;
+    if (how == 1)
+        return QString::fromUtf8(text).toUtf8();
+    std::copy_if(text.begin(), text.end(), std::back_inserter(result),
+                 [](char c) { return static_cast<signed char>(c) >= 0; });
+    return result;
+}
+
+QByteArray randomFile(Random& random, Tally& tally)
+{
+    static const std::vector<QByteArray> marks = {"\xEF\xBB\xBF", "\xFF\xFE", "\xFE\xFF",
+                                                  QByteArray("\0\0\xFE\xFF", 4), "\xEF\xBB"};
+    QByteArray text = random() % 50 == 0 ? pick(random, marks) : QByteArray();
+    const QByteArray end = random() % 4 == 0 ? "\r\n" : "\n";
+    const std::uint64_t count = random() % 300;
+    for (std::uint64_t i = 0; i < count; ++i) {
+        text += random() % 100 == 0 ? randomBytes(random) : randomLine(random);
+        if (i + 1 < count || random() % 2 == 0)
+            text += end;
+    }
+    ++tally.files;
+    tally.lines += static_cast<int>(count);
+    return cleaned(text, random() % 4);
+}
+
+class Locale
+{
+public:
+    explicit Locale(const char* name) : m_before(QTextCodec::codecForLocale())
+    {
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName(name));
+    }
+    ~Locale() { QTextCodec::setCodecForLocale(m_before); }
+    Locale(const Locale&) = delete;
+    Locale& operator=(const Locale&) = delete;
+
+private:
+    QTextCodec* m_before;
+};
+
+} // namespace
+
+class tst_MapReader : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void mutOfAPixel_data();
+    void mutOfAPixel();
+    void recordsAndHeader();
+    void threeTokensGetIncidentOne();
+    void axisAndEnergyInAnyCase();
+    void axisThatIsNoInteger();
+    void withoutAxisReadButNotValid();
+    void cannotOpenKeepsContents_data();
+    void cannotOpenKeepsContents();
+    void refusedKeepsContents();
+    void fileLargerThanMemory();
+    void recordsLargerThanMemory();
+    void endlessLine();
+    void hugeAxes();
+    void equalPositionsAreKeptOnce();
+    void positionsThatDifferAreNotShared();
+    void progressRisesToOne();
+    void equalsThePlainReader_data();
+    void equalsThePlainReader();
+    void emptyAndOddFiles_data();
+    void emptyAndOddFiles();
+
+private:
+    QString file(const QByteArray& text);
+
+    QTemporaryDir m_dir;
+};
+
+QString tst_MapReader::file(const QByteArray& text)
+{
+    const QString path = m_dir.filePath(QStringLiteral("map.dat"));
+    QFile::remove(path); // overwriting would wait for the disk
+    QFile out(path);
+    if (!out.open(QIODevice::WriteOnly) || out.write(text) != text.size())
+        qFatal("cannot write the test's file");
+    return path;
+}
+
+void tst_MapReader::mutOfAPixel_data()
+{
+    QTest::addColumn<QByteArray>("intensities");
+    QTest::addColumn<double>("mut");
+    QTest::newRow("both") << QByteArray("2 8") << std::log(4.0);
+    QTest::newRow("no incident") << QByteArray("3.5 0") << 3.5;
+    QTest::newRow("no incident, minus zero") << QByteArray("3.5 -0") << 3.5;
+    QTest::newRow("no transmitted") << QByteArray("0 8") << 1.0;
+    QTest::newRow("neither") << QByteArray("0 0") << 0.0;
+    QTest::newRow("one negative") << QByteArray("-2 8") << qQNaN();
+    QTest::newRow("both negative") << QByteArray("-2 -8") << std::log(4.0);
+    QTest::newRow("not a number") << QByteArray("nan 8") << qQNaN();
+    QTest::newRow("no number counts as zero") << QByteArray("x 8") << 1.0;
+    QTest::newRow("infinite incident") << QByteArray("2 inf") << qInf();
+    QTest::newRow("three tokens") << QByteArray("0.5") << std::log(2.0);
+}
+
+void tst_MapReader::mutOfAPixel()
+{
+    QFETCH(QByteArray, intensities);
+    QFETCH(double, mut);
+    MapData data;
+    readMapData(file("1 2 " + intensities + "\n"), data);
+    QCOMPARE(data.mut.size(), std::size_t{1});
+    QVERIFY(sameBits(data.mut[0], mut));
+}
+
+void tst_MapReader::recordsAndHeader()
+{
+    MapData data;
+    const MapReadResult result = readMapData(file("# first\n"
+                                                  "# AXIS 0 x share step 1 2 points\n"
+                                                  "# AXIS 1 y thickness step 1 1 points\n"
+                                                  "# ENERGY = 7090 eV\n"
+                                                  "10 20 1 2\n"
+                                                  "\n"
+                                                  "1 2\n"
+                                                  "  #  later\theader \n"
+                                                  "11 21 4 4 9 9 9\n"),
+                                             data);
+    QCOMPARE(result.outcome, MapReadResult::Read);
+    QCOMPARE(result.energies, QStringList{QStringLiteral("7090")});
+    QVERIFY(data.valid);
+    QCOMPARE(data.columns, 2);
+    QCOMPARE(data.rows, 1);
+    QCOMPARE(
+        data.header,
+        (QStringList{QStringLiteral("# first"), QStringLiteral("# AXIS 0 x share step 1 2 points"),
+                     QStringLiteral("# AXIS 1 y thickness step 1 1 points"),
+                     QStringLiteral("# ENERGY = 7090 eV"), QStringLiteral("  #  later\theader ")}));
+    QCOMPARE(data.mut.size(), std::size_t{2});
+    QCOMPARE(data.mut[0], std::log(2.0));
+    QCOMPARE(data.mut[1], 0.0);
+    QCOMPARE(data.positions->size(), std::size_t{2});
+    QCOMPARE((*data.positions)[0].first, 10.0);
+    QCOMPARE((*data.positions)[0].second, 20.0);
+    QCOMPARE((*data.positions)[1].first, 11.0);
+    QCOMPARE((*data.positions)[1].second, 21.0);
+}
+
+void tst_MapReader::threeTokensGetIncidentOne()
+{
+    MapData data;
+    readMapData(file("1 2 4\n"), data);
+    QCOMPARE(data.mut.size(), std::size_t{1});
+    QCOMPARE(data.mut[0], std::log(1.0 / 4.0));
+}
+
+void tst_MapReader::axisAndEnergyInAnyCase()
+{
+    MapData data;
+    const MapReadResult result = readMapData(file("# aXiS 0 a b c d 3\n"
+                                                  "# axis 0 a b c d 5\n"
+                                                  "# Axis 1 a b c d 7\n"
+                                                  "# energy is 1.50\n"
+                                                  "# Energy is 0x and more\n"),
+                                             data);
+    QCOMPARE(data.columns, 5);
+    QCOMPARE(data.rows, 7);
+    QCOMPARE(result.energies, (QStringList{QStringLiteral("1.50"), QStringLiteral("0x")}));
+    QVERIFY(!data.valid);
+}
+
+void tst_MapReader::axisThatIsNoInteger()
+{
+    MapData data;
+    readMapData(file("# AXIS x a b c d 3\n# AXIS 1 a b c d 4.5\n1 1 1\n"), data);
+    QCOMPARE(data.columns, 3);
+    QCOMPARE(data.rows, 0);
+    QVERIFY(!data.valid);
+}
+
+void tst_MapReader::withoutAxisReadButNotValid()
+{
+    MapData data;
+    data.valid = true;
+    QCOMPARE(readMapData(file("1 2 3 4\n"), data).outcome, MapReadResult::Read);
+    QVERIFY(!data.valid);
+    QCOMPARE(data.mut.size(), std::size_t{1});
+    QCOMPARE(data.columns, 0);
+}
+
+void tst_MapReader::cannotOpenKeepsContents_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("missing") << QStringLiteral("/nowhere/map.dat");
+    QTest::newRow("empty path") << QString();
+    QTest::newRow("folder") << QDir::tempPath();
+    QTest::newRow("endless device") << QStringLiteral("/dev/zero");
+}
+
+void tst_MapReader::cannotOpenKeepsContents()
+{
+    QFETCH(QString, path);
+    MapData data;
+    readMapData(file("# AXIS 0 a b c d 1\n# AXIS 1 a b c d 1\n1 2 3 4\n"), data);
+    QVERIFY(data.valid);
+    QCOMPARE(readMapData(path, data).outcome, MapReadResult::CannotOpen);
+    QVERIFY(!data.valid);
+    QCOMPARE(data.mut.size(), std::size_t{1});
+    QCOMPARE(data.columns, 1);
+    QCOMPARE(data.rows, 1);
+    QCOMPARE(data.header.size(), 2);
+}
+
+void tst_MapReader::refusedKeepsContents()
+{
+    MapData data;
+    readMapData(file("# AXIS 0 a b c d 1\n# AXIS 1 a b c d 1\n1 2 3 4\n"), data);
+    MapReadOptions options;
+    options.memory = 20;
+    const QString path = file("# ENERGY is 5\n1 2 3 4\n1 2 3 4\n");
+    const MapReadResult result = readMapData(path, data, options);
+    QCOMPARE(result.outcome, MapReadResult::Refused);
+    QCOMPARE(result.reason, QStringLiteral("The 2D data file [%1] is too large.").arg(path));
+    QVERIFY(result.energies.isEmpty());
+    QVERIFY(!data.valid);
+    QCOMPARE(data.mut.size(), std::size_t{1});
+    QCOMPARE(data.columns, 1);
+}
+
+void tst_MapReader::fileLargerThanMemory()
+{
+    const QString path = file("1 2 3 4\n");
+    // A hole in the file costs no room on the disk.
+    QVERIFY(QFile::resize(path, qint64{1} << 42));
+    MapData data;
+    QCOMPARE(readMapData(path, data).outcome, MapReadResult::Refused);
+}
+
+void tst_MapReader::recordsLargerThanMemory()
+{
+    // Positions 0 to 999 take 16 bytes each, beside 8 for the value; the text takes 8.
+    QByteArray text;
+    for (int i = 0; i < 1000; ++i)
+        text += "1 2 3 4\n";
+    MapReadOptions options;
+    options.chunkBytes = 512;
+    MapData data;
+    options.memory = 23999;
+    QCOMPARE(readMapData(file(text), data, options).outcome, MapReadResult::Refused);
+    options.memory = 24000;
+    QCOMPARE(readMapData(file(text), data, options).outcome, MapReadResult::Read);
+    options.memory = 8000; // the positions are known now
+    QCOMPARE(readMapData(file(text), data, options).outcome, MapReadResult::Read);
+    QByteArray header;
+    for (int i = 0; i < 4000; ++i)
+        header += "#\n";
+    QCOMPARE(readMapData(file(header), data, options).outcome, MapReadResult::Refused);
+}
+
+void tst_MapReader::endlessLine()
+{
+    const QString path = file("# begins like a header ");
+    QVERIFY(QFile::resize(path, qint64{100} << 20));
+    MapData data;
+    QCOMPARE(readMapData(path, data).outcome, MapReadResult::Refused);
+}
+
+void tst_MapReader::hugeAxes()
+{
+    MapData data;
+    readMapData(file("# AXIS 0 a b c d 2000000000\n# AXIS 1 a b c d 2000000000\n1 2 3 4\n"), data);
+    QVERIFY(data.valid);
+    QCOMPARE(data.columns, 2000000000);
+    QCOMPARE(data.rows, 2000000000);
+    QCOMPARE(data.mut.size(), std::size_t{1});
+}
+
+void tst_MapReader::equalPositionsAreKeptOnce()
+{
+    MapReadOptions options;
+    options.chunkBytes = 16;
+    MapData first;
+    MapData second;
+    MapData third;
+    readMapData(file("1 2 3 4\n-0 nan 5 6\n7 8 9 10\n"), first, options);
+    readMapData(file("# other\n1 2 5 6\n-0 nan 5 6\n7 8 1 1\n"), second, options);
+    QCOMPARE(second.positions.get(), first.positions.get());
+    QCOMPARE(second.mut[0], std::log(6.0 / 5.0));
+    // As soon as nobody holds them they are forgotten.
+    std::weak_ptr<const MapPositions> forgotten = first.positions;
+    first = MapData();
+    second = MapData();
+    QVERIFY(forgotten.expired());
+    readMapData(file("1 2 3 4\n-0 nan 5 6\n7 8 9 10\n"), third, options);
+    QCOMPARE(third.positions->size(), std::size_t{3});
+}
+
+void tst_MapReader::positionsThatDifferAreNotShared()
+{
+    MapReadOptions options;
+    options.chunkBytes = 8;
+    MapData first;
+    readMapData(file("1 2 1\n3 4 1\n5 6 1\n"), first, options);
+    for (const QByteArray& text :
+         {QByteArray("1 2 1\n3 4 1\n"), QByteArray("1 2 1\n3 4 1\n5 6 1\n7 8 1\n"),
+          QByteArray("1 2 1\n3 4 1\n5 6.5 1\n"), QByteArray("1.5 2 1\n3 4 1\n5 6 1\n")}) {
+        MapData second;
+        const QString path = file(text);
+        const MapReadResult result = readMapData(path, second, options);
+        QVERIFY(second.positions != first.positions);
+        plain::MapFile plain;
+        plain.read(path);
+        QCOMPARE(difference(result, second, plain), QString());
+    }
+}
+
+void tst_MapReader::progressRisesToOne()
+{
+    QByteArray text;
+    for (int i = 0; i < 1000; ++i)
+        text += "1 2 3 4\n";
+    MapReadOptions options;
+    options.chunkBytes = 100;
+    std::vector<double> parts;
+    options.progress = [&](double part) { parts.push_back(part); };
+    MapData data;
+    Workers one(1);
+    readMapData(file(text), data, options, one);
+    QVERIFY(parts.size() > 50);
+    QVERIFY(std::is_sorted(parts.begin(), parts.end()));
+    QCOMPARE(parts.back(), 1.0);
+}
+
+void tst_MapReader::equalsThePlainReader_data()
+{
+    QTest::addColumn<QByteArray>("locale");
+    QTest::addColumn<int>("lines");
+    QTest::newRow("UTF-8") << QByteArray("UTF-8") << 700000;
+    QTest::newRow("Latin-1") << QByteArray("ISO-8859-1") << 100000;
+    QTest::newRow("ASCII") << QByteArray("US-ASCII") << 100000;
+    QTest::newRow("EUC-JP") << QByteArray("EUC-JP") << 50000;
+    QTest::newRow("Shift-JIS") << QByteArray("Shift_JIS") << 50000;
+}
+
+void tst_MapReader::equalsThePlainReader()
+{
+    QFETCH(QByteArray, locale);
+    QFETCH(int, lines);
+    const Locale here(locale);
+    const quint64 seed = std::random_device{}();
+    qInfo("seed %llu", seed);
+    Random random(seed);
+    static const std::array<unsigned, 4> threads = {1, 2, 3, 8};
+    std::vector<std::unique_ptr<Workers>> workers;
+    for (const unsigned n : threads)
+        workers.push_back(std::make_unique<Workers>(n));
+    Tally tally;
+    while (tally.lines < lines) {
+        const QString path = file(randomFile(random, tally));
+        MapReadOptions options;
+        options.chunkBytes = 1 + random() % (random() % 2 == 0 ? 40 : 20000);
+        MapData data;
+        const MapReadResult result =
+            readMapData(path, data, options, *workers[random() % workers.size()]);
+        plain::MapFile plain;
+        QVERIFY(plain.read(path));
+        const QString differs = difference(result, data, plain);
+        QVERIFY2(differs.isEmpty(),
+                 qPrintable(differs + QStringLiteral(" in file %1").arg(tally.files)));
+    }
+}
+
+void tst_MapReader::emptyAndOddFiles_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("one line feed") << QByteArray("\n");
+    QTest::newRow("no line end") << QByteArray("1 2 3");
+    QTest::newRow("carriage returns only") << QByteArray("1 2 3\r4 5 6\r");
+    QTest::newRow("carriage return at the end") << QByteArray("1 2 3 4\r");
+    QTest::newRow("number cut by a carriage return") << QByteArray("1 2 3 4\r5\r\n");
+    QTest::newRow("zero bytes") << QByteArray("1 2 3\0 4\n\0\n", 11);
+    QTest::newRow("mark of UTF-8 only") << QByteArray("\xEF\xBB\xBF");
+    QTest::newRow("mark of UTF-8") << QByteArray("\xEF\xBB\xBF# \xC3\xA9\n1 2 3 4\n");
+    QTest::newRow("mark of UTF-16") << QByteArray("\xFF\xFE"
+                                                  "1\0 \0"
+                                                  "2\0 \0"
+                                                  "3\0\n\0",
+                                                  14);
+    QTest::newRow("binary") << QByteArray("\x7f"
+                                          "ELF\x02\x01\x01\0\xff\xfe 1 2 3 4\n\n\n",
+                                          24);
+    QTest::newRow("long tokens") << QByteArray(30000, '1') + " 0." + QByteArray(30000, '0') +
+                                        "1e30001 " + QByteArray(20000, '0') + "5 6\n";
+    QTest::newRow("wide blanks") << QByteArray(50000, ' ') + "1" + QByteArray(50000, '\t') +
+                                        "2 3 4" + QByteArray(50000, ' ') + "\n5 6 7 8\n";
+}
+
+void tst_MapReader::emptyAndOddFiles()
+{
+    QFETCH(QByteArray, text);
+    const QString path = file(text);
+    plain::MapFile plain;
+    QVERIFY(plain.read(path));
+    for (const std::size_t chunkBytes : {1, 7, 1000, 1000000}) {
+        MapReadOptions options;
+        options.chunkBytes = chunkBytes;
+        MapData data;
+        const MapReadResult result = readMapData(path, data, options);
+        QCOMPARE(difference(result, data, plain), QString());
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_MapReader)
+#include "tst_MapReader.moc"
