@@ -1,0 +1,65 @@
+#include "app/Body.h"
+#include "app/FourPs.h"
+#include "app/Language.h"
+
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QtTest>
+
+class tst_Body : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void languageChoice_data();
+    void languageChoice();
+    void titleAndNames();
+    void growsToThePanel();
+};
+
+void tst_Body::languageChoice_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<bool>("japanese");
+    QTest::newRow("none") << QStringLiteral("drovik") << true;
+    QTest::newRow("English") << QStringLiteral("drovik -e") << false;
+    QTest::newRow("Japanese") << QStringLiteral("drovik -j") << true;
+    QTest::newRow("last wins, Japanese") << QStringLiteral("drovik -e -j") << true;
+    QTest::newRow("last wins, English") << QStringLiteral("drovik -j -e") << false;
+    QTest::newRow("case") << QStringLiteral("drovik -E") << true;
+    QTest::newRow("two dashes") << QStringLiteral("drovik --e") << true;
+    QTest::newRow("others between") << QStringLiteral("drovik -e file.dat -x") << false;
+    QTest::newRow("the program's name does not count") << QStringLiteral("-e") << true;
+}
+
+void tst_Body::languageChoice()
+{
+    QFETCH(QString, line);
+    QTEST(wantsJapanese(line.split(QLatin1Char(' '))), "japanese");
+}
+
+void tst_Body::titleAndNames()
+{
+    const Body body;
+    QCOMPARE(body.windowTitle(), QStringLiteral("drovik"));
+    QCOMPARE(body.objectName(), QStringLiteral("Body"));
+    QCOMPARE(body.size(), QSize(869, 121));
+    QVERIFY(body.menuBar()->actions().isEmpty());
+    QCOMPARE(body.centralWidget()->objectName(), QStringLiteral("centralwidget"));
+    QCOMPARE(body.panel()->parentWidget(), body.centralWidget());
+}
+
+void tst_Body::growsToThePanel()
+{
+    Body body;
+    body.show();
+    QVERIFY(body.height() >= body.panel()->minimumSizeHint().height());
+    QVERIFY(body.width() >= body.panel()->minimumSizeHint().width());
+    // It fits on the smallest screen in use, the conditions shown.
+    body.panel()->DispCondsB->setChecked(true);
+    QVERIFY(body.minimumSizeHint().width() <= 1280);
+    QVERIFY(body.minimumSizeHint().height() <= 800);
+}
+
+QTEST_MAIN(tst_Body)
+#include "tst_Body.moc"

@@ -1,0 +1,307 @@
+#include "input/AFileSelect.h"
+#include "input/AXafsFileSelect.h"
+#include "tests/support/PanelActions.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+
+class tst_AFileSelect : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void openModeIsReadOnlyAndYellow();
+    void saveModeIsEditableAndWhite();
+    void otherModeChangesNothing();
+    void dialogFollowsTheMode();
+    void dialogListsDataFilesFirst();
+    void dialogChoiceReachesTheSelector();
+    void selectButtonShowsTheDialog();
+    void saveSuffix_data();
+    void saveSuffix();
+    void fileIsShownAndAnnounced();
+    void linksAreResolvedInTheFolder();
+    void severalFilesShowTheirNames();
+    void clearEmitsAnEmptyPath();
+    void dropTakesTheFirstUrl();
+    void dropOfOtherUrlsIsIgnored_data();
+    void dropOfOtherUrlsIsIgnored();
+    void dropOfANetworkPath();
+    void dropOnAMultiFileSelector();
+    void dropSimplifiesBlanks();
+    void dropKeepsSpecialCharacters_data();
+    void dropKeepsSpecialCharacters();
+    void dropOnTheLineReachesTheSelector();
+    void typedNameStaysAsItIs();
+    void noRecordBeforeTheFirstFile();
+};
+
+void tst_AFileSelect::openModeIsReadOnlyAndYellow()
+{
+    const AFileSelect select;
+    QVERIFY(select.FileName->isReadOnly());
+    QCOMPARE(select.FileName->styleSheet(),
+             QStringLiteral("background-color: rgb(255, 255, 220);"));
+}
+
+void tst_AFileSelect::saveModeIsEditableAndWhite()
+{
+    const AFileSelect select(nullptr, AFileSelect::Save);
+    QVERIFY(!select.FileName->isReadOnly());
+    QCOMPARE(select.FileName->styleSheet(),
+             QStringLiteral("background-color: rgb(255, 255, 255);"));
+}
+
+void tst_AFileSelect::otherModeChangesNothing()
+{
+    AFileSelect select(nullptr, AFileSelect::Save);
+    select.setMode(7);
+    QCOMPARE(select.mode(), 7);
+    QVERIFY(!select.FileName->isReadOnly());
+    QCOMPARE(select.dialog()->acceptMode(), QFileDialog::AcceptOpen); // a new dialog's own state
+}
+
+void tst_AFileSelect::dialogFollowsTheMode()
+{
+    AFileSelect select;
+    QCOMPARE(select.dialog()->acceptMode(), QFileDialog::AcceptOpen);
+    QCOMPARE(select.dialog()->fileMode(), QFileDialog::ExistingFile);
+    select.setMulti(true);
+    QCOMPARE(select.dialog()->fileMode(), QFileDialog::ExistingFile); // until the mode is set
+    select.setMode(AFileSelect::Open);
+    QCOMPARE(select.dialog()->fileMode(), QFileDialog::ExistingFiles);
+    select.setMode(AFileSelect::Save);
+    QCOMPARE(select.dialog()->acceptMode(), QFileDialog::AcceptSave);
+    QCOMPARE(select.dialog()->fileMode(), QFileDialog::AnyFile);
+}
+
+void tst_AFileSelect::dialogListsDataFilesFirst()
+{
+    AFileSelect select;
+    QCOMPARE(select.dialog()->nameFilters(),
+             QStringList({QStringLiteral("Data Files (*.dat)"), QStringLiteral("All (* *.*)")}));
+}
+
+void tst_AFileSelect::dialogChoiceReachesTheSelector()
+{
+    const QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("a  b.dat"));
+    AFileSelect select;
+    QSignalSpy paths(&select, &AFileSelect::newFilePath);
+    emit select.dialog()->currentChanged(path); // highlighting is no choice
+    QCOMPARE(paths.count(), 0);
+    emit select.dialog()->fileSelected(path);
+    QCOMPARE(paths.count(), 1);
+    QCOMPARE(paths[0][0].toString(), path); // blanks as they are
+    QSignalSpy lists(&select, &AFileSelect::newFilePaths);
+    emit select.dialog()->filesSelected({path});
+    QCOMPARE(lists.count(), 1);
+}
+
+void tst_AFileSelect::selectButtonShowsTheDialog()
+{
+    AFileSelect select;
+    select.dialog()->setOption(QFileDialog::DontUseNativeDialog);
+    select.show();
+    user::click(select.SelectB);
+    QVERIFY(select.dialog()->isVisible());
+    select.dialog()->reject();
+}
+
+void tst_AFileSelect::saveSuffix_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("none") << QStringLiteral("/tmp/x") << QStringLiteral("/tmp/x.dat");
+    QTest::newRow("other") << QStringLiteral("/tmp/x.txt") << QStringLiteral("/tmp/x.txt.dat");
+    QTest::newRow("same") << QStringLiteral("/tmp/x.dat") << QStringLiteral("/tmp/x.dat");
+    QTest::newRow("case") << QStringLiteral("/tmp/x.DAT") << QStringLiteral("/tmp/x.DAT.dat");
+}
+
+void tst_AFileSelect::saveSuffix()
+{
+    QFETCH(QString, name);
+    AFileSelect select(nullptr, AFileSelect::Save);
+    select.setFile(name);
+    QTEST(select.FileName->text(), "shown");
+    AFileSelect open;
+    open.setFile(name);
+    QCOMPARE(open.FileName->text(), name);
+}
+
+void tst_AFileSelect::fileIsShownAndAnnounced()
+{
+    const QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("x.dat"));
+    AFileSelect select;
+    QStringList heard;
+    connect(&select, &AFileSelect::newDir, [&](const QString& d) { heard << d; });
+    connect(&select, &AFileSelect::newFilePath, [&](const QString& p) { heard << p; });
+    select.setFile(path);
+    const QString folder = QDir(dir.path()).canonicalPath();
+    QCOMPARE(heard, QStringList({folder, path})); // the folder first
+    QCOMPARE(select.dir(), folder);
+    QCOMPARE(select.fileName(), QStringLiteral("x.dat"));
+    QCOMPARE(select.FileName->text(), path);
+}
+
+void tst_AFileSelect::linksAreResolvedInTheFolder()
+{
+    const QTemporaryDir dir;
+    QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("real")));
+    QVERIFY(
+        QFile::link(dir.filePath(QStringLiteral("real")), dir.filePath(QStringLiteral("link"))));
+    AFileSelect select;
+    select.setFile(dir.filePath(QStringLiteral("link/x.dat")));
+    QCOMPARE(select.dir(), QDir(dir.filePath(QStringLiteral("real"))).canonicalPath());
+    QCOMPARE(select.FileName->text(), dir.filePath(QStringLiteral("link/x.dat")));
+}
+
+void tst_AFileSelect::severalFilesShowTheirNames()
+{
+    const QTemporaryDir dir;
+    const QStringList paths = {dir.filePath(QStringLiteral("a.dat")),
+                               dir.filePath(QStringLiteral("b.dat")),
+                               dir.filePath(QStringLiteral("c d.dat"))};
+    AFileSelect select;
+    QSignalSpy dirs(&select, &AFileSelect::newDir);
+    QSignalSpy lists(&select, &AFileSelect::newFilePaths);
+    QSignalSpy single(&select, &AFileSelect::newFilePath);
+    select.newFiles(paths);
+    QCOMPARE(select.FileName->text(), QStringLiteral("a.dat b.dat c d.dat "));
+    QCOMPARE(dirs.count(), 1);
+    QCOMPARE(lists.count(), 1);
+    QCOMPARE(lists[0][0].toStringList(), paths);
+    QCOMPARE(single.count(), 0);
+}
+
+void tst_AFileSelect::clearEmitsAnEmptyPath()
+{
+    AFileSelect select;
+    select.show();
+    select.setFile(QStringLiteral("/tmp/x.dat"));
+    QSignalSpy paths(&select, &AFileSelect::newFilePath);
+    QSignalSpy dirs(&select, &AFileSelect::newDir);
+    user::click(select.ClearB);
+    QCOMPARE(select.FileName->text(), QString());
+    QCOMPARE(paths.count(), 1);
+    QCOMPARE(paths[0][0].toString(), QString());
+    QCOMPARE(dirs.count(), 0);
+}
+
+void tst_AFileSelect::dropTakesTheFirstUrl()
+{
+    AFileSelect select;
+    select.show();
+    user::dropUrls(&select, {QUrl::fromLocalFile(QStringLiteral("/tmp/a.dat")),
+                             QUrl::fromLocalFile(QStringLiteral("/tmp/b.dat"))});
+    QCOMPARE(select.FileName->text(), QStringLiteral("/tmp/a.dat"));
+}
+
+void tst_AFileSelect::dropOfOtherUrlsIsIgnored_data()
+{
+    QTest::addColumn<QUrl>("url");
+    QTest::newRow("web") << QUrl(QStringLiteral("http://example.org/a.dat"));
+    QTest::newRow("ftp") << QUrl(QStringLiteral("ftp://example.org/a.dat"));
+    QTest::newRow("empty") << QUrl();
+    QTest::newRow("relative") << QUrl(QStringLiteral("a.dat"));
+}
+
+void tst_AFileSelect::dropOfOtherUrlsIsIgnored()
+{
+    QFETCH(QUrl, url);
+    AFileSelect select;
+    select.show();
+    QSignalSpy paths(&select, &AFileSelect::newFilePath);
+    user::dropUrls(&select, {url});
+    QCOMPARE(paths.count(), 0);
+    QCOMPARE(select.FileName->text(), QString());
+}
+
+void tst_AFileSelect::dropOfANetworkPath()
+{
+    AFileSelect select;
+    select.show();
+    user::dropUrls(&select, {QUrl(QStringLiteral("file://server/share/a.dat"))});
+    QCOMPARE(select.FileName->text(), QStringLiteral("//server/share/a.dat"));
+}
+
+void tst_AFileSelect::dropOnAMultiFileSelector()
+{
+    AFileSelect select;
+    select.setMulti(true);
+    select.setMode(AFileSelect::Open);
+    select.show();
+    QSignalSpy single(&select, &AFileSelect::newFilePath);
+    QSignalSpy lists(&select, &AFileSelect::newFilePaths);
+    user::drop(&select, QStringLiteral("/tmp/a.dat"));
+    QCOMPARE(select.FileName->text(), QStringLiteral("/tmp/a.dat"));
+    QCOMPARE(single.count(), 1);
+    QCOMPARE(lists.count(), 0);
+}
+
+void tst_AFileSelect::dropSimplifiesBlanks()
+{
+    AFileSelect select;
+    select.show();
+    user::drop(&select, QStringLiteral("/tmp/a   b .dat"));
+    QCOMPARE(select.FileName->text(), QStringLiteral("/tmp/a b .dat"));
+}
+
+void tst_AFileSelect::dropKeepsSpecialCharacters_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("percent") << QStringLiteral("/tmp/100%1 %20.dat");
+    QTest::newRow("hash") << QStringLiteral("/tmp/run#3?.dat");
+    QTest::newRow("quotes") << QStringLiteral("/tmp/\"it's\".dat");
+    QTest::newRow("Japanese") << QString::fromUtf8("/tmp/\u8a66\u6599.dat");
+    QTest::newRow("drive letter") << QStringLiteral("/C:/data/a.dat");
+}
+
+void tst_AFileSelect::dropKeepsSpecialCharacters()
+{
+    QFETCH(QString, path);
+    AFileSelect select;
+    select.show();
+    user::drop(&select, path);
+    QCOMPARE(select.FileName->text(), path);
+}
+
+void tst_AFileSelect::dropOnTheLineReachesTheSelector()
+{
+    AFileSelect select(nullptr, AFileSelect::Save);
+    select.show();
+    QVERIFY(!select.FileName->acceptDrops());
+    user::drop(&select, QStringLiteral("/tmp/result"));
+    QCOMPARE(select.FileName->text(), QStringLiteral("/tmp/result.dat"));
+}
+
+void tst_AFileSelect::typedNameStaysAsItIs()
+{
+    AFileSelect select(nullptr, AFileSelect::Save);
+    select.show();
+    QSignalSpy paths(&select, &AFileSelect::newFilePath);
+    user::type(select.FileName, QStringLiteral("/tmp/result"));
+    QCOMPARE(select.FileName->text(), QStringLiteral("/tmp/result"));
+    QCOMPARE(paths.count(), 0);
+}
+
+void tst_AFileSelect::noRecordBeforeTheFirstFile()
+{
+    AXafsFileSelect select;
+    double mut = 7;
+    QVERIFY(!select.muTAt(8350, mut));
+    QCOMPARE(mut, 0.0);
+    QCOMPARE(select.edgeJump(), 0.0);
+    QVERIFY(!select.isValid());
+    select.setFile(QStringLiteral("/nowhere/missing.dat"));
+    mut = 7;
+    QVERIFY(!select.muTAt(8350, mut)); // an empty record leaves the value alone
+    QCOMPARE(mut, 7.0);
+}
+
+QTEST_MAIN(tst_AFileSelect)
+#include "tst_AFileSelect.moc"
