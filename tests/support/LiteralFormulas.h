@@ -286,4 +286,51 @@ inline Ratios thicknessRatios(const PointRows& rows, double edgeJump1, double ed
             edgeJump1 / edgeJump2};
 }
 
+// Linear combination fit -----------------------------------------------------------------------
+
+/// A spectrum with its three-term lines.
+struct Spectrum {
+    SpectrumPoints points;
+    Victreen pre, post;
+};
+
+struct Combination {
+    double p1, p2, p3, a, rest, valence;
+    SpectrumPoints curve;
+};
+
+inline Combination combine(const Spectrum& ref1, const Spectrum& ref2, const Spectrum& target,
+                           double eMin, double eMax, double valence1, double valence2)
+{
+    Numbers x1, x2, y, e, f0;
+    for (const SpectrumPoint& p : target.points) {
+        if (!(eMin <= p.energy && p.energy <= eMax))
+            continue;
+        x1.push_back(normalizedAt(ref1.points, ref1.pre, ref1.post, p.energy));
+        x2.push_back(normalizedAt(ref2.points, ref2.pre, ref2.post, p.energy));
+        y.push_back(normalized(p, target.pre, target.post));
+        e.push_back(p.energy);
+        f0.push_back(p.angle);
+    }
+    double S11 = 0, S12 = 0, S1 = 0, S22 = 0, S2 = 0, N = 0, S1y = 0, S2y = 0, Sy = 0;
+    for (size_t k = 0; k < y.size(); k++) {
+        S11 += x1[k] * x1[k];
+        S12 += x1[k] * x2[k];
+        S1 += x1[k];
+        S22 += x2[k] * x2[k];
+        S2 += x2[k];
+        N += 1;
+        S1y += x1[k] * y[k];
+        S2y += x2[k] * y[k];
+        Sy += y[k];
+    }
+    const Numbers p = solve({{S11, S12, S1}, {S12, S22, S2}, {S1, S2, N}}, {S1y, S2y, Sy});
+    const double s = p[0] + p[1];
+    Combination c{p[0], p[1], p[2], p[0] / s, p[1] / s, 0, {}};
+    c.valence = valence1 * p[0] / s + valence2 * p[1] / s;
+    for (size_t k = 0; k < y.size(); k++)
+        c.curve.push_back({f0[k], e[k], p[0] * x1[k] + p[1] * x2[k] + p[2]});
+    return c;
+}
+
 } // namespace formulas
