@@ -149,23 +149,36 @@ std::size_t pixelCount(int columns, int rows)
     return static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows);
 }
 
+/// Arrays of the right size; the present ones where they are not much too large. False where the
+/// memory is refused.
+bool makeRoom(MapResults& results, std::size_t count)
+{
+    MapResults fresh;
+    const bool keep = count <= results.a.capacity() && count >= results.a.capacity() / 2;
+    if (!keep && (!fresh.a.resize(count) || !fresh.t.resize(count)))
+        return false;
+    if (!keep) {
+        results.a = std::move(fresh.a);
+        results.t = std::move(fresh.t);
+    }
+    return results.a.resize(count) && results.t.resize(count);
+}
+
 } // namespace
 
-bool mapFits(int columns, int rows)
+bool mapFits(int columns, int rows, const MapResults& earlier)
 {
-    return pixelCount(columns, rows) <= availableMemory() / (2 * sizeof(double));
+    const std::size_t count = pixelCount(columns, rows);
+    const std::size_t there = std::min(earlier.a.capacity(), earlier.t.capacity());
+    return count <= there || count <= availableMemory() / (2 * sizeof(double));
 }
 
 bool calculateMap(const MapTask& task, MapResults& results, const MapBlockSink& sink,
                   Workers& workers)
 {
     const std::size_t count = pixelCount(task.columns, task.rows);
-    if (count > results.size() && !mapFits(task.columns, task.rows))
+    if (!mapFits(task.columns, task.rows, results) || !makeRoom(results, count))
         return false;
-    if (!results.a.reserve(count) || !results.t.reserve(count))
-        return false;
-    results.a.resize(count);
-    results.t.resize(count);
     results.columns = task.columns;
     results.rows = task.rows;
     results.positions = task.positions;

@@ -61,8 +61,8 @@ struct MapTask {
 using MapBlockSink =
     std::function<void(unsigned worker, const double* a, const double* t, std::size_t count)>;
 
-/// True if the results of a grid fit in memory beside what is there.
-bool mapFits(int columns, int rows);
+/// True if the results of a grid fit in memory, where they may take the place of earlier ones.
+bool mapFits(int columns, int rows, const MapResults& earlier);
 
 /// Fills the results with a and t of every pixel of the grid.
 ///

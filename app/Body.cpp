@@ -1,5 +1,6 @@
 #include "app/Body.h"
 
+#include "app/BusyBar.h"
 #include "app/FourPs.h"
 
 Body::Body(QWidget* parent) : QMainWindow(parent)
@@ -8,4 +9,9 @@ Body::Body(QWidget* parent) : QMainWindow(parent)
     setWindowTitle(QStringLiteral("drovik")); // a name, the same in every language
     m_panel = new FourPs;
     bodyLayout->addWidget(m_panel);
+    m_busy = std::make_unique<BusyBar>(statusbar);
+    connect(m_panel, &FourPs::progress, this,
+            [this](const QString& text, double part) { m_busy->show(text, part); });
 }
+
+Body::~Body() = default;

@@ -4,18 +4,24 @@
 
 #include <QMainWindow>
 
+#include <memory>
+
+class BusyBar;
 class FourPs;
 
-/// The main window; its only content is the analysis panel.
+/// The main window; its only content is the analysis panel. Long work of the panel shows in the
+/// status bar.
 class Body : public QMainWindow, private Ui_Body
 {
     Q_OBJECT
 
 public:
     explicit Body(QWidget* parent = nullptr);
+    ~Body() override;
 
     FourPs* panel() const { return m_panel; }
 
 private:
     FourPs* m_panel;
+    std::unique_ptr<BusyBar> m_busy;
 };

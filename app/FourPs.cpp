@@ -94,6 +94,7 @@ void FourPs::buildPoints()
         connect(point, &AEPoint::newEnergy, this, &FourPs::receiveNewEnergy);
         connect(point, &AEPoint::changedCB, this, &FourPs::calcBoth);
         connect(point, &AEPoint::refusedData, this, &FourPs::refuse);
+        connect(point, &AEPoint::progress, this, &FourPs::progress);
         point->UseCB->setChecked(i <= pointsUsedAtStart);
         ePoints.append(point);
     }

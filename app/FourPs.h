@@ -1,10 +1,12 @@
 #pragma once
 
+#include "analysis/MapCalculation.h"
 #include "analysis/Method.h"
 #include "analysis/PointRow.h"
 #include "analysis/ThicknessRatio.h"
 #include "display/Displays.h"
 #include "results/LcfPoint.h"
+#include "results/ThicknessGraph.h"
 #include "ui_FourPs.h"
 
 #include <QFrame>
@@ -19,6 +21,7 @@ class Histgram;
 class MarkLine;
 class MarkLines;
 class MouseC;
+enum class MapOutcome;
 struct MutsContent;
 class QButtonGroup;
 class QStylePainter;
@@ -43,11 +46,14 @@ public:
 
     double lastA() const { return m_lastA; }
     double lastValence() const { return m_lastValence; }
+    const MapResults& lastMap() const { return mapResults; }
     const ThicknessRatios& thicknessRatioFigures() const { return m_ratios; }
 
 signals:
     void messageAppended(const QString& line); ///< after each line of the message pane
     void refused(const QString& line);         ///< the line is a refusal, no result
+    /// What a long operation does and how much is done: 0 at its beginning, 1 at its end.
+    void progress(const QString& text, double part);
 
 public slots:
     // Typed or dragged edge settings: refit every spectrum.
@@ -112,6 +118,7 @@ private:
 
     // Graphs.
     MutsContent mutsContent() const;
+    MapPoints mapPoints() const;
     double rhoNow() const;
 
     // Calculation.
@@ -123,6 +130,8 @@ private:
     double calcThreePoint(const PointRows& table, const PointChoice& choice, QString& text);
     double calcFourPoint(const PointRows& table, const PointChoice& choice, Method method,
                          QString& text);
+    void calcPixels(Method method);
+    bool refuseMap(MapOutcome outcome);
 
     std::unique_ptr<QButtonGroup> trGroup;
     std::vector<std::unique_ptr<AXafsData>> dispData; ///< parallel to the items of SelectedFs
@@ -131,6 +140,11 @@ private:
     std::vector<std::unique_ptr<MarkLine>> m_lines;
     std::unique_ptr<MarkLines> m_pointLines; ///< edge lines and one a row, for "Muts"
     std::unique_ptr<MarkLines> m_edgeLines;  ///< edge lines, for the three previews
+
+    MapResults mapResults;        ///< of the last map calculation
+    QStringList mapHeader;        ///< header lines of the 2D data that own its grid
+    std::uint64_t m_mapCount = 0; ///< map calculations so far
+    ThicknessGraph m_thicknessGraph;
 
     ThicknessRatios m_ratios{};
     double m_lastA = 0.0;

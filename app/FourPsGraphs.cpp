@@ -44,7 +44,9 @@ void FourPs::draw(Displays::DispId id, DispABase* panel, QStylePainter* painter)
         return drawThicknessHistogram(panel, painter, {tr("Thick."), tr("Num.")}, *histT,
                                       typedEnds(HgTFrom, HgTTo));
     case Displays::DispTA:
-        return;
+        return m_thicknessGraph.draw(panel, painter, {tr("Valence"), tr("Thick.")}, mapPoints(),
+                                     valences, typedEnds(HgAFrom, HgATo),
+                                     typedEnds(HgTFrom, HgTTo));
     case Displays::DispM2M3:
         return drawFourPointGraph(panel, painter, {tr("M2"), tr("M3")}, rows(), rhoNow());
     }
@@ -55,6 +57,11 @@ double FourPs::rhoNow() const
 {
     return thicknessRatios(rows(), RefFile1->edgeJump(), RefFile2->edgeJump())
         .selected(thicknessType());
+}
+
+MapPoints FourPs::mapPoints() const
+{
+    return {mapResults.a.data(), mapResults.t.data(), mapResults.size(), m_mapCount};
 }
 
 MutsContent FourPs::mutsContent() const

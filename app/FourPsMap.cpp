@@ -1,6 +1,11 @@
 #include "app/FourPs.h"
 
 #include "input/AEPoint.h"
+#include "results/Histgram.h"
+#include "results/MapHistograms.h"
+#include "results/ResultFile.h"
+
+#include <QFileInfo>
 
 void FourPs::calcMap()
 {
@@ -11,6 +16,44 @@ void FourPs::calcMap()
     const RunDecision decision = decideMapRun(choice, runInputs());
     if (!decision.method)
         return refuseRun(decision.refusal, choice.count, tr("V Point is not selected"));
+    calcPixels(*decision.method);
+}
+
+// The checks count rows with data; the calculation takes every row in use, and pixels of those
+// without data count as missing.
+void FourPs::calcPixels(Method method)
+{
+    MapTask task;
+    task.method = method;
+    task.points = rows();
+    task.choice = choosePoints(task.points);
+    for (const AEPoint* point : qAsConst(ePoints))
+        task.images.push_back(point->mapData().image());
+    const MapData& owner = ePoints[static_cast<int>(task.choice.vPoint)]->mapData();
+    task.columns = owner.columns;
+    task.rows = owner.rows;
+    task.positions = owner.positions;
+    const MapHistograms histograms{*histA,     *histT,    histA->settings(), histT->settings(),
+                                   valence1(), valence2()};
+    if (refuseMap(checkMap(task.columns, task.rows, mapResults, histograms)))
+        return;
+    if (method != Method::ThreePoint)
+        task.rho = thicknessRatio(task.points);
+    if (refuseMap(calculateMap(task, mapResults, histograms)))
+        return;
+    mapHeader = owner.header;
+    ++m_mapCount;
+    repaintDisplays();
+}
+
+/// Says why there is no map; false where there is one.
+bool FourPs::refuseMap(MapOutcome outcome)
+{
+    if (outcome == MapOutcome::GridTooLarge)
+        refuse(QStringLiteral("The map is too large."));
+    if (outcome == MapOutcome::TooManyBoxes)
+        refuse(QStringLiteral("The number of histogram boxes is too large."));
+    return outcome != MapOutcome::Calculated;
 }
 
 void FourPs::calcAndWrite()
@@ -19,4 +62,20 @@ void FourPs::calcAndWrite()
     write();
 }
 
-void FourPs::write() {}
+// A file that is there already is overwritten without a question.
+void FourPs::write()
+{
+    const QString path = SaveFSelect->FileName->text();
+    const QString text = QStringLiteral("Writing %1").arg(QFileInfo(path).fileName());
+    emit progress(text, 0.0);
+    const WriteOutcome outcome =
+        writeResultFile(path, mapHeader, mapResults, valence1(), valence2(),
+                        [&](double part) { emit progress(text, part); });
+    emit progress(text, 1.0);
+    if (outcome == WriteOutcome::CannotOpen)
+        refuse(tr("Can't open the file [%1]").arg(path));
+    if (outcome == WriteOutcome::CannotWrite)
+        refuse(QStringLiteral("Can't write the file [%1]").arg(path));
+    histA->writeFile(path, QStringLiteral("HGAlpha"));
+    histT->writeFile(path, QStringLiteral("HGThick"));
+}

@@ -3,6 +3,8 @@
 #include "input/MapReader.h"
 #include "input/NumberText.h"
 
+#include <QFileInfo>
+
 AEPoint::AEPoint(QWidget* parent) : QFrame(parent)
 {
     setupUi(this);
@@ -42,7 +44,12 @@ void AEPoint::inNewEnergy()
 
 void AEPoint::loadData(const QString& path)
 {
-    const MapReadResult result = readMapData(path, m_mapData);
+    const QString text = QStringLiteral("Reading %1").arg(QFileInfo(path).fileName());
+    MapReadOptions options;
+    options.progress = [&](double part) { emit progress(text, part); };
+    emit progress(text, 0.0);
+    const MapReadResult result = readMapData(path, m_mapData, options);
+    emit progress(text, 1.0);
     for (const QString& token : result.energies) {
         Energy->setText(token);
         inNewEnergy();

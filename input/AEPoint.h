@@ -32,6 +32,8 @@ signals:
     void newEnergy(double energy);
     void changedCB();
     void refusedData(const QString& reason); ///< the 2D data were not taken
+    /// What is being read and how much of it is done: 0 at the beginning, 1 at the end.
+    void progress(const QString& text, double part);
 
 public slots:
     /// Reads a 2D data file. One that cannot be opened leaves the row invalid and keeps the old

@@ -14,14 +14,25 @@ struct Part {
 
 } // namespace
 
+MapOutcome checkMap(int columns, int rows, const MapResults& earlier,
+                    const MapHistograms& histograms)
+{
+    if (!histograms.valenceSettings.acceptable() || !histograms.thicknessSettings.acceptable())
+        return MapOutcome::TooManyBoxes;
+    return mapFits(columns, rows, earlier) ? MapOutcome::Calculated : MapOutcome::GridTooLarge;
+}
+
 MapOutcome calculateMap(const MapTask& task, MapResults& results, const MapHistograms& histograms,
                         Workers& workers)
 {
+    const MapOutcome outcome = checkMap(task.columns, task.rows, results, histograms);
+    if (outcome != MapOutcome::Calculated)
+        return outcome;
     std::vector<Part> parts(workers.size());
-    for (Part& part : parts)
-        if (!part.valence.reset(histograms.valenceSettings) ||
-            !part.thickness.reset(histograms.thicknessSettings))
-            return MapOutcome::TooManyBoxes;
+    for (Part& part : parts) {
+        part.valence.reset(histograms.valenceSettings);
+        part.thickness.reset(histograms.thicknessSettings);
+    }
     const auto count = [&](unsigned worker, const double* a, const double* t, std::size_t n) {
         Part& part = parts[worker];
         part.values.resize(n);

@@ -19,6 +19,10 @@ enum class MapOutcome {
     TooManyBoxes, ///< a histogram's number of bins is refused
 };
 
+/// What a calculation would come to, found out without one.
+MapOutcome checkMap(int columns, int rows, const MapResults& earlier,
+                    const MapHistograms& histograms);
+
 /// Calculates a map and counts the valence and the thickness ratio of every pixel in the
 /// histograms, which are reset to the settings. Refusals leave results and histograms as they were.
 MapOutcome calculateMap(const MapTask& task, MapResults& results, const MapHistograms& histograms,
