@@ -11,6 +11,10 @@
 namespace
 {
 
+// Captions of axes are the same in every language. This one is the text of a label besides, which
+// has a translation.
+const QString valenceCaption = QStringLiteral("Valence");
+
 AxisEnds typedEnds(const QLineEdit* from, const QLineEdit* to)
 {
     return {numberFromText(from->text()), numberFromText(to->text())};
@@ -38,7 +42,7 @@ void FourPs::draw(Displays::DispId id, DispABase* panel, QStylePainter* painter)
     case Displays::DispLCFvs4PS:
         return drawLcfGraph(panel, painter, {tr("LCF"), tr("4ps")}, lcfVs4ps, valences);
     case Displays::DispHistA:
-        return drawValenceHistogram(panel, painter, {tr("Valence"), tr("Num.")}, *histA,
+        return drawValenceHistogram(panel, painter, {valenceCaption, tr("Num.")}, *histA,
                                     typedEnds(HgAFrom, HgATo), valences);
     case Displays::DispHistT:
         return drawThicknessHistogram(panel, painter, {tr("Thick."), tr("Num.")}, *histT,

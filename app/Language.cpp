@@ -1,12 +1,5 @@
 #include "app/Language.h"
 
-QString Catalogue::translate(const char* context, const char* sourceText,
-                             const char* disambiguation, int n) const
-{
-    const QString text = QTranslator::translate(context, sourceText, disambiguation, n);
-    return text.isEmpty() ? QString() : text;
-}
-
 bool wantsJapanese(const QStringList& arguments)
 {
     bool japanese = true;

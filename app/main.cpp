@@ -2,11 +2,12 @@
 #include "app/Language.h"
 
 #include <QApplication>
+#include <QTranslator>
 
 int main(int argc, char* argv[])
 {
     QApplication application(argc, argv);
-    Catalogue catalogue;
+    QTranslator catalogue;
     if (wantsJapanese(QApplication::arguments())) {
         // Without the catalogue the interface stays English, so the result is of no interest.
         (void)catalogue.load(QStringLiteral(":velk_ja_JP"), QApplication::applicationDirPath(),
