@@ -31,8 +31,24 @@ std::size_t pivotRow(const Matrix<n>& a, const Permutation<n>& perm, std::size_t
     return best;
 }
 
+/// Takes the pivot's line from the later ones so that their k-th entry vanishes; the multiplier is
+/// kept in its place. A pivot of exactly zero counts as 1.
+template <std::size_t n>
+void eliminate(Matrix<n>& a, const Permutation<n>& perm, std::size_t k)
+{
+    const auto& pivotLine = a[perm[k]];
+    const double pivot = pivotLine[k] == 0.0 ? 1.0 : pivotLine[k];
+    for (std::size_t i = k + 1; i < n; ++i) {
+        auto& line = a[perm[i]];
+        const double multiplier = line[k] / pivot;
+        line[k] = multiplier;
+        for (std::size_t j = k + 1; j < n; ++j)
+            line[j] -= pivotLine[j] * multiplier;
+    }
+}
+
 /// Splits A into L (1 on the diagonal) and U; the rows of both are addressed through perm.
-/// A pivot of exactly zero counts as 1 while the multipliers are formed; U keeps the zero.
+/// U keeps a pivot of zero.
 template <std::size_t n>
 void luDecompose(const Matrix<n>& a, Matrix<n>& lower, Matrix<n>& upper, Permutation<n>& perm)
 {
@@ -41,15 +57,7 @@ void luDecompose(const Matrix<n>& a, Matrix<n>& lower, Matrix<n>& upper, Permuta
         perm[i] = i;
     for (std::size_t k = 0; k < n; ++k) {
         std::swap(perm[k], perm[pivotRow<n>(lower, perm, k)]);
-        const auto& pivotLine = lower[perm[k]];
-        const double pivot = pivotLine[k] == 0.0 ? 1.0 : pivotLine[k];
-        for (std::size_t i = k + 1; i < n; ++i) {
-            auto& line = lower[perm[i]];
-            const double multiplier = line[k] / pivot;
-            line[k] = multiplier;
-            for (std::size_t j = k + 1; j < n; ++j)
-                line[j] -= pivotLine[j] * multiplier;
-        }
+        eliminate<n>(lower, perm, k);
     }
     for (std::size_t i = 0; i < n; ++i) {
         auto& l = lower[perm[i]];
@@ -64,8 +72,7 @@ void luDecompose(const Matrix<n>& a, Matrix<n>& lower, Matrix<n>& upper, Permuta
 
 /// Solves L y = b; y stays in the order of b's rows.
 template <std::size_t n>
-void luForward(const Matrix<n>& lower, const Vector<n>& b, Vector<n>& y,
-               const Permutation<n>& perm)
+void luForward(const Matrix<n>& lower, const Vector<n>& b, Vector<n>& y, const Permutation<n>& perm)
 {
     y = b;
     for (std::size_t k = 0; k + 1 < n; ++k) {

@@ -12,6 +12,7 @@
 #include <QTextCodec>
 #include <QtTest>
 
+#include <algorithm>
 #include <sys/stat.h>
 
 namespace
@@ -117,6 +118,33 @@ public:
 private:
     QTextCodec* m_before;
     bool m_known = false;
+};
+
+/// A file that comes in small pieces and breaks off with an error, as one on a network that goes.
+class BreakingFile : public QIODevice
+{
+public:
+    BreakingFile(const QByteArray& bytes, int pieceSize) : m_bytes(bytes), m_pieceSize(pieceSize)
+    {
+        open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    }
+
+protected:
+    qint64 readData(char* data, qint64 size) override
+    {
+        if (m_at == m_bytes.size())
+            return -1;
+        const auto count = std::min<qint64>({size, m_pieceSize, m_bytes.size() - m_at});
+        std::copy_n(m_bytes.constData() + m_at, count, data);
+        m_at += count;
+        return count;
+    }
+    qint64 writeData(const char* /*data*/, qint64 /*size*/) override { return -1; }
+
+private:
+    QByteArray m_bytes;
+    qint64 m_at = 0;
+    qint64 m_pieceSize;
 };
 
 /// Pieces that files are spoiled with.
@@ -246,6 +274,9 @@ private slots:
     void oddRealFiles();
     void encodings_data();
     void encodings();
+    void bytesAtTheBordersOfPieces_data();
+    void bytesAtTheBordersOfPieces();
+    void fileThatBreaksOff();
     void longLinesAndTokens();
     void commaLocale();
     void agreesWithThePlainReader_data();
@@ -639,6 +670,44 @@ void tst_SpectrumReader::encodings()
         const QByteArray withMark = other->fromUnicode(QChar(QChar::ByteOrderMark) + text);
         QCOMPARE(points(withMark).size(), std::size_t{3});
         QVERIFY(samePoints(points(withMark), plainPoints(withMark)));
+    }
+}
+
+void tst_SpectrumReader::bytesAtTheBordersOfPieces_data()
+{
+    QTest::addColumn<QByteArray>("spoiled");
+    QTest::addColumn<bool>("starts");
+    QTest::newRow("nothing") << QByteArray() << true;
+    QTest::newRow("half a character") << QByteArray("\xE9\x89") << false;
+    QTest::newRow("blank of three bytes") << QByteArray("\xE3\x80\x80") << true;
+    QTest::newRow("CR") << QByteArray("\r") << true;
+    QTest::newRow("word") << QByteArray("x") << false;
+    QTest::newRow("Latin-1") << QByteArray("\xE4") << false;
+}
+
+// Files are converted in pieces of 16384 bytes; what stands before the marker lies before, on and
+// behind the first border.
+void tst_SpectrumReader::bytesAtTheBordersOfPieces()
+{
+    QFETCH(QByteArray, spoiled);
+    QFETCH(bool, starts);
+    for (int before = 16384 - 9; before <= 16384; ++before) {
+        const QByteArray text =
+            QByteArray(before, ' ') + spoiled + "Offset\n0 30 0 2 1\n" + QByteArray(40000, ' ');
+        QVERIFY(samePoints(points(text), plainPoints(text)));
+        QCOMPARE(points(text).size(), std::size_t{starts ? 1U : 0U});
+    }
+}
+
+void tst_SpectrumReader::fileThatBreaksOff()
+{
+    const QByteArray text = "\xC3\x85 D= 2\nOffset\n0 30 0 2 1\n\xE3\x80\x80"
+                            "0 31 0 3 1\n0 32 0 4 1\n0 33 0 5 1\n";
+    for (const int pieceSize : {1, 2, 7, 1000}) {
+        for (int size = 0; size <= text.size(); ++size) {
+            BreakingFile file(text.left(size), pieceSize);
+            QVERIFY(samePoints(readSpectrum(file), plainPoints(text.left(size))));
+        }
     }
 }
 
