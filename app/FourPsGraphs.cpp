@@ -48,7 +48,7 @@ void FourPs::draw(Displays::DispId id, DispABase* panel, QStylePainter* painter)
         return drawThicknessHistogram(panel, painter, {tr("Thick."), tr("Num.")}, *histT,
                                       typedEnds(HgTFrom, HgTTo));
     case Displays::DispTA:
-        return m_thicknessGraph.draw(panel, painter, {tr("Valence"), tr("Thick.")}, mapPoints(),
+        return m_thicknessGraph.draw(panel, painter, {valenceCaption, tr("Thick.")}, mapPoints(),
                                      valences, typedEnds(HgAFrom, HgATo),
                                      typedEnds(HgTFrom, HgTTo));
     case Displays::DispM2M3:

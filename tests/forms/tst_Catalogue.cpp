@@ -5,7 +5,9 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 #include <QTranslator>
 #include <QtTest>
 
@@ -56,6 +58,26 @@ QStringList placeholdersOf(const QString& text)
 QByteArray rowName(const CatalogueEntry& entry)
 {
     return (entry.context + QLatin1Char('/') + entry.source).toUtf8();
+}
+
+using Texts = QSet<QPair<QString, QString>>;
+
+/// Contexts and texts of a translation source.
+Texts textsOf(const QString& path)
+{
+    Texts texts;
+    for (const CatalogueEntry& entry : readCatalogueText(path))
+        texts.insert({entry.context, entry.source});
+    return texts;
+}
+
+QByteArray listed(const Texts& texts)
+{
+    QStringList lines;
+    for (const auto& [context, source] : texts)
+        lines.append(context + QStringLiteral(": ") + source);
+    lines.sort();
+    return lines.join(QLatin1Char('\n')).toUtf8();
 }
 
 void addEntryRows()
@@ -121,12 +143,28 @@ private Q_SLOTS:
     {
         QVector<CatalogueEntry> entries = readCatalogueText(QStringLiteral(CATALOGUE_TEXT));
         QCOMPARE(entries.size(), 128);
-        QSet<QPair<QString, QString>> seen;
-        for (const CatalogueEntry& entry : qAsConst(entries)) {
+        for (const CatalogueEntry& entry : qAsConst(entries))
             QVERIFY2(entry.finished, rowName(entry).constData());
-            seen.insert({entry.context, entry.source});
-        }
-        QCOMPARE(seen.size(), 128);
+        QCOMPARE(textsOf(QStringLiteral(CATALOGUE_TEXT)).size(), 128);
+    }
+
+    void holdsTheTextsOfFormsAndCode()
+    {
+        const QTemporaryDir folder;
+        const QString found = folder.filePath(QStringLiteral("found.ts"));
+        QProcess lupdate;
+        lupdate.setWorkingDirectory(QStringLiteral(SOURCE_FOLDER));
+        QStringList arguments = QStringLiteral("-silent -locations none").split(QLatin1Char(' '));
+        arguments += QStringLiteral(TEXT_FOLDERS).split(QLatin1Char(' '));
+        arguments += {QStringLiteral("-ts"), found};
+        lupdate.start(QStringLiteral(LUPDATE), arguments);
+        QVERIFY(lupdate.waitForFinished());
+        QCOMPARE(lupdate.exitCode(), 0);
+
+        const Texts inSources = textsOf(found);
+        const Texts inCatalogue = textsOf(QStringLiteral(CATALOGUE_TEXT));
+        QCOMPARE(listed(inSources - inCatalogue), QByteArray());
+        QCOMPARE(listed(inCatalogue - inSources), QByteArray());
     }
 
     void translatesAllButWhatStays_data() { addEntryRows(); }
