@@ -16,7 +16,7 @@ namespace
 {
 
 constexpr std::size_t rowsOfTheTable = 8;
-constexpr qint64 largestJob = 1024 * 1024;
+constexpr qint64 largestJob = 1 << 20; ///< bytes
 
 QString textOf(std::string_view text)
 {

@@ -97,7 +97,7 @@ std::optional<JobError> applyJob(const Job& job, FourPs& panel)
     for (std::size_t i = 0; i < job.spectra.size(); ++i) {
         if (job.spectra[i].path.isEmpty())
             continue;
-        if (const auto error = nameFile(job.spectra[i], panel.xafsSelects[static_cast<int>(i)]))
+        if (auto error = nameFile(job.spectra[i], panel.xafsSelects[static_cast<int>(i)]))
             return error;
     }
     return std::nullopt;

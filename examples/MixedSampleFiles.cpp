@@ -108,7 +108,7 @@ QString writeSample(const QString& folder, const MixedSample& sample,
         if (seed)
             ownSeed = *seed * 4 + static_cast<std::uint_fast64_t>(measurement);
         const QByteArray title = "Made example, nickel-like : " + name.toUtf8();
-        const QString path = dir.filePath(name);
+        QString path = dir.filePath(name);
         if (!writeFile(path, beamlineText(title, scan(sample, measurement, ownSeed))))
             return path;
     }

@@ -7,6 +7,9 @@
 
 #include <functional>
 
+using Action = std::function<void(FourPs&)>;
+Q_DECLARE_METATYPE(Action)
+
 namespace
 {
 
@@ -46,6 +49,77 @@ QVector<double> numbersIn(const QString& line)
     for (auto it = number.globalMatch(line); it.hasNext();)
         result += it.next().captured(1).toDouble();
     return result;
+}
+
+void addRow(const char* name, const char* settings, const Action& action)
+{
+    QTest::newRow(name) << QByteArray(settings) << action;
+}
+
+/// Edge, valences and points, in a job and as typed and clicked.
+void addInputs()
+{
+    addRow("as the form starts", "", [](FourPs&) {});
+    addRow("edge", "[edge]\nenergy = 8349.25\npre_edge_end = -40\npost_edge_start = 120.5\n",
+           [](FourPs& panel) {
+               user::type(panel.EdgeE, QStringLiteral("8349.25"));
+               user::type(panel.PreEEndDE, QStringLiteral("-40"));
+               user::type(panel.PostEStartDE, QStringLiteral("120.5"));
+           });
+    addRow("valences", "[valences]\nref1 = 2.5\nref2 = 4\n", [](FourPs& panel) {
+        user::type(panel.Valence1, QStringLiteral("2.5"));
+        user::type(panel.Valence2, QStringLiteral("4"));
+    });
+    addRow("three rows",
+           "[[point]]\nenergy = 8313\nt_ratio = true\n"
+           "[[point]]\nenergy = 8404.5\nt_ratio = true\n"
+           "[[point]]\nenergy = 8390\nv_point = true\n",
+           [](FourPs& panel) {
+               user::click(panel.ePoints[3]->UseCB);
+               user::click(panel.ePoints[0]->TRatCB);
+               user::click(panel.ePoints[1]->TRatCB);
+               user::type(panel.ePoints[1]->Energy, QStringLiteral("8404.5"));
+           });
+    addRow("six rows, V point last",
+           "[[point]]\nenergy = 8313\n[[point]]\nenergy = 8381\nt_ratio = true\n"
+           "[[point]]\nenergy = 8475\nt_ratio = true\n[[point]]\nenergy = 8404.5\n"
+           "[[point]]\nenergy = 8460\n[[point]]\nenergy = 8390\nv_point = true\n"
+           "[conditions]\nthickness = \"mean\"\n",
+           [](FourPs& panel) {
+               user::type(panel.ePoints[2]->Energy, QStringLiteral("8475"));
+               user::type(panel.ePoints[5]->Energy, QStringLiteral("8390"));
+               user::click(panel.ePoints[4]->UseCB);
+               user::click(panel.ePoints[5]->UseCB);
+               user::click(panel.ePoints[1]->TRatCB);
+               user::click(panel.ePoints[2]->TRatCB);
+               user::click(panel.ePoints[5]->VPointCB);
+               user::click(panel.TRMean);
+           });
+}
+
+/// Conditions, in a job and as clicked.
+void addConditions()
+{
+    addRow("exact, least-squares thickness",
+           "[conditions]\nmethod = \"exact\"\n"
+           "thickness = \"least-squares\"\n",
+           [](FourPs& panel) {
+               user::click(panel.TypeTMKisExact);
+               user::click(panel.TRLSquare);
+           });
+    addRow("thickness without blank", "[conditions]\nthickness = \"least-squares-no-blank\"\n",
+           [](FourPs& panel) { user::click(panel.TRLSquareNB); });
+    addRow("no line from the references",
+           "[conditions]\nreferences_minus_victreen = false\nthickness = \"sum-by-sum\"\n",
+           [](FourPs& panel) {
+               user::click(panel.UseVicCB);
+               user::click(panel.TRSbyS);
+           });
+    addRow("pre-edge line from all",
+           "[conditions]\ntarget_minus_victreen = true\nvictreen = \"pre\"\n", [](FourPs& panel) {
+               user::click(panel.UseVicForTargetCB);
+               user::click(panel.TheVicIs1);
+           });
 }
 
 } // namespace
@@ -90,72 +164,12 @@ void tst_Batch::initTestCase()
         QVERIFY(QFile::copy(examples + QStringLiteral("/nickel/") + name, m_dir.filePath(name)));
 }
 
-using Action = std::function<void(FourPs&)>;
-Q_DECLARE_METATYPE(Action)
-
 void tst_Batch::windowAndBatchAgree_data()
 {
     QTest::addColumn<QByteArray>("settings");
     QTest::addColumn<Action>("action");
-    const auto row = [](const char* name, const char* settings, const Action& action) {
-        QTest::newRow(name) << QByteArray(settings) << action;
-    };
-    row("as the form starts", "", [](FourPs&) {});
-    row("edge", "[edge]\nenergy = 8349.25\npre_edge_end = -40\npost_edge_start = 120.5\n",
-        [](FourPs& panel) {
-            user::type(panel.EdgeE, QStringLiteral("8349.25"));
-            user::type(panel.PreEEndDE, QStringLiteral("-40"));
-            user::type(panel.PostEStartDE, QStringLiteral("120.5"));
-        });
-    row("valences", "[valences]\nref1 = 2.5\nref2 = 4\n", [](FourPs& panel) {
-        user::type(panel.Valence1, QStringLiteral("2.5"));
-        user::type(panel.Valence2, QStringLiteral("4"));
-    });
-    row("three rows",
-        "[[point]]\nenergy = 8313\nt_ratio = true\n"
-        "[[point]]\nenergy = 8404.5\nt_ratio = true\n"
-        "[[point]]\nenergy = 8390\nv_point = true\n",
-        [](FourPs& panel) {
-            user::click(panel.ePoints[3]->UseCB);
-            user::click(panel.ePoints[0]->TRatCB);
-            user::click(panel.ePoints[1]->TRatCB);
-            user::type(panel.ePoints[1]->Energy, QStringLiteral("8404.5"));
-        });
-    row("six rows, V point last",
-        "[[point]]\nenergy = 8313\n[[point]]\nenergy = 8381\nt_ratio = true\n"
-        "[[point]]\nenergy = 8475\nt_ratio = true\n[[point]]\nenergy = 8404.5\n"
-        "[[point]]\nenergy = 8460\n[[point]]\nenergy = 8390\nv_point = true\n"
-        "[conditions]\nthickness = \"mean\"\n",
-        [](FourPs& panel) {
-            user::type(panel.ePoints[2]->Energy, QStringLiteral("8475"));
-            user::type(panel.ePoints[5]->Energy, QStringLiteral("8390"));
-            user::click(panel.ePoints[4]->UseCB);
-            user::click(panel.ePoints[5]->UseCB);
-            user::click(panel.ePoints[1]->TRatCB);
-            user::click(panel.ePoints[2]->TRatCB);
-            user::click(panel.ePoints[5]->VPointCB);
-            user::click(panel.TRMean);
-        });
-    row("exact, least-squares thickness",
-        "[conditions]\nmethod = \"exact\"\n"
-        "thickness = \"least-squares\"\n",
-        [](FourPs& panel) {
-            user::click(panel.TypeTMKisExact);
-            user::click(panel.TRLSquare);
-        });
-    row("thickness without blank", "[conditions]\nthickness = \"least-squares-no-blank\"\n",
-        [](FourPs& panel) { user::click(panel.TRLSquareNB); });
-    row("no line from the references",
-        "[conditions]\nreferences_minus_victreen = false\nthickness = \"sum-by-sum\"\n",
-        [](FourPs& panel) {
-            user::click(panel.UseVicCB);
-            user::click(panel.TRSbyS);
-        });
-    row("pre-edge line from all",
-        "[conditions]\ntarget_minus_victreen = true\nvictreen = \"pre\"\n", [](FourPs& panel) {
-            user::click(panel.UseVicForTargetCB);
-            user::click(panel.TheVicIs1);
-        });
+    addInputs();
+    addConditions();
 }
 
 void tst_Batch::windowAndBatchAgree()

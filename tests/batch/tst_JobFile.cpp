@@ -175,7 +175,7 @@ void tst_JobFile::calculationsAreChosen()
     QVERIFY(target.calculateTarget && !target.calculateLcf);
     const Job lcf = parsed("calculate = [\"lcf\"]");
     QVERIFY(!lcf.calculateTarget && lcf.calculateLcf);
-    const Job both = parsed("calculate = [\"lcf\", \"target\"]");
+    const Job both = parsed(R"(calculate = ["lcf", "target"])");
     QVERIFY(both.calculateTarget && both.calculateLcf);
 }
 
@@ -212,9 +212,9 @@ void tst_JobFile::errorsHaveLineAndReason_data()
     row("thickness", "[conditions]\nthickness = \"vic2\"\n",
         "job:2: thickness is one of \"sum-by-sum\", \"mean\", \"least-squares\", "
         "\"least-squares-no-blank\", \"victreen\"");
-    row("victreen", "[conditions]\nvictreen = 1\n", "job:2: victreen is one of \"pre\", \"post\"");
+    row("victreen", "[conditions]\nvictreen = 1\n", R"(job:2: victreen is one of "pre", "post")");
     row("method", "[conditions]\nmethod = \"Exact\"\n",
-        "job:2: method is one of \"exact\", \"least-squares\"");
+        R"(job:2: method is one of "exact", "least-squares")");
     row("point that is no table", "point = [1]\n", "job:1: points are tables: [[point]]");
     row("no points", "point = []\n", "job:1: points are tables: [[point]]");
     row("one point, not a list", "[point]\nenergy = 1\n", "job:1: points are tables: [[point]]");
@@ -225,11 +225,11 @@ void tst_JobFile::errorsHaveLineAndReason_data()
         "[[point]]\nenergy = 1\nv_point = true\n[[point]]\nenergy = 2\nv_point = true\n",
         "job:4: only one [[point]] can have v_point = true");
     row("calculate that is no list", "calculate = \"target\"\n",
-        "job:1: calculate is a list of \"target\", \"lcf\"");
+        R"(job:1: calculate is a list of "target", "lcf")");
     row("calculate nothing", "calculate = []\n",
-        "job:1: calculate is a list of \"target\", \"lcf\"");
+        R"(job:1: calculate is a list of "target", "lcf")");
     row("calculate something else", "calculate = [\n\"lcf\",\n\"map\"]\n",
-        "job:3: calculate is a list of \"target\", \"lcf\"");
+        R"(job:3: calculate is a list of "target", "lcf")");
     QByteArray nine = "[[point]]\nenergy = 1\nv_point = true\n";
     for (int i = 0; i < 8; ++i)
         nine += "[[point]]\nenergy = 2\n";
@@ -276,10 +276,10 @@ void tst_JobFile::unreadableJobs()
     QCOMPARE(reasonOf(pipe), cannot);
     QFile large(dir.filePath(QStringLiteral("large.toml")));
     QVERIFY(large.open(QIODevice::WriteOnly));
-    large.write(QByteArray(1024 * 1024 + 1, '\n'));
+    large.write(QByteArray((1 << 20) + 1, '\n'));
     large.close();
     QCOMPARE(reasonOf(large.fileName()), QStringLiteral("job: is larger than 1 MiB and no job"));
-    QVERIFY(large.resize(1024 * 1024));
+    QVERIFY(large.resize(1 << 20));
     QCOMPARE(reasonOf(large.fileName()), QString());
 }
 

@@ -127,7 +127,7 @@ void tst_MixedSample::countsScatterByTheirSquareRoot()
         sum += deviation;
         squares += deviation * deviation;
     }
-    const double n = static_cast<double>(expected.size());
+    const auto n = static_cast<double>(expected.size());
     QVERIFY(std::abs(sum / n) < 4.0 / std::sqrt(n));
     QVERIFY(std::abs(squares / n - 1.0) < 4.0 * std::sqrt(2.0 / n));
     QVERIFY(scan(sample, Measurement::Ref1, 2)[0].incident != counted[0].incident);
