@@ -31,17 +31,17 @@ double ThicknessRatios::selected(ThicknessType type) const
 {
     switch (type) {
     case ThicknessType::SumBySum:
-        return sumBySum;
+        return trSbyS;
     case ThicknessType::Mean:
-        return mean;
+        return trMean;
     case ThicknessType::LeastSquares:
-        return lsA;
+        return trLsA;
     case ThicknessType::LeastSquaresNoBlank:
-        return lsANoBlank;
+        return trLsANB;
     case ThicknessType::EdgeJumps:
         break;
     }
-    return edgeJumps;
+    return trVic2;
 }
 
 ThicknessRatios thicknessRatios(const PointRows& rows, double edgeJump1, double edgeJump2)
@@ -61,12 +61,12 @@ ThicknessRatios thicknessRatios(const PointRows& rows, double edgeJump1, double 
         ratios += y / x;
     }
     ThicknessRatios result{};
-    result.sumBySum = corrected.y / corrected.x;
-    result.mean = ratios / corrected.n;
-    result.lsA = corrected.slope();
-    result.lsB = corrected.intercept();
-    result.lsANoBlank = typed.slope();
-    result.lsBNoBlank = typed.intercept();
-    result.edgeJumps = edgeJump1 / edgeJump2;
+    result.trSbyS = corrected.y / corrected.x;
+    result.trMean = ratios / corrected.n;
+    result.trLsA = corrected.slope();
+    result.trLsB = corrected.intercept();
+    result.trLsANB = typed.slope();
+    result.trLsBNB = typed.intercept();
+    result.trVic2 = edgeJump1 / edgeJump2;
     return result;
 }

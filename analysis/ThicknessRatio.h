@@ -13,13 +13,13 @@ enum class ThicknessType {
 
 /// The seven candidate figures, all formed at every run.
 struct ThicknessRatios {
-    double sumBySum; ///< sum of Ref 1 over sum of Ref 2
-    double mean;     ///< mean of the ratios row by row
-    double lsA;      ///< slope of the least-squares line Ref 1 = A Ref 2 + B
-    double lsB;      ///< its intercept
-    double lsANoBlank; ///< slope and intercept without the blank's subtraction
-    double lsBNoBlank;
-    double edgeJumps; ///< edge jump of Ref 1 over that of Ref 2
+    double trSbyS;  ///< sum of Ref 1 over sum of Ref 2
+    double trMean;  ///< mean of the ratios row by row
+    double trLsA;   ///< slope of the least-squares line Ref 1 = A Ref 2 + B
+    double trLsB;   ///< its intercept
+    double trLsANB; ///< slope and intercept without the blank's subtraction
+    double trLsBNB;
+    double trVic2; ///< edge jump of Ref 1 over that of Ref 2
 
     double selected(ThicknessType type) const;
 };

@@ -125,12 +125,12 @@ double FourPs::thicknessRatio(const PointRows& table)
     m_ratios = thicknessRatios(table, RefFile1->edgeJump(), RefFile2->edgeJump());
     appendMessage(tr("sbys = %1, mean = %2, lsA = %3, lsB = %4, lsA(NB) = %5, lsB(NB) = %6, "
                      "Vic2 = %7")
-                      .arg(m_ratios.sumBySum)
-                      .arg(m_ratios.mean)
-                      .arg(m_ratios.lsA)
-                      .arg(m_ratios.lsB)
-                      .arg(m_ratios.lsANoBlank)
-                      .arg(m_ratios.lsBNoBlank)
-                      .arg(m_ratios.edgeJumps));
+                      .arg(m_ratios.trSbyS)
+                      .arg(m_ratios.trMean)
+                      .arg(m_ratios.trLsA)
+                      .arg(m_ratios.trLsB)
+                      .arg(m_ratios.trLsANB)
+                      .arg(m_ratios.trLsBNB)
+                      .arg(m_ratios.trVic2));
     return m_ratios.selected(thicknessType());
 }

@@ -20,16 +20,16 @@ PointRow row(double mut1, double mut2, double blank = 0.0)
 
 bool agree(const ThicknessRatios& found, const formulas::Ratios& expected)
 {
-    return same(found.sumBySum, expected.sbys) && same(found.mean, expected.mean) &&
-           same(found.lsA, expected.lsA) && same(found.lsB, expected.lsB) &&
-           same(found.lsANoBlank, expected.lsANB) && same(found.lsBNoBlank, expected.lsBNB) &&
-           same(found.edgeJumps, expected.vic2);
+    return same(found.trSbyS, expected.sbys) && same(found.trMean, expected.mean) &&
+           same(found.trLsA, expected.lsA) && same(found.trLsB, expected.lsB) &&
+           same(found.trLsANB, expected.lsANB) && same(found.trLsBNB, expected.lsBNB) &&
+           same(found.trVic2, expected.vic2);
 }
 
 bool sameFigures(const ThicknessRatios& a, const ThicknessRatios& b)
 {
-    return agree(a, formulas::Ratios{b.sumBySum, b.mean, b.lsA, b.lsB, b.lsANoBlank, b.lsBNoBlank,
-                                     b.edgeJumps});
+    return agree(
+        a, formulas::Ratios{b.trSbyS, b.trMean, b.trLsA, b.trLsB, b.trLsANB, b.trLsBNB, b.trVic2});
 }
 
 ThicknessRatios ratios(const PointRows& rows)
@@ -61,36 +61,36 @@ private slots:
 void tst_ThicknessRatio::figuresByHand()
 {
     const ThicknessRatios found = ratios({row(3, 2, 1), row(5, 5, 1), row(9, 3, 0)});
-    COMPARE_EXACT(found.sumBySum, 15.0 / 8);
-    COMPARE_EXACT(found.mean, 6.0 / 3);
-    COMPARE_EXACT(found.lsA, (3.0 * 45 - 15 * 8) / (3 * 26 - 64));
-    COMPARE_EXACT(found.lsB, (15.0 * 26 - 45 * 8) / (3 * 26 - 64));
-    COMPARE_EXACT(found.lsANoBlank, (3.0 * 58 - 17 * 10) / (3 * 38 - 100));
-    COMPARE_EXACT(found.lsBNoBlank, (38.0 * 17 - 58 * 10) / (3 * 38 - 100));
-    COMPARE_EXACT(found.edgeJumps, 0.75);
+    COMPARE_EXACT(found.trSbyS, 15.0 / 8);
+    COMPARE_EXACT(found.trMean, 6.0 / 3);
+    COMPARE_EXACT(found.trLsA, (3.0 * 45 - 15 * 8) / (3 * 26 - 64));
+    COMPARE_EXACT(found.trLsB, (15.0 * 26 - 45 * 8) / (3 * 26 - 64));
+    COMPARE_EXACT(found.trLsANB, (3.0 * 58 - 17 * 10) / (3 * 38 - 100));
+    COMPARE_EXACT(found.trLsBNB, (38.0 * 17 - 58 * 10) / (3 * 38 - 100));
+    COMPARE_EXACT(found.trVic2, 0.75);
 }
 
 void tst_ThicknessRatio::markedRowsReplaceTheUsedOnes()
 {
     PointRows rows{row(3, 2), row(5, 5), row(9, 3)};
     rows[2].use = false;
-    COMPARE_EXACT(ratios(rows).sumBySum, 8.0 / 7);
+    COMPARE_EXACT(ratios(rows).trSbyS, 8.0 / 7);
     rows[2].tRatio = true;
-    COMPARE_EXACT(ratios(rows).sumBySum, 3.0);
-    COMPARE_EXACT(ratios(rows).mean, 3.0);
+    COMPARE_EXACT(ratios(rows).trSbyS, 3.0);
+    COMPARE_EXACT(ratios(rows).trMean, 3.0);
 }
 
 void tst_ThicknessRatio::vPointIsNeverUsed()
 {
     PointRows rows{row(3, 2), row(5, 5), row(9, 3)};
     rows[2].vPoint = true;
-    COMPARE_EXACT(ratios(rows).sumBySum, 8.0 / 7);
+    COMPARE_EXACT(ratios(rows).trSbyS, 8.0 / 7);
     rows[0].tRatio = true;
     rows[2].tRatio = true;
-    COMPARE_EXACT(ratios(rows).sumBySum, 1.5);
+    COMPARE_EXACT(ratios(rows).trSbyS, 1.5);
     // A mark on the V point alone still puts the used rows out.
     rows[0].tRatio = false;
-    QVERIFY(std::isnan(ratios(rows).sumBySum));
+    QVERIFY(std::isnan(ratios(rows).trSbyS));
 }
 
 void tst_ThicknessRatio::constantFactorComesBack()
@@ -99,18 +99,18 @@ void tst_ThicknessRatio::constantFactorComesBack()
     for (const double x : {0.5, 1.25, 0.75, 2.0})
         rows.push_back(row(1.25 * x, x));
     const ThicknessRatios found = ratios(rows);
-    COMPARE_EXACT(found.sumBySum, 1.25);
-    COMPARE_EXACT(found.mean, 1.25);
-    COMPARE_EXACT(found.lsA, 1.25);
-    QVERIFY(found.lsB == 0.0);
+    COMPARE_EXACT(found.trSbyS, 1.25);
+    COMPARE_EXACT(found.trMean, 1.25);
+    COMPARE_EXACT(found.trLsA, 1.25);
+    QVERIFY(found.trLsB == 0.0);
 }
 
 void tst_ThicknessRatio::oneRowGivesItsOwnRatio()
 {
     const ThicknessRatios found = ratios({row(3, 2)});
-    COMPARE_EXACT(found.sumBySum, 1.5);
-    COMPARE_EXACT(found.mean, 1.5);
-    for (const double figure : {found.lsA, found.lsB, found.lsANoBlank, found.lsBNoBlank})
+    COMPARE_EXACT(found.trSbyS, 1.5);
+    COMPARE_EXACT(found.trMean, 1.5);
+    for (const double figure : {found.trLsA, found.trLsB, found.trLsANB, found.trLsBNB})
         QVERIFY(std::isnan(figure));
 }
 
@@ -121,12 +121,12 @@ void tst_ThicknessRatio::victreenFlagKeepsTheBlank()
     for (PointRow& changed : rows)
         changed.useVicRefs = true;
     const ThicknessRatios kept = ratios(rows);
-    COMPARE_EXACT(kept.sumBySum, 17.0 / 10);
-    QVERIFY(kept.mean != blank.mean);
-    COMPARE_EXACT(kept.lsA, kept.lsANoBlank);
-    COMPARE_EXACT(kept.lsB, kept.lsBNoBlank);
-    COMPARE_EXACT(kept.lsANoBlank, blank.lsANoBlank);
-    COMPARE_EXACT(kept.lsBNoBlank, blank.lsBNoBlank);
+    COMPARE_EXACT(kept.trSbyS, 17.0 / 10);
+    QVERIFY(kept.trMean != blank.trMean);
+    COMPARE_EXACT(kept.trLsA, kept.trLsANB);
+    COMPARE_EXACT(kept.trLsB, kept.trLsBNB);
+    COMPARE_EXACT(kept.trLsANB, blank.trLsANB);
+    COMPARE_EXACT(kept.trLsBNB, blank.trLsBNB);
     // The target's flag has no say.
     for (PointRow& changed : rows) {
         changed.useVicRefs = false;
@@ -140,24 +140,24 @@ void tst_ThicknessRatio::noRowGivesNotANumber()
     for (const PointRows& rows : {PointRows(), PointRows(8)}) {
         const ThicknessRatios found = ratios(rows);
         for (const double figure :
-             {found.sumBySum, found.mean, found.lsA, found.lsB, found.lsANoBlank, found.lsBNoBlank})
+             {found.trSbyS, found.trMean, found.trLsA, found.trLsB, found.trLsANB, found.trLsBNB})
             QVERIFY(std::isnan(figure));
-        COMPARE_EXACT(found.edgeJumps, 0.75);
+        COMPARE_EXACT(found.trVic2, 0.75);
     }
 }
 
 void tst_ThicknessRatio::zeroReferenceGivesInfiniteMean()
 {
     const ThicknessRatios found = ratios({row(3, 0), row(1, 2)});
-    QVERIFY(std::isinf(found.mean));
-    COMPARE_EXACT(found.sumBySum, 2.0);
+    QVERIFY(std::isinf(found.trMean));
+    COMPARE_EXACT(found.trSbyS, 2.0);
 }
 
 void tst_ThicknessRatio::edgeJumpsOfMissingSpectra()
 {
-    QVERIFY(thicknessRatios({}, 0, 4).edgeJumps == 0.0);
-    QVERIFY(std::isinf(thicknessRatios({}, 3, 0).edgeJumps));
-    QVERIFY(std::isnan(thicknessRatios({}, 0, 0).edgeJumps));
+    QVERIFY(thicknessRatios({}, 0, 4).trVic2 == 0.0);
+    QVERIFY(std::isinf(thicknessRatios({}, 3, 0).trVic2));
+    QVERIFY(std::isnan(thicknessRatios({}, 0, 0).trVic2));
 }
 
 void tst_ThicknessRatio::selection()

@@ -229,7 +229,7 @@ void tst_MapPanel::exactMap()
     const QStringList messages = calc();
     QCOMPARE(messages.size(), 1);
     QVERIFY(messages[0].startsWith(QLatin1String("sbys = ")));
-    const double rho = panel().thicknessRatioFigures().edgeJumps;
+    const double rho = panel().thicknessRatioFigures().trVic2;
     compareWith([=](const plain::PixelInput& in) { return plain::fourPointExact(in, rho); });
     for (std::size_t i = 0; i < pixels; ++i) {
         QVERIFY(std::abs(panel().lastMap().a[i] - shareOf(static_cast<int>(i))) < 1e-2);
@@ -251,7 +251,7 @@ void tst_MapPanel::leastSquaresMaps()
     loadMaps(used);
     useRows(used);
     QCOMPARE(calc().size(), 1);
-    const double rho = panel().thicknessRatioFigures().edgeJumps;
+    const double rho = panel().thicknessRatioFigures().trVic2;
     compareWith([=](const plain::PixelInput& in) { return plain::fourPointLeastSquares(in, rho); });
 }
 
@@ -381,7 +381,7 @@ void tst_MapPanel::thicknessButtonRecalculates()
     QVERIFY(messages[0].startsWith(QLatin1String("sbys = ")));
     QCOMPARE(messages[1], QStringLiteral("Target File1 is not valid."));
     QVERIFY(panel().lastMap().a[1] != before);
-    const double rho = panel().thicknessRatioFigures().mean;
+    const double rho = panel().thicknessRatioFigures().trMean;
     compareWith([=](const plain::PixelInput& in) { return plain::fourPointLeastSquares(in, rho); });
 }
 
