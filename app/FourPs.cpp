@@ -1,5 +1,6 @@
 #include "app/FourPs.h"
 
+#include "app/PanelAccess.h"
 #include "display/DispABase.h"
 #include "display/MarkLine.h"
 #include "display/MarkLines.h"
@@ -39,6 +40,8 @@ FourPs::FourPs(QWidget* parent) : QFrame(parent)
     connectConditions();
     buildMarkLines();
     receiveNewDir(QDir::currentPath());
+    nameControls(*this);
+    orderTabs(*this);
 }
 
 FourPs::~FourPs()

@@ -6,6 +6,10 @@
 
 int main(int argc, char* argv[])
 {
+    // On screens of many points an inch everything grows alike, not the letters alone.
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QApplication::setHighDpiScaleFactorRoundingPolicy(
+        Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     QApplication application(argc, argv);
     QTranslator catalogue;
     if (wantsJapanese(QApplication::arguments())) {

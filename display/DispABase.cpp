@@ -36,6 +36,16 @@ DispABase::DispABase(QWidget* parent)
 
 DispABase::~DispABase() = default;
 
+void DispABase::setTitle(const QString& title)
+{
+    Title->setText(title);
+    DispA->setAccessibleName(title);
+    const QString part = QStringLiteral("%1, %2");
+    XPos->setAccessibleName(part.arg(title, label->text().trimmed()));
+    YPos->setAccessibleName(part.arg(title, label_2->text().trimmed()));
+    PopDockB->setAccessibleName(part.arg(title, PopDockB->text()));
+}
+
 void DispABase::setRangeOnce(double x0, double y0, double x1, double y1)
 {
     if (DispA->rangeSet)

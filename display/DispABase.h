@@ -28,6 +28,10 @@ public:
     bool xTitleInGraph = false; ///< the title is painted in the graph, its label stays empty
     bool yTitleInGraph = false;
 
+    /// Shows the panel's title and names the canvas, the read-outs and the button after it, for
+    /// screen readers.
+    void setTitle(const QString& title);
+
     /// Gives the canvas its data range unless it has one, so that a zoomed or moved view stays
     /// until a double click.
     void setRangeOnce(double x0, double y0, double x1, double y1);

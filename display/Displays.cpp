@@ -24,7 +24,7 @@ void Displays::addDisp(DispABase* panel, const QString& title, Displays::DispId 
 {
     panel->xTitleInGraph = true;
     panel->yTitleInGraph = true;
-    panel->Title->setText(title);
+    panel->setTitle(title);
     if (column >= 0 && row >= 0)
         DispL->addWidget(panel, row, column, rowSpan, columnSpan);
     else

@@ -63,6 +63,14 @@ QFileDialog* AFileSelect::dialog()
     return m_dialog.get();
 }
 
+void AFileSelect::nameParts(const QString& name)
+{
+    const QString button = QStringLiteral("%1, %2");
+    FileName->setAccessibleName(name);
+    SelectB->setAccessibleName(button.arg(name, SelectB->text()));
+    ClearB->setAccessibleName(button.arg(name, ClearB->text()));
+}
+
 void AFileSelect::showDialog()
 {
     dialog()->show();

@@ -28,6 +28,9 @@ public:
     QString label() const { return Label->text(); }
     void setLabel(const QString& text) { Label->setText(text); }
 
+    /// Names the line and the buttons for screen readers.
+    void nameParts(const QString& name);
+
     /// Open or Save; any other value changes nothing but the stored mode.
     void setMode(int mode);
     int mode() const { return m_mode; }
