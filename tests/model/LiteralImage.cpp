@@ -30,8 +30,8 @@ void Image::loadOpened(QIODevice& device)
     QTextStream stream(&device);
     const QRegularExpression blanks(QStringLiteral("\\s+"));
     while (!stream.atEnd()) {
-        const QString line = stream.readLine().simplified();
-        const QStringList tokens = line.split(blanks);
+        const QString line = stream.readLine();
+        const QStringList tokens = line.simplified().split(blanks);
         if (tokens[0].startsWith(QLatin1Char('#')))
             takeHeader(line, tokens);
         else if (tokens.size() == 3)

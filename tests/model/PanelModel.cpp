@@ -108,7 +108,9 @@ void PanelModel::lookUp(int row, int selector)
 {
     double mut = 0.0;
     const QString field = inRow(row, mutNames[selector]);
-    if (selectors[selector].muTAt(rowNumber(row, "energy"), mut))
+    // A row without an energy has no mu-t.
+    const bool hasEnergy = !texts[inRow(row, "energy")].trimmed().isEmpty();
+    if (hasEnergy && selectors[selector].muTAt(rowNumber(row, "energy"), mut))
         texts[field] = sixDigits(mut);
     else
         texts[field].clear();

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "tests/model/PanelModel.h"
+#include "tests/model/RandomFiles.h"
+
+#include <QMap>
+#include <QRandomGenerator>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+class AFileSelect;
+class FourPs;
+class QAbstractButton;
+class QLineEdit;
+
+/// A person at the real panel who does one thing after another at random, and the model that is
+/// told of each. What differs between the two is put into words.
+class PanelSession
+{
+public:
+    PanelSession(quint32 seed, const QString& folder);
+    ~PanelSession();
+
+    /// One act. False if the panel and the model differ afterwards.
+    bool step();
+    /// The differences and all acts that led to them.
+    QString report() const;
+    int drags() const { return m_drags; }
+    int written() const { return m_written; }
+
+private:
+    using Act = void (PanelSession::*)();
+
+    int below(int limit) { return m_random.bounded(limit); }
+    bool chance(int percent) { return below(100) < percent; }
+    QString anyOf(const QStringList& list) { return list.at(below(list.size())); }
+    QString anyRow(const char* field) { return literal::PanelModel::inRow(1 + below(8), field); }
+
+    void nameWidgets();
+    void nameRow(int row);
+    void listen(const QString& name, QLineEdit* edit);
+    Act chooseAct();
+
+    void setUp();
+    void dropSpectrum();
+    void dropImage();
+    void chooseInDialog();
+    void chooseImages();
+    void chooseDisplayFiles();
+    void selectDisplayFile();
+    void clearSelector();
+    void clickRow();
+    void clickOption();
+    void pushButton();
+    void writeResults();
+    void typeEnergy();
+    void typeEdge();
+    void typeSetting();
+    void typeMut();
+    void dragLine();
+    void showGraphs();
+
+    void act(const QString& description) { m_acts.append(description); }
+    void click(const QString& name);
+    void typeInto(const QString& name, const QString& text);
+    void dropOn(const QString& selector, const QString& path);
+    void mouse(QWidget* widget, int type, QPoint at, Qt::MouseButtons held);
+    QString oddText();
+
+    void compare();
+    void differ(const QString& what, const QString& is, const QString& expected);
+    void compareMessages();
+    void compareDisplayFiles();
+    void compareOutput();
+    QMap<QString, QByteArray> outputFiles() const;
+
+    QRandomGenerator m_random;
+    QString m_folder;
+    RandomFiles m_files;
+    std::unique_ptr<FourPs> m_panel;
+    literal::PanelModel m_model;
+    QMap<QString, QLineEdit*> m_edits;
+    QMap<QString, QAbstractButton*> m_buttons;
+    QMap<QString, AFileSelect*> m_selectors;
+    QMap<QString, QByteArray> m_expectedFiles;
+    QStringList m_acts;
+    QStringList m_differences;
+    int m_drags = 0;
+    int m_written = 0;
+};
