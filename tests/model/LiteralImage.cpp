@@ -28,7 +28,7 @@ void Image::loadOpened(QIODevice& device)
     columns = 0;
     rows = 0;
     QTextStream stream(&device);
-    const QRegularExpression blanks(QStringLiteral("\\s+"));
+    static const QRegularExpression blanks(QStringLiteral("\\s+"));
     while (!stream.atEnd()) {
         const QString line = stream.readLine();
         const QStringList tokens = line.simplified().split(blanks);

@@ -92,7 +92,7 @@ bool Spectrum::readOpened(const QString& path, QIODevice& device)
     double d = 3.1355316;
     bool started = false;
     QTextStream stream(&device);
-    const QRegularExpression blanks(QStringLiteral("\\s+"));
+    static const QRegularExpression blanks(QStringLiteral("\\s+"));
     while (!stream.atEnd()) {
         const QStringList tokens = stream.readLine().simplified().split(blanks);
         if (started && tokens.size() > 4) {

@@ -1,0 +1,216 @@
+#include "tests/fuzz/LiteralJob.h"
+
+#include <QDir>
+#include <QLocale>
+#include <QStringList>
+
+#include <toml++/toml.h>
+
+#include <cmath>
+
+namespace literal
+{
+
+namespace
+{
+
+std::string_view view(const QByteArray& text)
+{
+    return {text.constData(), static_cast<std::size_t>(text.size())};
+}
+
+QString fromUtf8(const std::string& text)
+{
+    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+}
+
+bool onlyKeys(const toml::table& table, const QStringList& known)
+{
+    for (const auto& entry : table) {
+        if (!known.contains(fromUtf8(std::string(entry.first.str()))))
+            return false;
+    }
+    return true;
+}
+
+/// The values of one table by their keys; `ok` falls where one has not the type asked for.
+struct Reading {
+    const toml::table* table = nullptr;
+    bool ok = true;
+
+    const toml::node* node(const char* key) const { return table ? table->get(key) : nullptr; }
+
+    QString number(const char* key)
+    {
+        const toml::node* value = node(key);
+        if (!value)
+            return {};
+        if (value->is_integer())
+            return QString::number(static_cast<qlonglong>(**value->as_integer()));
+        if (value->is_floating_point() && std::isfinite(**value->as_floating_point()))
+            return QString::number(**value->as_floating_point(), 'g',
+                                   QLocale::FloatingPointShortest);
+        ok = false;
+        return {};
+    }
+
+    std::optional<bool> flag(const char* key)
+    {
+        const toml::node* value = node(key);
+        if (!value)
+            return std::nullopt;
+        if (value->is_boolean())
+            return **value->as_boolean();
+        ok = false;
+        return std::nullopt;
+    }
+
+    std::optional<int> word(const char* key, const QStringList& words)
+    {
+        const toml::node* value = node(key);
+        if (!value)
+            return std::nullopt;
+        const int index = value->is_string() ? words.indexOf(fromUtf8(**value->as_string())) : -1;
+        if (index >= 0)
+            return index;
+        ok = false;
+        return std::nullopt;
+    }
+
+    QString path(const char* key, const QString& folder)
+    {
+        const toml::node* value = node(key);
+        if (!value)
+            return {};
+        if (value->is_string() && !value->as_string()->get().empty())
+            return QDir(folder).filePath(fromUtf8(**value->as_string()));
+        ok = false;
+        return {};
+    }
+};
+
+Reading section(const toml::table& root, const char* key, const char* keys)
+{
+    Reading reading;
+    const toml::node* node = root.get(key);
+    if (!node)
+        return reading;
+    reading.table = node->as_table();
+    reading.ok = reading.table &&
+                 onlyKeys(*reading.table, QString::fromLatin1(keys).split(QLatin1Char(' ')));
+    return reading;
+}
+
+bool readFiles(const toml::table& root, const QString& folder, Job& job)
+{
+    Reading files = section(root, "files", "ref1 ref2 target blank");
+    const char* const names[] = {"ref1", "ref2", "target", "blank"};
+    for (std::size_t i = 0; i < 4; ++i)
+        job.spectra.at(i).path = files.path(names[i], folder);
+    return files.ok;
+}
+
+bool readNumbers(const toml::table& root, Job& job)
+{
+    Reading edge = section(root, "edge", "energy pre_edge_end post_edge_start");
+    job.edge = edge.number("energy");
+    job.preEdgeEnd = edge.number("pre_edge_end");
+    job.postEdgeStart = edge.number("post_edge_start");
+    Reading valences = section(root, "valences", "ref1 ref2");
+    job.valence1 = valences.number("ref1");
+    job.valence2 = valences.number("ref2");
+    return edge.ok && valences.ok;
+}
+
+bool readConditions(const toml::table& root, Job& job)
+{
+    Reading conditions =
+        section(root, "conditions",
+                "thickness references_minus_victreen target_minus_victreen victreen method");
+    const QString ratios =
+        QStringLiteral("sum-by-sum mean least-squares least-squares-no-blank victreen");
+    const ThicknessType types[] = {ThicknessType::SumBySum, ThicknessType::Mean,
+                                   ThicknessType::LeastSquares, ThicknessType::LeastSquaresNoBlank,
+                                   ThicknessType::EdgeJumps};
+    if (const auto ratio = conditions.word("thickness", ratios.split(QLatin1Char(' '))))
+        job.thickness = types[*ratio];
+    job.referencesMinusVictreen = conditions.flag("references_minus_victreen");
+    job.targetMinusVictreen = conditions.flag("target_minus_victreen");
+    if (const auto line =
+            conditions.word("victreen", {QStringLiteral("post"), QStringLiteral("pre")}))
+        job.victreenIsPre = *line == 1;
+    if (const auto method =
+            conditions.word("method", {QStringLiteral("least-squares"), QStringLiteral("exact")}))
+        job.exactMethod = *method == 1;
+    return conditions.ok;
+}
+
+bool readPoint(const toml::table& table, std::vector<JobPoint>& points)
+{
+    Reading reading{&table,
+                    onlyKeys(table, {QStringLiteral("energy"), QStringLiteral("use"),
+                                     QStringLiteral("t_ratio"), QStringLiteral("v_point")})};
+    JobPoint point;
+    point.energy = reading.number("energy");
+    point.use = reading.flag("use").value_or(true);
+    point.tRatio = reading.flag("t_ratio").value_or(false);
+    point.vPoint = reading.flag("v_point").value_or(false);
+    points.push_back(point);
+    return reading.ok && table.contains("energy");
+}
+
+bool readPoints(const toml::table& root, Job& job)
+{
+    const toml::node* node = root.get("point");
+    if (!node)
+        return true;
+    const toml::array* array = node->as_array();
+    if (!array || array->empty() || array->size() > 8)
+        return false;
+    std::vector<JobPoint> points;
+    int vPoints = 0;
+    for (const toml::node& row : *array) {
+        if (!row.is_table() || !readPoint(*row.as_table(), points))
+            return false;
+        vPoints += points.back().vPoint ? 1 : 0;
+    }
+    job.points = points;
+    return vPoints == 1;
+}
+
+bool readCalculate(const toml::table& root, Job& job)
+{
+    const toml::node* node = root.get("calculate");
+    if (!node)
+        return true;
+    const toml::array* array = node->as_array();
+    if (!array || array->empty())
+        return false;
+    QStringList names;
+    for (const toml::node& item : *array)
+        names.append(item.is_string() ? fromUtf8(**item.as_string()) : QString());
+    job.calculateTarget = names.contains(QStringLiteral("target"));
+    job.calculateLcf = names.contains(QStringLiteral("lcf"));
+    names.removeAll(QStringLiteral("target"));
+    names.removeAll(QStringLiteral("lcf"));
+    return names.isEmpty();
+}
+
+} // namespace
+
+bool readJob(const QByteArray& text, const QString& folder, Job& job)
+{
+    toml::table root;
+    try {
+        root = toml::parse(view(text));
+    } catch (const toml::parse_error&) {
+        return false;
+    }
+    const QStringList keys{QStringLiteral("files"),      QStringLiteral("edge"),
+                           QStringLiteral("valences"),   QStringLiteral("point"),
+                           QStringLiteral("conditions"), QStringLiteral("calculate")};
+    return onlyKeys(root, keys) && readFiles(root, folder, job) && readNumbers(root, job) &&
+           readConditions(root, job) && readPoints(root, job) && readCalculate(root, job);
+}
+
+} // namespace literal
