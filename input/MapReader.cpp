@@ -22,12 +22,12 @@ namespace
 constexpr int utf8 = 106;
 constexpr int latin1 = 4;
 
-/// True for an encoding that reads ASCII as what it is.
+/// True for an encoding that reads ASCII as what it is, control characters too.
 bool keepsAscii(const QTextCodec& codec)
 {
     QByteArray ascii;
-    for (char c = ' '; c < '\x7f'; ++c)
-        ascii.append(c);
+    for (int c = 0; c < 0x80; ++c)
+        ascii.append(static_cast<char>(c));
     return codec.toUnicode(ascii) == QLatin1String(ascii);
 }
 

@@ -1,7 +1,6 @@
 #include "tests/model/LiteralImage.h"
 
 #include <QFile>
-#include <QRegularExpression>
 #include <QTextStream>
 
 #include <cmath>
@@ -28,10 +27,9 @@ void Image::loadOpened(QIODevice& device)
     columns = 0;
     rows = 0;
     QTextStream stream(&device);
-    static const QRegularExpression blanks(QStringLiteral("\\s+"));
     while (!stream.atEnd()) {
         const QString line = stream.readLine();
-        const QStringList tokens = line.simplified().split(blanks);
+        const QStringList tokens = line.simplified().split(QLatin1Char(' '));
         if (tokens[0].startsWith(QLatin1Char('#')))
             takeHeader(line, tokens);
         else if (tokens.size() == 3)

@@ -3,7 +3,6 @@
 #include "tests/model/LiteralSolver.h"
 
 #include <QFile>
-#include <QRegularExpression>
 #include <QStringList>
 #include <QTextStream>
 
@@ -92,9 +91,8 @@ bool Spectrum::readOpened(const QString& path, QIODevice& device)
     double d = 3.1355316;
     bool started = false;
     QTextStream stream(&device);
-    static const QRegularExpression blanks(QStringLiteral("\\s+"));
     while (!stream.atEnd()) {
-        const QStringList tokens = stream.readLine().simplified().split(blanks);
+        const QStringList tokens = stream.readLine().simplified().split(QLatin1Char(' '));
         if (started && tokens.size() > 4) {
             processRow(tokens, d);
             continue;

@@ -1,0 +1,64 @@
+#include "batch/JobFile.h"
+#include "tests/fuzz/LiteralJob.h"
+#include "tests/fuzz/ReaderChecks.h"
+
+namespace
+{
+
+bool samePoints(const Job& job, const Job& expected)
+{
+    if (job.points.has_value() != expected.points.has_value())
+        return false;
+    if (!job.points)
+        return true;
+    return std::equal(job.points->begin(), job.points->end(), expected.points->begin(),
+                      expected.points->end(), [](const JobPoint& a, const JobPoint& b) {
+                          return a.energy == b.energy && a.use == b.use && a.tRatio == b.tRatio &&
+                                 a.vPoint == b.vPoint;
+                      });
+}
+
+bool samePaths(const Job& job, const Job& expected)
+{
+    return std::equal(job.spectra.begin(), job.spectra.end(), expected.spectra.begin(),
+                      [](const JobSpectrum& a, const JobSpectrum& b) { return a.path == b.path; });
+}
+
+const char* settingsDifference(const Job& job, const Job& expected)
+{
+    if (!samePaths(job, expected))
+        return "paths";
+    if (job.edge != expected.edge || job.preEdgeEnd != expected.preEdgeEnd ||
+        job.postEdgeStart != expected.postEdgeStart)
+        return "edge";
+    if (job.valence1 != expected.valence1 || job.valence2 != expected.valence2)
+        return "valences";
+    if (job.thickness != expected.thickness ||
+        job.referencesMinusVictreen != expected.referencesMinusVictreen ||
+        job.targetMinusVictreen != expected.targetMinusVictreen ||
+        job.victreenIsPre != expected.victreenIsPre || job.exactMethod != expected.exactMethod)
+        return "conditions";
+    if (job.calculateTarget != expected.calculateTarget ||
+        job.calculateLcf != expected.calculateLcf)
+        return "calculations";
+    return samePoints(job, expected) ? nullptr : "rows";
+}
+
+} // namespace
+
+const char* check::jobDifference(const QByteArray& text)
+{
+    const QString folder = QStringLiteral("/data");
+    JobError error;
+    const std::optional<Job> job = parseJob(text, folder, error);
+    Job expected;
+    if (literal::readJob(text, folder, expected) != job.has_value())
+        return "whether it is a job";
+    if (job)
+        return settingsDifference(*job, expected);
+    if (error.line < 1 || error.line > text.count('\n') + 1)
+        return "the line of the refusal";
+    if (error.reason.isEmpty() || error.reason.contains(QLatin1Char('\n')))
+        return "the reason of the refusal";
+    return nullptr;
+}
