@@ -46,6 +46,8 @@ FourPs::FourPs(QWidget* parent) : QFrame(parent)
 
 FourPs::~FourPs()
 {
+    // Hiding takes the keyboard from a field; what follows from that needs the panel whole.
+    hide();
     // The window without a parent, and rows whose widgets live in the table.
     delete displays;
     qDeleteAll(ePoints);

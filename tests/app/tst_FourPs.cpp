@@ -131,6 +131,7 @@ private slots:
     void lcfFindsTheFraction();
     void numbersIgnoreTheLocale();
     void graphWindowShows();
+    void goesWithTheKeyboardInAField();
 };
 
 void tst_FourPs::startsWithNineRefusals()
@@ -619,6 +620,20 @@ void tst_FourPs::graphWindowShows()
     QVERIFY(!m_panel->displays->isVisible());
     user::click(m_panel->ShowDAB);
     QVERIFY(m_panel->displays->isVisible());
+}
+
+void tst_FourPs::goesWithTheKeyboardInAField()
+{
+    QApplication::setActiveWindow(m_panel.get());
+    m_panel->EdgeE->setFocus();
+    QVERIFY(m_panel->EdgeE->hasFocus());
+    // The field tells that it is left when its window goes, and must still reach a whole panel.
+    QObject* panel = m_panel.get();
+    bool wholeThen = false;
+    connect(m_panel->EdgeE, &QLineEdit::editingFinished, this,
+            [=, &wholeThen] { wholeThen = qobject_cast<FourPs*>(panel) != nullptr; });
+    m_panel.reset();
+    QVERIFY(wholeThen);
 }
 
 QTEST_MAIN(tst_FourPs)

@@ -230,8 +230,8 @@ void PanelModel::removeDisplayFile()
         return;
     displayData.remove(currentDisplayFile);
     displayFiles.removeAt(currentDisplayFile);
-    // The toolkit's list then shows the item before; where the first went it shows none.
-    currentDisplayFile -= 1;
+    // The toolkit's list then shows the next item, or the new last one.
+    currentDisplayFile = qMin(currentDisplayFile, displayFiles.size() - 1);
 }
 
 void PanelModel::giveFile(const QString& selector, const QString& path)

@@ -28,7 +28,10 @@ PanelSession::PanelSession(quint32 seed, const QString& folder)
     setUp();
 }
 
-PanelSession::~PanelSession() = default;
+PanelSession::~PanelSession()
+{
+    m_panel.reset(); // a field may be left while the panel goes, and the model is told of it
+}
 
 void PanelSession::nameWidgets()
 {

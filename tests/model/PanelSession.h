@@ -27,6 +27,7 @@ public:
     bool step();
     /// The differences and all acts that led to them.
     QString report() const;
+    QStringList messages() const { return m_model.messages; }
     int drags() const { return m_drags; }
     int written() const { return m_written; }
 
@@ -79,8 +80,8 @@ private:
     QRandomGenerator m_random;
     QString m_folder;
     RandomFiles m_files;
+    literal::PanelModel m_model; // told of fields that are left until the panel is gone
     std::unique_ptr<FourPs> m_panel;
-    literal::PanelModel m_model;
     QMap<QString, QLineEdit*> m_edits;
     QMap<QString, QAbstractButton*> m_buttons;
     QMap<QString, AFileSelect*> m_selectors;

@@ -66,6 +66,8 @@ void PanelSession::setUp()
     }
     if (chance(80))
         click(QStringLiteral("DispCondsB"));
+    if (chance(30))
+        click(QStringLiteral("TypeTMKisExact"));
     compare();
 }
 
