@@ -236,6 +236,8 @@ void tst_Batch::exampleIsRecovered()
     QVERIFY2(qAbs(found[0] - 0.35) < 5e-5, qPrintable(line));
     QVERIFY2(qAbs(found[1] - 2.65) < 5e-5, qPrintable(line));
     QVERIFY2(qAbs(found[2] - 0.8) < 5e-5, qPrintable(line));
+    const QString fit = output.text.section(QStringLiteral("LCFRes: a : (1-a) = "), 1);
+    QVERIFY2(qAbs(fit.section(QLatin1Char(' '), 0, 0).toDouble() - 0.35) < 1e-3, qPrintable(fit));
 }
 
 void tst_Batch::onlyWhatTheJobAsksFor()
