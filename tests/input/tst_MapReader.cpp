@@ -602,7 +602,7 @@ void tst_MapReader::emptyAndOddFiles_data()
                                                   14);
     QTest::newRow("binary") << QByteArray("\x7f"
                                           "ELF\x02\x01\x01\0\xff\xfe 1 2 3 4\n\n\n",
-                                          24);
+                                          21);
     QTest::newRow("long tokens") << QByteArray(30000, '1') + " 0." + QByteArray(30000, '0') +
                                         "1e30001 " + QByteArray(20000, '0') + "5 6\n";
     QTest::newRow("wide blanks") << QByteArray(50000, ' ') + "1" + QByteArray(50000, '\t') +

@@ -13,7 +13,9 @@ namespace canvas
 inline void send(QWidget* target, QEvent::Type type, QPointF pos, Qt::MouseButton button,
                  Qt::MouseButtons held, Qt::KeyboardModifiers modifiers)
 {
-    QMouseEvent event(type, pos, target->mapToGlobal(pos.toPoint()), button, held, modifiers);
+    // Places on the screen are whole numbers: one that no int holds is moved to a very far one.
+    const QPointF near(qBound(-1e6, pos.x(), 1e6), qBound(-1e6, pos.y(), 1e6));
+    QMouseEvent event(type, pos, target->mapToGlobal(near.toPoint()), button, held, modifiers);
     QApplication::sendEvent(target, &event);
 }
 
