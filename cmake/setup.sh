@@ -7,7 +7,7 @@ packages=(
     cmake ninja-build g++
     qtbase5-dev qttools5-dev qttools5-dev-tools qtwayland5
     libtomlplusplus-dev libbenchmark-dev librsvg2-bin
-    xvfb xauth
+    xvfb xauth xdotool
     fonts-dejavu-core fonts-ipafont-gothic
 )
 

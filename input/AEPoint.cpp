@@ -5,9 +5,23 @@
 
 #include <QFileInfo>
 
+namespace
+{
+
+/// Width of a field in which every number of six digits is seen whole.
+int widthForNumbers(const QLineEdit* field)
+{
+    constexpr int frameAndMargins = 12;
+    return field->fontMetrics().horizontalAdvance(QStringLiteral("-1.23457e-05")) + frameAndMargins;
+}
+
+} // namespace
+
 AEPoint::AEPoint(QWidget* parent) : QFrame(parent)
 {
     setupUi(this);
+    for (QLineEdit* field : {Mut1, Mut2, MutT, MutBlank})
+        field->setMinimumWidth(widthForNumbers(field));
     connect(MapFile, &AFileSelect::newDir, this, &AEPoint::newDir);
     connect(MapFile, &AFileSelect::newFilePath, this, &AEPoint::loadData);
     connect(Energy, &QLineEdit::editingFinished, this, &AEPoint::inNewEnergy);
