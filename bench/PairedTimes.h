@@ -15,7 +15,17 @@ public:
     template <typename Program, typename Plain>
     void run(benchmark::State& state, const Program& program, const Plain& plain)
     {
+        run(state, program, plain, [] {});
+    }
+
+    /// The same with something that happens before each of them and is not timed.
+    template <typename Program, typename Plain, typename Before>
+    void run(benchmark::State& state, const Program& program, const Plain& plain,
+             const Before& before)
+    {
+        before();
         m_plain.push_back(seconds(plain));
+        before();
         m_program.push_back(seconds(program));
         state.SetIterationTime(m_program.back());
     }

@@ -35,8 +35,8 @@ public:
     std::vector<QPoint> pixels() const;
 
 private:
-    QSize m_size;                       ///< canvas and reach
-    std::vector<unsigned char> m_marks; ///< 1 where there is a dot
+    QSize m_size;                       ///< canvas and margins
+    std::vector<unsigned char> m_cells; ///< 1 where there is a dot
 };
 
 /// A cloud of dots that is painted as one drawDot() for each point would paint it, at the cost of a
