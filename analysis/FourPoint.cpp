@@ -47,10 +47,10 @@ FourPointLeastSquares::FourPointLeastSquares(const PointRows& rows, const PointC
         const double s = referenceSum(rows[i]);
         m_energy.push_back(e);
         m_sum.push_back(s);
-        m_n += 1.0;
-        m_sumE += e;
-        m_sumEE += e * e;
-        m_sumS += s;
-        m_sumES += e * s;
+        m_sums.n += 1.0;
+        m_sums.e += e;
+        m_sums.ee += e * e;
+        m_sums.s += s;
+        m_sums.es += e * s;
     }
 }

@@ -68,6 +68,16 @@ private:
     double m_dS;
 };
 
+/// Sums over the normalization points that do not depend on the target: energies E (eV) and sums of
+/// the references S.
+struct NormalSums {
+    double n = 0.0;
+    double e = 0.0;
+    double ee = 0.0;
+    double s = 0.0;
+    double es = 0.0;
+};
+
 /// Least-squares form: the sum of the references is regressed on energy and target,
 /// S = x0 + x1 E + x2 T, over all normalization points. Regressing S and not T is the definition;
 /// noisy data give other numbers the other way round.
@@ -78,6 +88,9 @@ public:
     FourPointLeastSquares(const PointRows& rows, const PointChoice& choice);
 
     std::size_t size() const { return m_energy.size(); }
+    double pointEnergy(std::size_t i) const { return m_energy[i]; }
+    double pointSum(std::size_t i) const { return m_sum[i]; }
+    const NormalSums& sums() const { return m_sums; }
 
     /// @param t  the target's mu-t at each normalization point [size()]
     TargetScale scale(const double* t) const
@@ -93,17 +106,13 @@ public:
             sumTS += t[i] * m_sum[i];
         }
         const Vector<3> x = solveLinear<3>(
-            {{{m_n, m_sumE, sumT}, {m_sumE, m_sumEE, sumET}, {sumT, sumET, sumTT}}},
-            {m_sumS, m_sumES, sumTS});
+            {{{m_sums.n, m_sums.e, sumT}, {m_sums.e, m_sums.ee, sumET}, {sumT, sumET, sumTT}}},
+            {m_sums.s, m_sums.es, sumTS});
         return {x[2], -x[0] / x[2], -x[1] / x[2]};
     }
 
 private:
     std::vector<double> m_energy; ///< eV
     std::vector<double> m_sum;    ///< sums of the references
-    double m_n = 0.0;
-    double m_sumE = 0.0;
-    double m_sumEE = 0.0;
-    double m_sumS = 0.0;
-    double m_sumES = 0.0;
+    NormalSums m_sums;
 };

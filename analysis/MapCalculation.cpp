@@ -1,8 +1,7 @@
 #include "analysis/MapCalculation.h"
 
 #include "analysis/AvailableMemory.h"
-#include "analysis/FourPoint.h"
-#include "analysis/ThreePoint.h"
+#include "analysis/MapKernels.h"
 
 #include <algorithm>
 #include <array>
@@ -11,8 +10,8 @@
 namespace
 {
 
-/// Pixels of one task: small enough that its numbers stay in a core's cache.
-constexpr std::size_t blockSize = 4096;
+/// Pixels of one task.
+constexpr std::size_t taskSize = 16 * kernelBlock;
 
 /// Target value of a pixel that an image does not have.
 constexpr double missingPixel = -1.0;
@@ -53,51 +52,6 @@ private:
     std::vector<double> m_copy;
 };
 
-/// Where a block's results go.
-struct BlockResults {
-    double* a;
-    double* t;
-    std::size_t count;
-};
-
-using BlockInputs = std::vector<const double*>; ///< normalization points, then the V point
-
-void threePointBlock(const ThreePoint& method, const BlockInputs& in, const BlockResults& out)
-{
-    const double* t0 = in[0];
-    const double* t1 = in[1];
-    const double* tV = in.back();
-    for (std::size_t i = 0; i < out.count; ++i) {
-        out.a[i] = method.fraction(t0[i], t1[i], tV[i]);
-        out.t[i] = method.thickness(t0[i], t1[i]);
-    }
-}
-
-void exactBlock(const FourPointExact& method, const VPointFraction& fraction, const BlockInputs& in,
-                const BlockResults& out)
-{
-    const double* tV = in.back();
-    for (std::size_t i = 0; i < out.count; ++i) {
-        const TargetScale scale = method.scale(in[0][i], in[1][i], in[2][i]);
-        out.a[i] = fraction.at(scale, tV[i]);
-        out.t[i] = scale.thickness();
-    }
-}
-
-void leastSquaresBlock(const FourPointLeastSquares& method, const VPointFraction& fraction,
-                       const BlockInputs& in, const BlockResults& out)
-{
-    const std::size_t n = method.size();
-    std::vector<double> target(n);
-    for (std::size_t i = 0; i < out.count; ++i) {
-        for (std::size_t k = 0; k < n; ++k)
-            target[k] = in[k][i];
-        const TargetScale scale = method.scale(target.data());
-        out.a[i] = fraction.at(scale, in.back()[i]);
-        out.t[i] = scale.thickness();
-    }
-}
-
 /// The chosen method with everything that does not depend on the target.
 class Kernel
 {
@@ -129,18 +83,34 @@ private:
     VPointFraction m_fraction;
 };
 
-/// Rows of the table that a kernel takes its target values from: the normalization points and,
-/// last, the V point. A table with too few normalization points is filled up with the V point; the
-/// results are not-a-number then, whatever the values.
-std::vector<std::size_t> inputRows(const MapTask& task)
+/// Target values of a block at all points. A table with too few normalization points is filled up
+/// with the V point; the results are not-a-number then, whatever the values.
+class BlockSource
 {
-    const std::size_t needed = task.method == Method::ThreePoint ? 2 : 3;
-    std::vector<std::size_t> rows = task.choice.normalization;
-    while (rows.size() < needed)
-        rows.push_back(task.choice.vPoint);
-    rows.push_back(task.choice.vPoint);
-    return rows;
-}
+public:
+    explicit BlockSource(const MapTask& task) : m_v(task.images[task.choice.vPoint], task.columns)
+    {
+        const std::size_t needed = task.method == Method::ThreePoint ? 2 : 3;
+        for (const std::size_t row : task.choice.normalization)
+            m_points.emplace_back(task.images[row], task.columns);
+        while (m_points.size() < needed)
+            m_points.push_back(m_v);
+        m_inputs.t.resize(m_points.size());
+    }
+
+    const BlockInputs& at(std::size_t first, std::size_t count)
+    {
+        for (std::size_t i = 0; i < m_points.size(); ++i)
+            m_inputs.t[i] = m_points[i].at(first, count);
+        m_inputs.tV = m_v.at(first, count);
+        return m_inputs;
+    }
+
+private:
+    std::vector<BlockValues> m_points;
+    BlockValues m_v;
+    BlockInputs m_inputs;
+};
 
 std::size_t pixelCount(int columns, int rows)
 {
@@ -184,20 +154,16 @@ bool calculateMap(const MapTask& task, MapResults& results, const MapBlockSink& 
     results.positions = task.positions;
 
     const Kernel kernel(task);
-    const std::vector<std::size_t> rows = inputRows(task);
-    workers.run((count + blockSize - 1) / blockSize, [&](std::size_t block, unsigned worker) {
-        const std::size_t first = block * blockSize;
-        const std::size_t n = std::min(blockSize, count - first);
-        std::vector<BlockValues> values;
-        BlockInputs in;
-        for (const std::size_t row : rows)
-            values.emplace_back(task.images[row], task.columns);
-        for (BlockValues& value : values)
-            in.push_back(value.at(first, n));
-        const BlockResults out{results.a.data() + first, results.t.data() + first, n};
-        kernel(in, out);
-        if (sink)
-            sink(worker, out.a, out.t, n);
+    std::vector<BlockSource> sources(workers.size(), BlockSource(task));
+    workers.run((count + taskSize - 1) / taskSize, [&](std::size_t number, unsigned worker) {
+        const std::size_t end = std::min((number + 1) * taskSize, count);
+        for (std::size_t first = number * taskSize; first < end; first += kernelBlock) {
+            const BlockResults out{results.a.data() + first, results.t.data() + first,
+                                   std::min(kernelBlock, end - first)};
+            kernel(sources[worker].at(first, out.count), out);
+            if (sink)
+                sink(worker, out.a, out.t, out.count);
+        }
     });
     return true;
 }

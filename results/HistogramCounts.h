@@ -47,4 +47,7 @@ public:
     /// "dir/res_HGAlpha.dat"; it is written only where it exists already.
     /// @return whether the file could be opened
     bool writeFile(const QString& resultPath, const QString& tag) const;
+
+private:
+    void addSome(const double* values, std::size_t count);
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Bytes that the longest number takes, "-1.23457e-308" and more to spare.
+/// Room for the longest number, "-1.23457e-308", and for writing sixteen bytes at once.
 constexpr int longestNumber = 16;
 
 /// Width of a number's column in a result file.

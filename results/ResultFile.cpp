@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
+#include <map>
+#include <memory>
 #include <mutex>
 #include <sys/stat.h>
 
@@ -83,37 +85,74 @@ private:
     std::size_t m_pixels = 0;
 };
 
-/// Takes blocks from several threads and writes them to the file in order.
+using Buffer = std::unique_ptr<PixelArray<char>>;
+
+/// Takes blocks of text from several threads and writes them to the file in order. A thread that
+/// brings the next block writes it, and those behind it that have come in the meantime; the others
+/// go on with their work.
 class OrderedWriter
 {
 public:
-    explicit OrderedWriter(QFile& file) : m_file(file) {}
+    /// @param waiting  so many blocks may wait for one before them
+    OrderedWriter(QFile& file, std::size_t waiting) : m_file(file), m_maxWaiting(waiting) {}
 
     bool failed() const { return m_failed; }
     void fail() { m_failed = true; }
+
     void write(const char* text, std::size_t size)
     {
         const auto wanted = static_cast<qint64>(size);
         if (!m_failed && m_file.write(text, wanted) != wanted)
             m_failed = true;
     }
-    /// Waits until the blocks before are written. Blocks are handed out in rising order, so that
-    /// the one waited for is always in work.
-    void write(std::size_t block, const PixelArray<char>& text)
+
+    /// A buffer for a block's text, used before where there is one.
+    Buffer takeBuffer()
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_spare.empty())
+            return std::make_unique<PixelArray<char>>();
+        Buffer buffer = std::move(m_spare.back());
+        m_spare.pop_back();
+        return buffer;
+    }
+
+    /// Blocks are handed out in rising order: the one that all others wait for is always in work,
+    /// and it never waits itself.
+    void deliver(std::size_t block, Buffer text)
     {
         std::unique_lock<std::mutex> lock(m_mutex);
-        m_turn.wait(lock, [&] { return m_next == block; });
-        write(text.data(), text.size());
-        ++m_next;
-        m_turn.notify_all();
+        m_room.wait(lock, [&] { return block == m_next || m_waiting.size() < m_maxWaiting; });
+        m_waiting.emplace(block, std::move(text));
+        while (!m_writing && !m_waiting.empty() && m_waiting.begin()->first == m_next)
+            writeNext(lock);
     }
 
 private:
+    void writeNext(std::unique_lock<std::mutex>& lock)
+    {
+        Buffer text = std::move(m_waiting.begin()->second);
+        m_waiting.erase(m_waiting.begin());
+        m_writing = true;
+        lock.unlock();
+        write(text->data(), text->size());
+        lock.lock();
+        m_writing = false;
+        m_spare.push_back(std::move(text));
+        ++m_next;
+        m_room.notify_all();
+    }
+
     QFile& m_file;
-    std::mutex m_mutex;
-    std::condition_variable m_turn;
-    std::size_t m_next = 0;
     std::atomic<bool> m_failed{false};
+
+    std::mutex m_mutex; ///< guards what follows
+    std::condition_variable m_room;
+    std::size_t m_maxWaiting;
+    std::map<std::size_t, Buffer> m_waiting;
+    std::vector<Buffer> m_spare;
+    std::size_t m_next = 0; ///< block that the file needs next
+    bool m_writing = false;
 };
 
 /// The header as a text stream of the toolkit writes it.
@@ -143,19 +182,20 @@ WriteOutcome writeResultFile(const QString& path, const QStringList& header,
                              const std::function<void(double part)>& progress, Workers& workers)
 {
     QFile file(path);
-    if (path.isEmpty() || isPipe(path) || !file.open(QIODevice::WriteOnly | QIODevice::Text | QIODevice::Unbuffered))
+    if (path.isEmpty() || isPipe(path) ||
+        !file.open(QIODevice::WriteOnly | QIODevice::Text | QIODevice::Unbuffered))
         return WriteOutcome::CannotOpen;
-    OrderedWriter writer(file);
+    constexpr std::size_t waitingForEach = 4;
+    OrderedWriter writer(file, waitingForEach * workers.size());
     const QByteArray head = headerText(header);
     writer.write(head.constData(), static_cast<std::size_t>(head.size()));
 
     const ResultText text(results, valence1, valence2);
-    std::vector<PixelArray<char>> buffers(workers.size());
     workers.run(text.blocks(), [&](std::size_t block, unsigned worker) {
-        PixelArray<char>& buffer = buffers[worker];
-        if (!writer.failed() && !text.write(block, buffer))
+        Buffer buffer = writer.takeBuffer();
+        if (!writer.failed() && !text.write(block, *buffer))
             writer.fail();
-        writer.write(block, buffer);
+        writer.deliver(block, std::move(buffer));
         if (worker == 0 && progress)
             progress(static_cast<double>(block + 1) / static_cast<double>(text.blocks()));
     });
