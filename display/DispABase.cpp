@@ -13,8 +13,8 @@ constexpr double titleMaxSize = 12.0;
 
 void putTitle(QStylePainter* painter, const QRectF& box, const QString& title)
 {
-    DrawText::putText(painter, box, QFont(), Qt::AlignHCenter | Qt::AlignVCenter, 1, title,
-                      titleMaxSize, false);
+    DrawText::putText(painter, box, QFont(), Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextDontClip,
+                      1, title, titleMaxSize, false);
 }
 
 } // namespace

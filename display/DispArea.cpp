@@ -166,6 +166,8 @@ void DispArea::fillMargins(QPainter* p) const
                 Qt::white);
 }
 
+// Uncut, as all text of a graph: fonts do not scale evenly, and a number without its last digit is
+// another number.
 void DispArea::drawRangeLabels(QPainter* p)
 {
     const int h = truncToInt((coord.py1 - coord.py0) / coord.labelDivisions);
@@ -174,7 +176,7 @@ void DispArea::drawRangeLabels(QPainter* p)
     const int top = truncToInt(coord.py1);
     const int bottom = truncToInt(coord.py0);
     const auto put = [this, p](double value, int length, QRectF box, Qt::AlignmentFlag side) {
-        text.putText(p, box, QFont(), side | Qt::AlignVCenter, 1,
+        text.putText(p, box, QFont(), side | Qt::AlignVCenter | Qt::TextDontClip, 1,
                      textFromNumber(value).left(length), labelMaxSize, false);
     };
     put(coord.ry1, yLabelLength, QRectF(0, top - h, m * 0.95, b), Qt::AlignRight);

@@ -66,10 +66,11 @@ void putEdgeJumps(const ChCoord& coord, QPainter* painter, const AXafsData& data
     const int m = truncToInt((coord.wx1 - coord.wx0) * coord.leftMargin);
     const int x = truncToInt(coord.px1) - 3 * m;
     const int y = truncToInt(coord.py1) - h;
-    DrawText::putText(painter, QRectF(x, y, 3 * m, b), QFont(), Qt::AlignLeft | Qt::AlignVCenter, 1,
+    DrawText::putText(painter, QRectF(x, y, 3 * m, b), QFont(),
+                      Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, 1,
                       captions.edgeJumpNoC.arg(data.edgeJumpNoC(), 0, 'g', -1), 0.0, false);
     DrawText::putText(painter, QRectF(x, y - h, 3 * m, b), QFont(),
-                      Qt::AlignRight | Qt::AlignVCenter, 1,
+                      Qt::AlignRight | Qt::AlignVCenter | Qt::TextDontClip, 1,
                       captions.edgeJump.arg(data.edgeJump(), 0, 'g', -1), 0.0, false);
 }
 

@@ -34,6 +34,12 @@ bool hasPoints(const AXafsData* data)
     return data && !data->points.empty();
 }
 
+bool isBetween(double energy, const AxisEnds& energies)
+{
+    return energy >= std::min(energies.from, energies.to) &&
+           energy <= std::max(energies.from, energies.to);
+}
+
 Curve fitCurve(const AXafsData& fit)
 {
     Curve curve;
@@ -53,13 +59,15 @@ struct MutsCurves {
     {
         for (const AXafsData* data : content.selected)
             selected.push_back(curveOf(data, content.normalization));
+        if (selected.size() > blankIndex && !hasEdge(selected[blankIndex], content.energies()))
+            selected[blankIndex].clear();
         for (const AXafsData* data : content.displayOnly)
             displayOnly.push_back(curveOf(data, content.normalization));
         if (hasPoints(content.fit))
             fit = fitCurve(*content.fit);
     }
 
-    // A blank has no edge; divided by the noise of one it would leave no height for the others.
+    // The scale is that of what is analysed, which a blank only lies under.
     std::vector<Curve> ranged() const
     {
         std::vector<Curve> curves = displayOnly;
@@ -154,15 +162,20 @@ std::vector<QPointF> normalizedCurve(const AXafsData& data, Normalization normal
     return curve;
 }
 
+bool hasEdge(const std::vector<QPointF>& curve, const AxisEnds& energies)
+{
+    return std::all_of(curve.begin(), curve.end(), [&energies](const QPointF& point) {
+        return !isBetween(point.x(), energies) || (point.y() >= -1.0 && point.y() <= 3.0);
+    });
+}
+
 AxisEnds curveRange(const std::vector<std::vector<QPointF>>& curves, const AxisEnds& energies)
 {
-    const double first = std::min(energies.from, energies.to);
-    const double last = std::max(energies.from, energies.to);
     double min = 1e300;
     double max = -1e300;
     for (const Curve& curve : curves) {
         for (const QPointF& point : curve) {
-            if (point.x() < first || point.x() > last || !std::isfinite(point.y()))
+            if (!isBetween(point.x(), energies) || !std::isfinite(point.y()))
                 continue;
             min = std::min(min, point.y());
             max = std::max(max, point.y());

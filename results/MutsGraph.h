@@ -21,7 +21,8 @@ struct MutsContent {
     double postStartOffset = 0.0; ///< start of the post-edge fit, eV from the edge
     Normalization normalization = Normalization::ByTwoLines;
     PointRows rows; ///< the energy points
-    /// Ref 1, Ref 2, target and blank, in this order; null where there is no spectrum.
+    /// Ref 1, Ref 2, target and blank, in this order; null where there is no spectrum. A blank
+    /// without an edge is not drawn.
     std::vector<const AXafsData*> selected;
     std::vector<const AXafsData*> displayOnly;
     int chosen = -1;                ///< of displayOnly, drawn wider
@@ -33,6 +34,10 @@ struct MutsContent {
 
 /// The normalized points of a spectrum (eV, no unit) in file order.
 std::vector<QPointF> normalizedCurve(const AXafsData& data, Normalization normalization);
+
+/// True for a normalized curve that stays within one edge jump of the levels 0 to 2 between two
+/// energies. Without an edge, as a blank mostly is, it is divided by noise and leaves them.
+bool hasEdge(const std::vector<QPointF>& curve, const AxisEnds& energies);
 
 /// Vertical range of curves between two energies: lowest and highest value there, each widened by a
 /// twentieth of their difference. From -0.05 to 1.05 where nothing lies there, and half a unit to

@@ -73,6 +73,7 @@ private slots:
     void selectedLieOverDisplayOnly();
     void fitLiesOnTop();
     void blankDoesNotSetTheRange();
+    void blankWithoutAnEdge();
     void pointsJoinInFileOrder();
     void manySpectra();
     void absurdNumbers();
@@ -292,19 +293,40 @@ void TestMutsGraph::fitLiesOnTop()
 void TestMutsGraph::blankDoesNotSetTheRange()
 {
     const AXafsData data = spectrum({{8300, 0}, {8470, 1}});
-    const AXafsData blank = spectrum({{8300, -500}, {8470, 900}});
+    const AXafsData blank = spectrum({{8300, -0.5}, {8470, 2.5}});
+    const QColor color = CColors().colors[3];
     MutsContent c = content();
     c.selected = {&data, nullptr, nullptr, &blank};
     GraphPanel panel(painter(c));
     const QImage image = panel.picture();
     QCOMPARE(panel.coord().ry0, -0.05);
     QCOMPARE(panel.coord().ry1, 1.05);
-    QVERIFY(canvas::count(image, CColors().colors[3]) > 0); // drawn all the same
+    QVERIFY(canvas::count(image, color) > 0); // drawn all the same
     // On its own it leaves the scale of normalized spectra.
     c.selected[0] = nullptr;
     GraphPanel alone(painter(c));
-    alone.picture();
+    QVERIFY(canvas::count(alone.picture(), color) > 0);
     QCOMPARE(alone.coord().ry1, 1.05);
+}
+
+void TestMutsGraph::blankWithoutAnEdge()
+{
+    const AXafsData data = spectrum({{8300, 0}, {8470, 1}});
+    const QColor color = CColors().colors[3];
+    MutsContent c = content();
+    // What lies beside the energies shown does not count.
+    for (const auto& [value, drawn] :
+         {std::pair(3.0, true), std::pair(-1.0, true), std::pair(3.1, false),
+          std::pair(-1.1, false), std::pair(infinite, false), std::pair(notANumber, false)}) {
+        const AXafsData blank = spectrum({{8200, 50}, {8310, value}, {8320, 0}, {8400, 1}});
+        c.selected = {&data, nullptr, nullptr, &blank};
+        GraphPanel panel(painter(c));
+        QCOMPARE(canvas::count(panel.picture(), color) > 0, drawn);
+        // A target of the same kind is drawn.
+        c.selected = {&data, nullptr, &blank, nullptr};
+        GraphPanel target(painter(c));
+        QVERIFY(canvas::count(target.picture(), CColors().colors[2]) > 0);
+    }
 }
 
 void TestMutsGraph::pointsJoinInFileOrder()
