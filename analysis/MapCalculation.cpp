@@ -136,9 +136,13 @@ bool makeRoom(MapResults& results, std::size_t count)
 
 } // namespace
 
-bool mapFits(int columns, int rows, const MapResults& earlier)
+bool mapFits(int columns, int rows, std::size_t measured, const MapResults& earlier)
 {
+    constexpr std::size_t always = std::size_t{4} << 20; // 64 MiB of results
+    constexpr std::size_t gridOverMeasured = 16;
     const std::size_t count = pixelCount(columns, rows);
+    if (count > always && count / gridOverMeasured > measured)
+        return false;
     const std::size_t there = std::min(earlier.a.capacity(), earlier.t.capacity());
     return count <= there || count <= availableMemory() / (2 * sizeof(double));
 }
@@ -147,7 +151,8 @@ bool calculateMap(const MapTask& task, MapResults& results, const MapBlockSink& 
                   Workers& workers)
 {
     const std::size_t count = pixelCount(task.columns, task.rows);
-    if (!mapFits(task.columns, task.rows, results) || !makeRoom(results, count))
+    const std::size_t measured = task.positions ? task.positions->size() : 0;
+    if (!mapFits(task.columns, task.rows, measured, results) || !makeRoom(results, count))
         return false;
     results.columns = task.columns;
     results.rows = task.rows;

@@ -61,8 +61,11 @@ struct MapTask {
 using MapBlockSink =
     std::function<void(unsigned worker, const double* a, const double* t, std::size_t count)>;
 
-/// True if the results of a grid fit in memory, where they may take the place of earlier ones.
-bool mapFits(int columns, int rows, const MapResults& earlier);
+/// True if the results of a grid fit in memory, where they may take the place of earlier ones. The
+/// grid's size is only what a file says: it may not be out of all proportion to the pixels that
+/// were measured, though a scan may have been stopped early.
+/// @param measured  records of the image that owns the grid
+bool mapFits(int columns, int rows, std::size_t measured, const MapResults& earlier);
 
 /// Fills the results with a and t of every pixel of the grid.
 ///

@@ -35,7 +35,7 @@ void FourPs::calcPixels(Method method)
     task.positions = owner.positions;
     const MapHistograms histograms{*histA,     *histT,    histA->settings(), histT->settings(),
                                    valence1(), valence2()};
-    if (refuseMap(checkMap(task.columns, task.rows, mapResults, histograms)))
+    if (refuseMap(checkMap(task, mapResults, histograms)))
         return;
     if (method != Method::ThreePoint)
         task.rho = thicknessRatio(task.points);

@@ -8,7 +8,7 @@
 #include <limits>
 
 /// Lines longer than this are no data; a file that has one is refused.
-constexpr std::size_t longestMapLine = std::size_t{64} << 20;
+constexpr std::size_t longestMapLine = std::size_t{4} << 20;
 
 /// Offsets in a file. The lines that begin within belong to the range, wherever they end.
 struct MapRange {

@@ -33,6 +33,7 @@ int truncated(double value)
 }
 
 /// The histogram's file beside a result file in canonical form; empty where there is none.
+/// Something else of that name is not one: opening a pipe would wait for somebody who reads it.
 QString existingFile(const QString& resultPath, const QString& tag)
 {
     const QFileInfo result(resultPath);
@@ -41,7 +42,8 @@ QString existingFile(const QString& resultPath, const QString& tag)
         return {};
     const QString name =
         result.completeBaseName() + QLatin1Char('_') + tag + QLatin1Char('.') + result.suffix();
-    return QFileInfo(directory + QLatin1Char('/') + name).canonicalFilePath();
+    const QFileInfo file(directory + QLatin1Char('/') + name);
+    return file.isFile() ? file.canonicalFilePath() : QString();
 }
 
 /// Values are counted in groups; a histogram of more bins is not worth it.

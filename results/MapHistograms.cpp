@@ -14,18 +14,19 @@ struct Part {
 
 } // namespace
 
-MapOutcome checkMap(int columns, int rows, const MapResults& earlier,
-                    const MapHistograms& histograms)
+MapOutcome checkMap(const MapTask& task, const MapResults& earlier, const MapHistograms& histograms)
 {
     if (!histograms.valenceSettings.acceptable() || !histograms.thicknessSettings.acceptable())
         return MapOutcome::TooManyBoxes;
-    return mapFits(columns, rows, earlier) ? MapOutcome::Calculated : MapOutcome::GridTooLarge;
+    const std::size_t measured = task.positions ? task.positions->size() : 0;
+    return mapFits(task.columns, task.rows, measured, earlier) ? MapOutcome::Calculated
+                                                               : MapOutcome::GridTooLarge;
 }
 
 MapOutcome calculateMap(const MapTask& task, MapResults& results, const MapHistograms& histograms,
                         Workers& workers)
 {
-    const MapOutcome outcome = checkMap(task.columns, task.rows, results, histograms);
+    const MapOutcome outcome = checkMap(task, results, histograms);
     if (outcome != MapOutcome::Calculated)
         return outcome;
     std::vector<Part> parts(workers.size());

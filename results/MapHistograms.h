@@ -15,12 +15,12 @@ struct MapHistograms {
 
 enum class MapOutcome {
     Calculated,
-    GridTooLarge, ///< the results do not fit in memory
+    GridTooLarge, ///< the results do not fit in memory, or hardly any pixel was measured
     TooManyBoxes, ///< a histogram's number of bins is refused
 };
 
 /// What a calculation would come to, found out without one.
-MapOutcome checkMap(int columns, int rows, const MapResults& earlier,
+MapOutcome checkMap(const MapTask& task, const MapResults& earlier,
                     const MapHistograms& histograms);
 
 /// Calculates a map and counts the valence and the thickness ratio of every pixel in the

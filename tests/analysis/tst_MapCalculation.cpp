@@ -210,6 +210,7 @@ private slots:
     void emptyGrid_data();
     void emptyGrid();
     void hugeGridIsRefused();
+    void gridOutOfProportionIsRefused();
     void sinkSeesEveryPixelOnce();
     void sameForAnyNumberOfThreads_data();
     void sameForAnyNumberOfThreads();
@@ -394,7 +395,7 @@ void tst_MapCalculation::hugeGridIsRefused()
     MapTask task = test.task();
     task.columns = 2000000000;
     task.rows = 2000000000;
-    QVERIFY(!mapFits(task.columns, task.rows, results));
+    QVERIFY(!mapFits(task.columns, task.rows, std::size_t{1} << 40, results));
     bool called = false;
     QVERIFY(!calculateMap(task, results, [&](unsigned, const double*, const double*, std::size_t) {
         called = true;
@@ -402,6 +403,15 @@ void tst_MapCalculation::hugeGridIsRefused()
     QVERIFY(!called);
     QCOMPARE(results.columns, 2);
     QCOMPARE(difference(test, results), QString());
+}
+
+void tst_MapCalculation::gridOutOfProportionIsRefused()
+{
+    const MapResults none;
+    // Four million pixels need no measurement, a larger grid one in sixteen.
+    QVERIFY(mapFits(2048, 2048, 0, none));
+    QVERIFY(!mapFits(4096, 2048, 8 * 1024 * 64 - 1, none));
+    QVERIFY(mapFits(4096, 2048, 8 * 1024 * 64, none));
 }
 
 void tst_MapCalculation::sinkSeesEveryPixelOnce()

@@ -16,8 +16,9 @@
 // The person's widgets and what is compared; the acts are in PanelSessionActs.cpp.
 using literal::PanelModel;
 
-PanelSession::PanelSession(quint32 seed, const QString& folder)
-    : m_random(seed), m_folder(folder), m_files(seed, folder), m_panel(std::make_unique<FourPs>())
+PanelSession::PanelSession(quint32 seed, const QString& folder, bool broken)
+    : m_random(seed), m_folder(folder), m_files(seed, folder, broken),
+      m_panel(std::make_unique<FourPs>())
 {
     nameWidgets();
     m_panel->show();
@@ -25,7 +26,7 @@ PanelSession::PanelSession(quint32 seed, const QString& folder)
     m_panel->displays->resize(900, 750);
     act(QStringLiteral("start"));
     compare();
-    setUp();
+    setUp(!broken);
 }
 
 PanelSession::~PanelSession()
@@ -98,11 +99,37 @@ void PanelSession::listen(const QString& name, QLineEdit* edit)
                      [this, name] { m_model.finishEditing(name); });
 }
 
+bool PanelSession::agree()
+{
+    compare();
+    return m_differences.isEmpty();
+}
+
 bool PanelSession::step()
 {
     (this->*chooseAct())();
-    compare();
-    return m_differences.isEmpty();
+    return agree();
+}
+
+bool PanelSession::type(const QString& field, const QString& text)
+{
+    typeInto(field, text);
+    return agree();
+}
+
+bool PanelSession::push(const QString& button)
+{
+    m_expectedFiles = outputFiles();
+    m_model.output.clear();
+    click(button);
+    compareOutput();
+    return agree();
+}
+
+bool PanelSession::drop(const QString& selector, const QString& path)
+{
+    dropOn(selector, path);
+    return agree();
 }
 
 QString PanelSession::report() const
@@ -166,7 +193,8 @@ void PanelSession::compareDisplayFiles()
 QMap<QString, QByteArray> PanelSession::outputFiles() const
 {
     QMap<QString, QByteArray> files;
-    QDirIterator it(m_folder + QStringLiteral("/out"), QDir::Files, QDirIterator::Subdirectories);
+    QDirIterator it(m_folder + QStringLiteral("/out"), QDir::Files | QDir::Hidden,
+                    QDirIterator::Subdirectories);
     while (it.hasNext()) {
         QFile file(it.next());
         if (file.open(QIODevice::ReadOnly))

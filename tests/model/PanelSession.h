@@ -20,11 +20,22 @@ class QLineEdit;
 class PanelSession
 {
 public:
-    PanelSession(quint32 seed, const QString& folder);
+    /// @param broken  some of the session's files are, and not everything is loaded at the start
+    PanelSession(quint32 seed, const QString& folder, bool broken = true);
     ~PanelSession();
 
     /// One act. False if the panel and the model differ afterwards.
     bool step();
+    // Single acts, compared likewise.
+    bool type(const QString& field, const QString& text);
+    bool push(const QString& button);
+    bool drop(const QString& selector, const QString& path);
+
+    FourPs& panel() { return *m_panel; }
+    QStringList fields() const { return m_edits.keys(); }
+    QString text(const QString& field) const { return m_model.texts.value(field); }
+    const RandomFiles& files() const { return m_files; }
+
     /// The differences and all acts that led to them.
     QString report() const;
     QStringList messages() const { return m_model.messages; }
@@ -44,7 +55,8 @@ private:
     void listen(const QString& name, QLineEdit* edit);
     Act chooseAct();
 
-    void setUp();
+    void setUp(bool everything);
+    bool agree();
     void dropSpectrum();
     void dropImage();
     void chooseInDialog();

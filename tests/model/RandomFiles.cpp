@@ -14,7 +14,15 @@ constexpr double edgeEnergy = 8345.0;     // eV
 
 } // namespace
 
-RandomFiles::RandomFiles(quint32 seed, const QString& folder) : m_random(seed), m_folder(folder)
+RandomFiles::RandomFiles(quint32 seed, const QString& folder, bool broken)
+    : m_random(seed), m_folder(folder), m_broken(broken)
+{
+    makeSpectra();
+    makeImages();
+    makeTargets();
+}
+
+void RandomFiles::makeSpectra()
 {
     const char* const names[] = {"ref1",
                                  "ref2",
@@ -22,27 +30,36 @@ RandomFiles::RandomFiles(quint32 seed, const QString& folder) : m_random(seed), 
                                  "blank",
                                  "a name with blanks",
                                  "50%1",
-                                 "\xe3\x82\xb9\xe3\x83\x9a\xe3\x82\xaf\xe3\x83\x88\xe3\x83\xab",
+                                 "\xe3\x82\xb9\xe3\x83\x9a\xe3\x82\xaf\xe3\x83\x88",
                                  "it's \"quoted\"",
                                  "odd"};
     for (const char* name : names) {
         m_thickness = between(0.3, 3.0);
-        m_oddRows = chance(70) ? 0 : below(20);
+        m_oddRows = oddRows();
         QByteArray content = spectrum(chance(10) ? between(-1.0, 2.0) : between(0.0, 1.0));
         store(QString::fromUtf8(name) + QStringLiteral(".dat"),
-              chance(15) ? broken(content) : content, spectra);
+              m_broken && chance(15) ? brokenCopy(content) : content, spectra);
     }
     spectra.append(m_folder + QStringLiteral("/missing.dat"));
     spectra.append(m_folder);
+}
+
+void RandomFiles::makeImages()
+{
     const int columns = 1 + below(7);
     const int rows = 1 + below(6);
     for (int i = 1; i <= 8; ++i) {
-        m_oddRows = chance(70) ? 0 : below(20);
-        const bool same = chance(85);
+        m_oddRows = oddRows();
+        const bool same = !m_broken || chance(85);
         QByteArray content = same ? image(columns, rows) : image(1 + below(9), 1 + below(9));
-        store(QStringLiteral("map %1.dat").arg(i), chance(10) ? broken(content) : content, images);
+        store(QStringLiteral("map %1.dat").arg(i),
+              m_broken && chance(10) ? brokenCopy(content) : content, images);
     }
     images.append(m_folder + QStringLiteral("/missing map.dat"));
+}
+
+void RandomFiles::makeTargets()
+{
     QDir(m_folder).mkpath(QStringLiteral("out/deep"));
     for (const char* name : {"out/result.dat", "out/deep/50%1.txt", "out/plain", "out/a.b.dat",
                              "out/deep", "out/nowhere/result.dat", ""})
@@ -107,15 +124,15 @@ QVector<double> RandomFiles::energies()
 {
     double first = 8150 + below(100);
     double last = 8500 + below(500);
-    if (chance(8))
+    if (m_broken && chance(8))
         first = 8320 + below(60); // nothing or little below the edge
-    if (chance(8))
+    if (m_broken && chance(8))
         last = first + below(200);
     const double step = between(2.0, 15.0);
     QVector<double> energies;
-    for (double e = first; e <= last; e += chance(3) ? 0.0 : step)
+    for (double e = first; e <= last; e += m_broken && chance(3) ? 0.0 : step)
         energies.append(e);
-    if (chance(4))
+    if (m_broken && chance(4))
         energies.resize(below(5));
     return energies;
 }
@@ -190,7 +207,7 @@ QByteArray RandomFiles::image(int columns, int rows)
     const bool fourTokens = chance(50);
     const double energy = 8300 + below(200);
     QByteArray text = imageHeader(columns, rows);
-    const int records = columns * rows - (chance(10) ? below(columns * rows) : 0);
+    const int records = columns * rows - (m_broken && chance(10) ? below(columns * rows) : 0);
     for (int i = 0; i < records; ++i) {
         const double value = mut(energy, between(0.0, 1.0));
         text += number(i % columns) + blank() + number(0.5 * (i / columns)) + blank();
@@ -205,7 +222,7 @@ QByteArray RandomFiles::image(int columns, int rows)
     return text;
 }
 
-QByteArray RandomFiles::broken(QByteArray content)
+QByteArray RandomFiles::brokenCopy(QByteArray content)
 {
     switch (below(7)) {
     case 0:

@@ -10,7 +10,8 @@
 class RandomFiles
 {
 public:
-    RandomFiles(quint32 seed, const QString& folder);
+    /// @param broken  some of the files are
+    RandomFiles(quint32 seed, const QString& folder, bool broken = true);
 
     QStringList spectra; ///< paths, some of them of files that do not exist
     QStringList images;
@@ -23,10 +24,14 @@ private:
     {
         return low + (high - low) * m_random.generateDouble();
     }
+    int oddRows() { return m_broken && chance(30) ? below(20) : 0; }
     QByteArray number(double value);
     QByteArray blank();
     QByteArray oddToken();
     QByteArray comment();
+    void makeSpectra();
+    void makeImages();
+    void makeTargets();
     void store(const QString& name, const QByteArray& content, QStringList& list);
 
     double mut(double energy, double share) const;
@@ -36,10 +41,11 @@ private:
     QByteArray spectrumRow(double angle, double share, double energy);
     QByteArray image(int columns, int rows);
     QByteArray imageHeader(int columns, int rows);
-    QByteArray broken(QByteArray content);
+    QByteArray brokenCopy(QByteArray content);
 
     QRandomGenerator m_random;
     QString m_folder;
     double m_thickness = 1.0;
+    bool m_broken;
     int m_oddRows = 0; ///< of a hundred rows
 };
