@@ -109,7 +109,7 @@ void tst_HostileSpectra::unreadableFilesChangeNothing()
             QCOMPARE(since, lines.mid(lines.size() - since.size()));
             QVERIFY2(select->isValid(), qPrintable(path));
         }
-        emit panel.DispFSelect->dialog()->filesSelected({path});
+        panel.DispFSelect->newFiles({path});
         qInstallMessageHandler(handler);
         QCOMPARE(shown(), before);
         QCOMPARE(panel.SelectedFs->count(), 0);
