@@ -270,7 +270,7 @@ QString errorText(const QString& file, const JobError& error)
 {
     if (error.line == 0)
         return QStringLiteral("%1: %2").arg(file, error.reason);
-    return QStringLiteral("%1:%2: %3").arg(file).arg(error.line).arg(error.reason);
+    return QStringLiteral("%1:%2: %3").arg(file, QString::number(error.line), error.reason);
 }
 
 std::optional<Job> parseJob(const QByteArray& text, const QString& folder, JobError& error)

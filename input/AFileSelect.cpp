@@ -23,12 +23,18 @@ QString folderOf(const QString& path)
     return canonical.isEmpty() ? folder.absolutePath() : canonical;
 }
 
-/// Text of a URL with its path fully decoded, so that names with blanks, '%' or '#' survive.
+/// Text of a URL, fully decoded so that names with blanks, '%' or '#' survive. What a careless
+/// desktop lets pass for a query or a fragment is the rest of a file's name.
 QString textOf(const QUrl& url)
 {
     if (!url.isLocalFile())
         return url.toString();
-    return QStringLiteral("file://") + url.host() + url.path(QUrl::FullyDecoded);
+    QString text = QStringLiteral("file://") + url.host() + url.path(QUrl::FullyDecoded);
+    if (url.hasQuery())
+        text += QLatin1Char('?') + url.query(QUrl::FullyDecoded);
+    if (url.hasFragment())
+        text += QLatin1Char('#') + url.fragment(QUrl::FullyDecoded);
+    return text;
 }
 
 } // namespace
@@ -79,25 +85,29 @@ void AFileSelect::showDialog()
 void AFileSelect::setMode(int mode)
 {
     m_mode = mode;
-    if (mode == Open || mode == Save) {
-        FileName->setReadOnly(mode == Open);
-        FileName->setStyleSheet(mode == Open ? openStyle : saveStyle);
-    }
+    if (mode != Open && mode != Save)
+        return;
+    FileName->setReadOnly(mode == Open);
+    FileName->setStyleSheet(mode == Open ? openStyle : saveStyle);
+    m_accepts = mode == Save ? Accepts::AnyName
+                : m_multi    ? Accepts::ExistingFiles
+                             : Accepts::ExistingFile;
     if (m_dialog)
         applyModeToDialog();
 }
 
 void AFileSelect::applyModeToDialog()
 {
-    if (m_mode == Open) {
-        m_dialog->setAcceptMode(QFileDialog::AcceptOpen);
-        m_dialog->setFileMode(m_multi ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
-    } else if (m_mode == Save) {
+    if (m_accepts == Accepts::AnyName) {
         m_dialog->setAcceptMode(QFileDialog::AcceptSave);
         m_dialog->setFileMode(QFileDialog::AnyFile);
         // Overwriting needs no question anywhere in the program.
         m_dialog->setOption(QFileDialog::DontConfirmOverwrite);
+        return;
     }
+    m_dialog->setAcceptMode(QFileDialog::AcceptOpen);
+    m_dialog->setFileMode(m_accepts == Accepts::ExistingFiles ? QFileDialog::ExistingFiles
+                                                              : QFileDialog::ExistingFile);
 }
 
 void AFileSelect::setDir(const QString& dir)

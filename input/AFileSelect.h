@@ -70,11 +70,15 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    /// What the dialog lets choose; settled when a mode is set, whether the dialog is there or not.
+    enum class Accepts { ExistingFile, ExistingFiles, AnyName };
+
     void applyModeToDialog();
     void showDialog();
 
     int m_mode = Open;
     bool m_multi = false;
+    Accepts m_accepts = Accepts::ExistingFile;
     QString m_dir;
     QString m_fileName;
     QString m_defaultSuffix = QStringLiteral("dat");

@@ -103,7 +103,7 @@ private slots:
     void energyTypedFillsTheRow();
     void edgeTypedRefitsWithoutColumns();
     void edgeMovesBothBounds();
-    void displaySpectraFollowTheEdge();
+    void displayFilesAreListed();
     void thicknessButtonAlwaysRecalculates();
     void eventsThatDoNotRecalculate();
     void checkBoxesRecalculate();
@@ -253,7 +253,7 @@ void tst_FourPs::edgeMovesBothBounds()
     QCOMPARE(m_panel->RefFile1->data()->postEdgeStart, 8360.0);
 }
 
-void tst_FourPs::displaySpectraFollowTheEdge()
+void tst_FourPs::displayFilesAreListed()
 {
     m_panel->DispFSelect->newFiles({m_ref1, m_ref2});
     QCOMPARE(m_panel->SelectedFs->count(), 2);
@@ -428,8 +428,6 @@ void tst_FourPs::refusalKeepsEarlierResult()
 void tst_FourPs::threePointResult()
 {
     loadAll();
-    m_panel->ePoints[0]->UseCB->setChecked(false);
-    m_panel->ePoints[0]->UseCB->setChecked(true);
     const int before = lines();
     user::click(m_panel->ePoints[3]->UseCB); // leaves rows 1, 2 and the V point
     const auto field = [&](int i, QLineEdit* AEPoint::*mut) {

@@ -33,6 +33,7 @@ private slots:
     void calculationsAreChosen();
     void errorsHaveLineAndReason_data();
     void errorsHaveLineAndReason();
+    void errorTextTakesNamesAsTheyAre();
     void syntaxErrorsHaveALine();
     void unreadableJobs();
 };
@@ -245,6 +246,15 @@ void tst_JobFile::errorsHaveLineAndReason()
     JobError error;
     QVERIFY(!parseJob(text, QStringLiteral("/data"), error));
     QCOMPARE(errorText(QStringLiteral("job"), error), expected);
+}
+
+void tst_JobFile::errorTextTakesNamesAsTheyAre()
+{
+    const QString file = QStringLiteral("a%1b%2c%3.toml");
+    const QString reason = QStringLiteral("cannot open %1 %2 %3");
+    QCOMPARE(errorText(file, {7, reason}),
+             QStringLiteral("a%1b%2c%3.toml:7: cannot open %1 %2 %3"));
+    QCOMPARE(errorText(file, {0, reason}), QStringLiteral("a%1b%2c%3.toml: cannot open %1 %2 %3"));
 }
 
 void tst_JobFile::syntaxErrorsHaveALine()

@@ -16,6 +16,7 @@ private slots:
     void openModeIsReadOnlyAndYellow();
     void saveModeIsEditableAndWhite();
     void otherModeChangesNothing();
+    void severalFilesFromTheNextModeOn();
     void dialogFollowsTheMode();
     void dialogListsDataFilesFirst();
     void dialogChoiceReachesTheSelector();
@@ -34,6 +35,7 @@ private slots:
     void dropSimplifiesBlanks();
     void dropKeepsSpecialCharacters_data();
     void dropKeepsSpecialCharacters();
+    void dropTakesTheWholeText();
     void dropOnTheLineReachesTheSelector();
     void typedNameStaysAsItIs();
     void noRecordBeforeTheFirstFile();
@@ -61,7 +63,21 @@ void tst_AFileSelect::otherModeChangesNothing()
     select.setMode(7);
     QCOMPARE(select.mode(), 7);
     QVERIFY(!select.FileName->isReadOnly());
-    QCOMPARE(select.dialog()->acceptMode(), QFileDialog::AcceptOpen); // a new dialog's own state
+    QCOMPARE(select.FileName->styleSheet(),
+             QStringLiteral("background-color: rgb(255, 255, 255);"));
+    QCOMPARE(select.dialog()->acceptMode(), QFileDialog::AcceptSave); // as the last mode had it
+    QCOMPARE(select.dialog()->fileMode(), QFileDialog::AnyFile);
+}
+
+void tst_AFileSelect::severalFilesFromTheNextModeOn()
+{
+    AFileSelect select;
+    select.setMulti(true); // before the dialog is there
+    QCOMPARE(select.dialog()->fileMode(), QFileDialog::ExistingFile);
+    AFileSelect set;
+    set.setMulti(true);
+    set.setMode(AFileSelect::Open);
+    QCOMPARE(set.dialog()->fileMode(), QFileDialog::ExistingFiles);
 }
 
 void tst_AFileSelect::dialogFollowsTheMode()
@@ -268,6 +284,14 @@ void tst_AFileSelect::dropKeepsSpecialCharacters()
     select.show();
     user::drop(&select, path);
     QCOMPARE(select.FileName->text(), path);
+}
+
+void tst_AFileSelect::dropTakesTheWholeText()
+{
+    AFileSelect select;
+    select.show();
+    user::dropUrls(&select, {QUrl(QStringLiteral("file:///tmp/run?3#4%25.dat"))});
+    QCOMPARE(select.FileName->text(), QStringLiteral("/tmp/run?3#4%.dat"));
 }
 
 void tst_AFileSelect::dropOnTheLineReachesTheSelector()
