@@ -31,6 +31,9 @@ int analyse(const QString& path)
     QTextStream stream(stdout);
     stream.setCodec("UTF-8");
     stream << reportText(*job, report);
+    stream.flush();
+    if (stream.status() != QTextStream::Ok)
+        return complain(QStringLiteral("The report cannot be written."));
     return report.refused ? Refused : Done;
 }
 

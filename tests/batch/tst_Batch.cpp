@@ -25,7 +25,7 @@ struct Output {
 
 /// Runs the real program as a machine without any display would.
 Output runBatch(const QStringList& arguments, const QString& runtimeDir,
-                const QString& locale = QStringLiteral("C.UTF-8"))
+                const QString& locale = QStringLiteral("C.UTF-8"), const QString& outputFile = {})
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char* const name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
@@ -34,6 +34,8 @@ Output runBatch(const QStringList& arguments, const QString& runtimeDir,
     environment.insert(QStringLiteral("LC_ALL"), locale);
     QProcess process;
     process.setProcessEnvironment(environment);
+    if (!outputFile.isEmpty())
+        process.setStandardOutputFile(outputFile);
     process.start(QStringLiteral(BATCH_PROGRAM), arguments);
     if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
         return {};
@@ -153,6 +155,7 @@ private slots:
     void badJobs();
     void badCalls_data();
     void badCalls();
+    void reportOnAFullDisk();
     void helpAndVersion();
     void localeChangesNothing();
 };
@@ -344,6 +347,14 @@ void tst_Batch::badCalls()
     const Output output = run(arguments);
     QCOMPARE(output.errors, expected);
     QCOMPARE(output.text, QString());
+    QCOMPARE(output.status, 2);
+}
+
+void tst_Batch::reportOnAFullDisk()
+{
+    const Output output = runBatch({examples + QStringLiteral("/nickel/job.toml")}, m_dir.path(),
+                                   QStringLiteral("C.UTF-8"), QStringLiteral("/dev/full"));
+    QCOMPARE(output.errors, QStringLiteral("The report cannot be written.\n"));
     QCOMPARE(output.status, 2);
 }
 
