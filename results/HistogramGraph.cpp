@@ -17,12 +17,19 @@ const QColor thicknessBarColor(200, 255, 200);
 constexpr double roomBelow = 0.1; // of the largest count
 constexpr double roomAbove = 1.1;
 
-// A rectangle in whose place a negative width or height reaches to the left or upward.
-QRect spanned(int left, int top, int width, int height)
-{
-    return {std::min(left, left + width), std::min(top, top + height), std::abs(width),
-            std::abs(height)};
-}
+// From a place over a length, which reaches to the left or upward where it is negative; a length of
+// any size ends where it ends, not where the integers do.
+struct Span {
+    int first;
+    int last;
+
+    Span(double start, double length)
+    {
+        const double end = std::trunc(start) + std::trunc(length);
+        first = truncToInt(std::min(std::trunc(start), end));
+        last = truncToInt(std::max(std::trunc(start), end)) - 1;
+    }
+};
 
 QRect barRect(const ChCoord& coord, const HistogramCounts& histogram, int i, int count)
 {
@@ -32,8 +39,9 @@ QRect barRect(const ChCoord& coord, const HistogramCounts& histogram, int i, int
     const double yc = coord.yToScreen(count);
     if (std::isnan(xl) || std::isnan(xr) || std::isnan(y0) || std::isnan(yc))
         return {};
-    return spanned(truncToInt(xl + 1.0), truncToInt(y0), truncToInt(xr - xl - 1.0),
-                   truncToInt(yc - y0));
+    const Span x(xl + 1.0, xr - xl - 1.0);
+    const Span y(y0, yc - y0);
+    return {QPoint(x.first, y.first), QPoint(x.last, y.last)};
 }
 
 class BarList

@@ -82,6 +82,7 @@ private slots:
     void barsLikeTheDescription();
     void barsWithoutAPixel();
     void manyBinsOnMirroredAxis();
+    void barWiderThanTheIntegers();
     void absurdNumbers();
     void valenceGraph();
     void thicknessGraph();
@@ -145,6 +146,17 @@ void TestHistogramGraph::manyBinsOnMirroredAxis()
     QCOMPARE(paintedBars(coord, h), literalBars(coord, h));
 }
 
+void TestHistogramGraph::barWiderThanTheIntegers()
+{
+    const HistogramCounts h = histogram(0.5, 3.5, 4, {10, 10, 10, 10}, 0, 0);
+    ChCoord coord;
+    setCanvas(coord, 1.5, -1, 1.5 + 1e-9,
+              20); // a bin of 340,000,000,000 pixels
+    QCOMPARE(barRects(coord, h), (std::vector<QRect>{{0, 136, 400, 121}}));
+    setCanvas(coord, 1.5 + 1e-9, -1, 1.5, 20);
+    QCOMPARE(barRects(coord, h), (std::vector<QRect>{{0, 136, 400, 121}}));
+}
+
 void TestHistogramGraph::absurdNumbers()
 {
     constexpr double infinite = std::numeric_limits<double>::infinity();
@@ -158,6 +170,15 @@ void TestHistogramGraph::absurdNumbers()
             setCanvas(coord, -range, -range, range, range);
             QVERIFY(barRects(coord, h).size() <= 5);
         }
+    }
+    for (const double v : {1e300, -1e300}) { // starts far off and is as wide
+        HistogramCounts h;
+        h.counts = {1};
+        h.from = v;
+        h.width = v;
+        ChCoord coord;
+        setCanvas(coord, 0, -1, 1, 2);
+        QVERIFY(barRects(coord, h).empty());
     }
     HistogramCounts single = histogram(1, 1, 1, {3}, 0, 0); // a bin of infinite or no width
     ChCoord coord;
