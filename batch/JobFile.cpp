@@ -63,7 +63,7 @@ private:
     Handler number(QString& text);
     Handler flag(std::optional<bool>& value);
     Handler flag(bool& value);
-    Handler spectrum(JobSpectrum& spectrum);
+    Handler filePath(JobFilePath& file);
     template <typename Value>
     Handler choice(std::optional<Value>& value, std::vector<std::pair<const char*, Value>> choices);
 
@@ -139,12 +139,12 @@ JobReader::Handler JobReader::flag(bool& value)
     };
 }
 
-JobReader::Handler JobReader::spectrum(JobSpectrum& spectrum)
+JobReader::Handler JobReader::filePath(JobFilePath& file)
 {
-    return [this, &spectrum](const toml::node& node, const QString& name) {
+    return [this, &file](const toml::node& node, const QString& name) {
         const auto text = node.value_exact<std::string_view>();
         if (text && !text->empty())
-            spectrum = {QDir(m_folder).filePath(textOf(*text)), lineOf(node.source())};
+            file = {QDir(m_folder).filePath(textOf(*text)), lineOf(node.source())};
         else
             fail(node, QStringLiteral("%1 is the path of a file, in quotation marks").arg(name));
     };
@@ -175,7 +175,8 @@ JobPoint JobReader::readPoint(const toml::table& table)
              {{"energy", number(point.energy)},
               {"use", flag(point.use)},
               {"t_ratio", flag(point.tRatio)},
-              {"v_point", flag(point.vPoint)}});
+              {"v_point", flag(point.vPoint)},
+              {"map", filePath(point.map)}});
     if (!table.contains("energy"))
         fail(table, QStringLiteral("a [[point]] needs an energy"));
     return point;
@@ -216,9 +217,10 @@ void JobReader::readCalculate(const toml::node& node)
 {
     job.calculateTarget = false;
     job.calculateLcf = false;
+    job.calculateMap = false;
     const toml::array* array = node.as_array();
     if (array == nullptr || array->empty()) {
-        fail(node, QStringLiteral("calculate is a list of \"target\", \"lcf\""));
+        fail(node, QStringLiteral("calculate is a list of \"target\", \"lcf\", \"map\""));
         return;
     }
     for (const toml::node& item : *array) {
@@ -227,17 +229,20 @@ void JobReader::readCalculate(const toml::node& node)
             job.calculateTarget = true;
         else if (name && *name == "lcf")
             job.calculateLcf = true;
+        else if (name && *name == "map")
+            job.calculateMap = true;
         else
-            fail(item, QStringLiteral("calculate is a list of \"target\", \"lcf\""));
+            fail(item, QStringLiteral("calculate is a list of \"target\", \"lcf\", \"map\""));
     }
 }
 
 void JobReader::read(const toml::table& root)
 {
-    const Keys files{{"ref1", spectrum(job.spectra[Job::Ref1])},
-                     {"ref2", spectrum(job.spectra[Job::Ref2])},
-                     {"target", spectrum(job.spectra[Job::Target])},
-                     {"blank", spectrum(job.spectra[Job::Blank])}};
+    const Keys files{{"ref1", filePath(job.spectra[Job::Ref1])},
+                     {"ref2", filePath(job.spectra[Job::Ref2])},
+                     {"target", filePath(job.spectra[Job::Target])},
+                     {"blank", filePath(job.spectra[Job::Blank])},
+                     {"map_result", filePath(job.mapResult)}};
     const Keys edge{{"energy", number(job.edge)},
                     {"pre_edge_end", number(job.preEdgeEnd)},
                     {"post_edge_start", number(job.postEdgeStart)}};

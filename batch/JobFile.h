@@ -9,8 +9,8 @@
 #include <optional>
 #include <vector>
 
-/// A spectrum that a job names.
-struct JobSpectrum {
+/// A file that a job names.
+struct JobFilePath {
     QString path; ///< empty: not given
     int line = 0; ///< of the job file
 };
@@ -21,13 +21,14 @@ struct JobPoint {
     bool use = true;
     bool tRatio = false;
     bool vPoint = false;
+    JobFilePath map; ///< 2D data
 };
 
 /// What to do without a window: the settings that differ from the form's defaults and the
 /// calculations to run. Whatever is empty stays as the form has it.
 struct Job {
     enum SpectrumIndex { Ref1, Ref2, Target, Blank };
-    std::array<JobSpectrum, 4> spectra;
+    std::array<JobFilePath, 4> spectra;
 
     QString edge;          ///< eV
     QString preEdgeEnd;    ///< eV, against the edge
@@ -44,8 +45,11 @@ struct Job {
     std::optional<bool> victreenIsPre; ///< which line: of the pre-edge, or of the post-edge
     std::optional<bool> exactMethod;   ///< exact, or least squares
 
+    JobFilePath mapResult; ///< result file of the map
+
     bool calculateTarget = true;
     bool calculateLcf = true;
+    bool calculateMap = false; ///< and written, where there is a result file
 };
 
 /// Why a job cannot be used.

@@ -5,6 +5,8 @@
 
 #include <QFileInfo>
 
+#include <functional>
+
 namespace
 {
 
@@ -71,15 +73,45 @@ void setConditions(const Job& job, FourPs& panel)
         (*job.exactMethod ? panel.TypeTMKisExact : panel.TypeTMKisLS)->click();
 }
 
-std::optional<JobError> nameFile(const JobSpectrum& spectrum, AXafsFileSelect* select)
+/// Names a file in a selector, if the job gives one.
+/// @param valid    whether what the selector's owner has read is of use
+/// @param missing  what there is none of otherwise
+std::optional<JobError> nameFile(const JobFilePath& given, AFileSelect* select,
+                                 const std::function<bool()>& valid, const QString& missing)
 {
-    const QFileInfo file(spectrum.path);
+    if (given.path.isEmpty())
+        return std::nullopt;
+    const QFileInfo file(given.path);
     if (!file.isFile() || !file.isReadable())
-        return JobError{spectrum.line, QStringLiteral("cannot open %1").arg(spectrum.path)};
-    select->setFile(spectrum.path);
-    if (!select->isValid())
-        return JobError{spectrum.line, QStringLiteral("no spectrum in %1").arg(spectrum.path)};
+        return JobError{given.line, QStringLiteral("cannot open %1").arg(given.path)};
+    select->setFile(given.path);
+    if (!valid())
+        return JobError{given.line, QStringLiteral("no %1 in %2").arg(missing, given.path)};
     return std::nullopt;
+}
+
+std::optional<JobError> nameFiles(const Job& job, const FourPs& panel)
+{
+    for (std::size_t i = 0; i < job.spectra.size(); ++i) {
+        AXafsFileSelect* const select = panel.xafsSelects[static_cast<int>(i)];
+        const auto valid = [select] { return select->isValid(); };
+        if (auto error = nameFile(job.spectra[i], select, valid, QStringLiteral("spectrum")))
+            return error;
+    }
+    for (std::size_t i = 0; job.points && i < job.points->size(); ++i) {
+        const AEPoint* const row = panel.ePoints[static_cast<int>(i)];
+        const auto valid = [row] { return row->mapData().valid; };
+        if (auto error = nameFile((*job.points)[i].map, row->MapFile, valid,
+                                  QStringLiteral("2D data with axes")))
+            return error;
+    }
+    return std::nullopt;
+}
+
+void runMap(const Job& job, const FourPs& panel)
+{
+    panel.SaveFSelect->FileName->setText(job.mapResult.path);
+    (job.mapResult.path.isEmpty() ? panel.CalcMapB : panel.WriteB)->click();
 }
 
 } // namespace
@@ -94,13 +126,7 @@ std::optional<JobError> applyJob(const Job& job, FourPs& panel)
     if (job.points)
         setPoints(*job.points, panel);
     setConditions(job, panel);
-    for (std::size_t i = 0; i < job.spectra.size(); ++i) {
-        if (job.spectra[i].path.isEmpty())
-            continue;
-        if (auto error = nameFile(job.spectra[i], panel.xafsSelects[static_cast<int>(i)]))
-            return error;
-    }
-    return std::nullopt;
+    return nameFiles(job, panel);
 }
 
 RunReport runJob(const Job& job, FourPs& panel)
@@ -110,10 +136,14 @@ RunReport runJob(const Job& job, FourPs& panel)
     QObject::connect(&panel, &FourPs::messageAppended, &run,
                      [&report](const QString& line) { report.messages += line; });
     QObject::connect(&panel, &FourPs::refused, &run, [&report] { report.refused = true; });
+    if (job.calculateMap)
+        runMap(job, panel);
     if (job.calculateTarget)
         panel.CalcTargetB->click();
     if (job.calculateLcf)
         panel.LCFB->click();
+    const MapResults& map = panel.lastMap();
+    report.map = QStringLiteral("%1 x %2 pixels").arg(map.columns).arg(map.rows);
     report.calcRes = panel.CalcRes->text();
     report.lcfRes = panel.LCFRes->text();
     return report;
@@ -124,6 +154,8 @@ QString reportText(const Job& job, const RunReport& report)
     QString text;
     for (const QString& line : report.messages)
         text += line + QLatin1Char('\n');
+    if (job.calculateMap)
+        text += QStringLiteral("Map: ") + report.map + QLatin1Char('\n');
     if (job.calculateTarget)
         text += QStringLiteral("CalcRes: ") + report.calcRes + QLatin1Char('\n');
     if (job.calculateLcf)

@@ -148,6 +148,8 @@ private slots:
     void windowAndBatchAgree();
     void exampleIsRecovered_data();
     void exampleIsRecovered();
+    void mapExampleIsRecovered();
+    void refusedMap();
     void onlyWhatTheJobAsksFor();
     void refusals_data();
     void refusals();
@@ -241,6 +243,60 @@ void tst_Batch::exampleIsRecovered()
     QVERIFY2(qAbs(found[2] - 0.8) < 5e-5, qPrintable(line));
     const QString fit = output.text.section(QStringLiteral("LCFRes: a : (1-a) = "), 1);
     QVERIFY2(qAbs(fit.section(QLatin1Char(' '), 0, 0).toDouble() - 0.35) < 1e-3, qPrintable(fit));
+}
+
+/// The shipped job of the map, in a folder of its own with its files.
+void tst_Batch::mapExampleIsRecovered()
+{
+    const QTemporaryDir dir;
+    const QDir example(examples + QStringLiteral("/nickel-map"));
+    for (const QString& name :
+         example.entryList({QStringLiteral("*.dat"), QStringLiteral("*.toml")}))
+        QVERIFY(QFile::copy(example.filePath(name), dir.filePath(name)));
+    QFile::remove(dir.filePath(QStringLiteral("map-result.dat")));
+    const Output output = run({dir.filePath(QStringLiteral("map-job.toml"))});
+    QCOMPARE(output.errors, QString());
+    QCOMPARE(output.status, 0);
+    const QStringList lines = output.text.split(QLatin1Char('\n'));
+    QCOMPARE(lines.size(), 3);
+    QVERIFY(lines[0].startsWith(QStringLiteral("sbys = ")));
+    QCOMPARE(lines[1], QStringLiteral("Map: 24 x 16 pixels"));
+
+    QFile file(dir.filePath(QStringLiteral("map-result.dat")));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    int pixel = 0;
+    for (const QByteArray& line : file.readAll().split('\n')) {
+        const QByteArrayList numbers = line.simplified().split(' ');
+        if (line.startsWith('#') || numbers.size() != 5)
+            continue;
+        const double a = (pixel % 24) / 23.0;
+        const int row = pixel / 24;
+        QVERIFY2(qAbs(numbers[2].toDouble() - a) < 5e-5, line.constData());
+        QVERIFY2(qAbs(numbers[3].toDouble() - (3.0 - a)) < 5e-5, line.constData());
+        QVERIFY2(qAbs(numbers[4].toDouble() - (0.25 + 0.75 * row / 15.0)) < 5e-5, line.constData());
+        ++pixel;
+    }
+    QCOMPARE(pixel, 24 * 16);
+}
+
+void tst_Batch::refusedMap()
+{
+    const Output noData = run({write(QStringLiteral("m.toml"), "calculate = [\"map\"]\n" + files)});
+    QCOMPARE(noData.text, QStringLiteral("V Point is not selected\nMap: 0 x 0 pixels\n"));
+    QCOMPARE(noData.status, 1);
+    const QByteArray point = "[[point]]\nenergy = 8390\nv_point = true\nmap = ";
+    const QString missing =
+        write(QStringLiteral("missing.toml"), "calculate = [\"map\"]\n" + point + "\"no.dat\"\n");
+    const Output noFile = run({missing});
+    QCOMPARE(noFile.errors, missing + QStringLiteral(":5: cannot open ") +
+                                m_dir.filePath(QStringLiteral("no.dat")) + QLatin1Char('\n'));
+    QCOMPARE(noFile.status, 2);
+    write(QStringLiteral("plain.dat"), "1 2 3 4\n");
+    const QString plain = write(QStringLiteral("plain.toml"), point + "\"plain.dat\"\n");
+    const Output noAxes = run({plain});
+    QCOMPARE(noAxes.errors, plain + QStringLiteral(":4: no 2D data with axes in ") +
+                                m_dir.filePath(QStringLiteral("plain.dat")) + QLatin1Char('\n'));
+    QCOMPARE(noAxes.status, 2);
 }
 
 void tst_Batch::onlyWhatTheJobAsksFor()

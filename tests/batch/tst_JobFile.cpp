@@ -41,7 +41,7 @@ private slots:
 void tst_JobFile::emptyJobKeepsTheForm()
 {
     const Job job = parsed("# nothing\n");
-    for (const JobSpectrum& spectrum : job.spectra)
+    for (const JobFilePath& spectrum : job.spectra)
         QVERIFY(spectrum.path.isEmpty());
     for (const QString& text :
          {job.edge, job.preEdgeEnd, job.postEdgeStart, job.valence1, job.valence2})
@@ -177,7 +177,9 @@ void tst_JobFile::calculationsAreChosen()
     const Job lcf = parsed("calculate = [\"lcf\"]");
     QVERIFY(!lcf.calculateTarget && lcf.calculateLcf);
     const Job both = parsed(R"(calculate = ["lcf", "target"])");
-    QVERIFY(both.calculateTarget && both.calculateLcf);
+    QVERIFY(both.calculateTarget && both.calculateLcf && !both.calculateMap);
+    const Job map = parsed(R"(calculate = ["map"])");
+    QVERIFY(!map.calculateTarget && !map.calculateLcf && map.calculateMap);
 }
 
 void tst_JobFile::errorsHaveLineAndReason_data()
@@ -194,9 +196,11 @@ void tst_JobFile::errorsHaveLineAndReason_data()
         "job:3: unknown key \"start\" in [edge]; known are: energy, pre_edge_end, "
         "post_edge_start");
     row("unknown key in a point", "[[point]]\nenergy = 1\nv_point = true\nblank = 2\n",
-        "job:4: unknown key \"blank\" in [[point]]; known are: energy, use, t_ratio, v_point");
+        "job:4: unknown key \"blank\" in [[point]]; known are: energy, use, t_ratio, v_point, "
+        "map");
     row("the first of several errors", "[files]\nref3 = 1\n[edge]\nenergy = \"x\"\n",
-        "job:2: unknown key \"ref3\" in [files]; known are: ref1, ref2, target, blank");
+        "job:2: unknown key \"ref3\" in [files]; known are: ref1, ref2, target, blank, "
+        "map_result");
     row("no table", "files = 3\n", "job:1: files is a table: [files]");
     row("text for a number", "[edge]\nenergy = \"8350\"\n", "job:2: energy is a finite number");
     row("not a number", "[edge]\nenergy = nan\n", "job:2: energy is a finite number");
@@ -226,11 +230,11 @@ void tst_JobFile::errorsHaveLineAndReason_data()
         "[[point]]\nenergy = 1\nv_point = true\n[[point]]\nenergy = 2\nv_point = true\n",
         "job:4: only one [[point]] can have v_point = true");
     row("calculate that is no list", "calculate = \"target\"\n",
-        R"(job:1: calculate is a list of "target", "lcf")");
+        R"(job:1: calculate is a list of "target", "lcf", "map")");
     row("calculate nothing", "calculate = []\n",
-        R"(job:1: calculate is a list of "target", "lcf")");
-    row("calculate something else", "calculate = [\n\"lcf\",\n\"map\"]\n",
-        R"(job:3: calculate is a list of "target", "lcf")");
+        R"(job:1: calculate is a list of "target", "lcf", "map")");
+    row("calculate something else", "calculate = [\n\"lcf\",\n\"maps\"]\n",
+        R"(job:3: calculate is a list of "target", "lcf", "map")");
     QByteArray nine = "[[point]]\nenergy = 1\nv_point = true\n";
     for (int i = 0; i < 8; ++i)
         nine += "[[point]]\nenergy = 2\n";

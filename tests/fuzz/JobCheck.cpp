@@ -14,14 +14,15 @@ bool samePoints(const Job& job, const Job& expected)
     return std::equal(job.points->begin(), job.points->end(), expected.points->begin(),
                       expected.points->end(), [](const JobPoint& a, const JobPoint& b) {
                           return a.energy == b.energy && a.use == b.use && a.tRatio == b.tRatio &&
-                                 a.vPoint == b.vPoint;
+                                 a.vPoint == b.vPoint && a.map.path == b.map.path;
                       });
 }
 
 bool samePaths(const Job& job, const Job& expected)
 {
-    return std::equal(job.spectra.begin(), job.spectra.end(), expected.spectra.begin(),
-                      [](const JobSpectrum& a, const JobSpectrum& b) { return a.path == b.path; });
+    return job.mapResult.path == expected.mapResult.path &&
+           std::equal(job.spectra.begin(), job.spectra.end(), expected.spectra.begin(),
+                      [](const JobFilePath& a, const JobFilePath& b) { return a.path == b.path; });
 }
 
 const char* settingsDifference(const Job& job, const Job& expected)
@@ -39,7 +40,7 @@ const char* settingsDifference(const Job& job, const Job& expected)
         job.victreenIsPre != expected.victreenIsPre || job.exactMethod != expected.exactMethod)
         return "conditions";
     if (job.calculateTarget != expected.calculateTarget ||
-        job.calculateLcf != expected.calculateLcf)
+        job.calculateLcf != expected.calculateLcf || job.calculateMap != expected.calculateMap)
         return "calculations";
     return samePoints(job, expected) ? nullptr : "rows";
 }

@@ -103,10 +103,11 @@ Reading section(const toml::table& root, const char* key, const char* keys)
 
 bool readFiles(const toml::table& root, const QString& folder, Job& job)
 {
-    Reading files = section(root, "files", "ref1 ref2 target blank");
+    Reading files = section(root, "files", "ref1 ref2 target blank map_result");
     const char* const names[] = {"ref1", "ref2", "target", "blank"};
     for (std::size_t i = 0; i < 4; ++i)
         job.spectra.at(i).path = files.path(names[i], folder);
+    job.mapResult.path = files.path("map_result", folder);
     return files.ok;
 }
 
@@ -145,21 +146,22 @@ bool readConditions(const toml::table& root, Job& job)
     return conditions.ok;
 }
 
-bool readPoint(const toml::table& table, std::vector<JobPoint>& points)
+bool readPoint(const toml::table& table, const QString& folder, std::vector<JobPoint>& points)
 {
-    Reading reading{&table,
-                    onlyKeys(table, {QStringLiteral("energy"), QStringLiteral("use"),
-                                     QStringLiteral("t_ratio"), QStringLiteral("v_point")})};
+    Reading reading{&table, onlyKeys(table, {QStringLiteral("energy"), QStringLiteral("use"),
+                                             QStringLiteral("t_ratio"), QStringLiteral("v_point"),
+                                             QStringLiteral("map")})};
     JobPoint point;
     point.energy = reading.number("energy");
     point.use = reading.flag("use").value_or(true);
     point.tRatio = reading.flag("t_ratio").value_or(false);
     point.vPoint = reading.flag("v_point").value_or(false);
+    point.map.path = reading.path("map", folder);
     points.push_back(point);
     return reading.ok && table.contains("energy");
 }
 
-bool readPoints(const toml::table& root, Job& job)
+bool readPoints(const toml::table& root, const QString& folder, Job& job)
 {
     const toml::node* node = root.get("point");
     if (!node)
@@ -170,7 +172,7 @@ bool readPoints(const toml::table& root, Job& job)
     std::vector<JobPoint> points;
     int vPoints = 0;
     for (const toml::node& row : *array) {
-        if (!row.is_table() || !readPoint(*row.as_table(), points))
+        if (!row.is_table() || !readPoint(*row.as_table(), folder, points))
             return false;
         vPoints += points.back().vPoint ? 1 : 0;
     }
@@ -191,6 +193,8 @@ bool readCalculate(const toml::table& root, Job& job)
         names.append(item.is_string() ? fromUtf8(**item.as_string()) : QString());
     job.calculateTarget = names.contains(QStringLiteral("target"));
     job.calculateLcf = names.contains(QStringLiteral("lcf"));
+    job.calculateMap = names.contains(QStringLiteral("map"));
+    names.removeAll(QStringLiteral("map"));
     names.removeAll(QStringLiteral("target"));
     names.removeAll(QStringLiteral("lcf"));
     return names.isEmpty();
@@ -210,7 +214,7 @@ bool readJob(const QByteArray& text, const QString& folder, Job& job)
                            QStringLiteral("valences"),   QStringLiteral("point"),
                            QStringLiteral("conditions"), QStringLiteral("calculate")};
     return onlyKeys(root, keys) && readFiles(root, folder, job) && readNumbers(root, job) &&
-           readConditions(root, job) && readPoints(root, job) && readCalculate(root, job);
+           readConditions(root, job) && readPoints(root, folder, job) && readCalculate(root, job);
 }
 
 } // namespace literal
