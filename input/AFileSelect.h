@@ -25,6 +25,7 @@ public:
     explicit AFileSelect(QWidget* parent = nullptr, int mode = Open);
     ~AFileSelect() override;
 
+    /// Text before the line.
     QString label() const { return Label->text(); }
     void setLabel(const QString& text) { Label->setText(text); }
 
@@ -54,15 +55,17 @@ public:
     QFileDialog* dialog();
 
 signals:
-    void newDir(const QString& dir);
-    void newFilePath(const QString& path);
-    void newFilePaths(const QStringList& paths);
+    void newDir(const QString& dir);             ///< folder of what was chosen
+    void newFilePath(const QString& path);       ///< one file; empty where it was cleared
+    void newFilePaths(const QStringList& paths); ///< all files chosen in the dialog
 
 public slots:
-    void newFile(const QString& path) { setFile(path); }
+    void newFile(const QString& path) { setFile(path); } ///< chosen in the dialog
     /// The dialog's highlighted file. Only the final choice counts, so nothing happens.
     void selectingFile(const QString& path);
+    /// Shows the names without folders and announces the folder of the first one and all paths.
     void newFiles(const QStringList& paths);
+    /// Empties the line and announces an empty path.
     void clearFileName();
 
 protected:

@@ -32,6 +32,8 @@ public:
     /// lines of a spectrum that is there.
     void setEdgeParameters(double preEdgeEnd, double edge, double postEdgeStart);
 
+    /// Whether muTAt() subtracts a Victreen line, and whether it is the pre-edge or the post-edge
+    /// one.
     void setUseVic(bool use) { m_useVic = use; }
     void setVicIsPre(bool pre) { m_vicIsPre = pre; }
 
@@ -45,7 +47,7 @@ public:
 public slots:
     /// Reads the file; a file that cannot be read shows nothing.
     void newFile(const QString& path);
-    void draw(QStylePainter* painter);
+    void draw(QStylePainter* painter); ///< the spectrum, in the panel of setPreview()
     // The preview reacts to no mouse; the slots are where it would.
     void mPressed(MouseC* mouse);
     void mReleased(MouseC* mouse);

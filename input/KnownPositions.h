@@ -11,6 +11,7 @@ namespace KnownPositions
 {
 
 std::vector<SharedPositions> all();
+/// Makes positions known; they are not kept by this.
 void add(const SharedPositions& positions);
 
 } // namespace KnownPositions
