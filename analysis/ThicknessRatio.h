@@ -21,7 +21,6 @@ struct ThicknessRatios {
     double trLsBNB;
     double trVic2; ///< edge jump of Ref 1 over that of Ref 2
 
-    /// The figure that serves as rho; the intercepts never do.
     double selected(ThicknessType type) const;
 };
 

@@ -19,7 +19,6 @@ public:
     explicit Body(QWidget* parent = nullptr);
     ~Body() override;
 
-    /// The analysis panel; it belongs to the window.
     FourPs* panel() const { return m_panel; }
 
 private:

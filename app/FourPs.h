@@ -44,13 +44,9 @@ public:
     /// Adds one simplified line to the message pane and shows its end.
     void appendMessage(const QString& text);
 
-    /// Fraction of Ref 1 that the point methods found last in the target; 0 before.
     double lastA() const { return m_lastA; }
-    /// Mean valence that belongs to it, with the valences typed at that time; 0 before.
     double lastValence() const { return m_lastValence; }
-    /// The last map calculated; empty before.
     const MapResults& lastMap() const { return mapResults; }
-    /// The figures that the message pane told last; all 0 before.
     const ThicknessRatios& thicknessRatioFigures() const { return m_ratios; }
 
 signals:
@@ -90,7 +86,6 @@ public slots:
 
     // Graphs.
     void clearLCFvs4PS(MouseC* mouse); ///< double click on "LCF vs 4PS": forgets its points
-    /// Paints the graph of a panel; the first three are painted by their selectors.
     void draw(Displays::DispId id, DispABase* panel, QStylePainter* painter);
 
     void lcf(); ///< linear combination fit of the target

@@ -21,7 +21,6 @@ public:
     /// The energy field as a number, eV.
     double energy() const;
 
-    /// The row's 2D data; not valid before a file was read.
     const MapData& mapData() const { return m_mapData; }
 
     bool useVic = false;          ///< references have a Victreen line subtracted
@@ -29,9 +28,9 @@ public:
     bool vicIsPre = false;        ///< the line is the one below the edge
 
 signals:
-    void newDir(const QString& dir);         ///< of the 2D data file
-    void newEnergy(double energy);           ///< eV; typed, or told by a 2D data file
-    void changedCB();                        ///< "Use", "T.Ratio." or "V.Point" was clicked
+    void newDir(const QString& dir);
+    void newEnergy(double energy);
+    void changedCB();
     void refusedData(const QString& reason); ///< the 2D data were not taken
     /// What is being read and how much of it is done: 0 at the beginning, 1 at the end.
     void progress(const QString& text, double part);
@@ -40,7 +39,7 @@ public slots:
     /// Reads a 2D data file. One that cannot be opened leaves the row invalid and keeps the old
     /// records.
     void loadData(const QString& path);
-    void inNewEnergy(); ///< tells the energy field's number to the panel
+    void inNewEnergy();
 
 private:
     MapData m_mapData;

@@ -25,7 +25,6 @@ public:
     explicit AFileSelect(QWidget* parent = nullptr, int mode = Open);
     ~AFileSelect() override;
 
-    /// Text before the line.
     QString label() const { return Label->text(); }
     void setLabel(const QString& text) { Label->setText(text); }
 
@@ -55,17 +54,15 @@ public:
     QFileDialog* dialog();
 
 signals:
-    void newDir(const QString& dir);             ///< folder of what was chosen
-    void newFilePath(const QString& path);       ///< one file; empty where it was cleared
-    void newFilePaths(const QStringList& paths); ///< all files chosen in the dialog
+    void newDir(const QString& dir);
+    void newFilePath(const QString& path);
+    void newFilePaths(const QStringList& paths);
 
 public slots:
-    void newFile(const QString& path) { setFile(path); } ///< chosen in the dialog
+    void newFile(const QString& path) { setFile(path); }
     /// The dialog's highlighted file. Only the final choice counts, so nothing happens.
     void selectingFile(const QString& path);
-    /// Shows the names without folders and announces the folder of the first one and all paths.
     void newFiles(const QStringList& paths);
-    /// Empties the line and announces an empty path.
     void clearFileName();
 
 protected:

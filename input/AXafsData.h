@@ -37,9 +37,6 @@ public:
     /// Refits the four lines from the points and the bounds; nothing happens without points.
     void fitVictreens();
 
-    /// Values of the fitted lines at an energy (eV), in units of mu-t: with and without (NoC) the
-    /// constant, their differences post-edge less pre-edge, and these at the edge. What the fit
-    /// gives where a line has too few points comes out here: infinities or not-a-number.
     double preVicAt(double energy) const { return preVic.at(energy); }
     double postVicAt(double energy) const { return postVic.at(energy); }
     double preVicNoCAt(double energy) const { return preVicNoC.at(energy); }

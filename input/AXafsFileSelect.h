@@ -32,8 +32,6 @@ public:
     /// lines of a spectrum that is there.
     void setEdgeParameters(double preEdgeEnd, double edge, double postEdgeStart);
 
-    /// Whether muTAt() subtracts a Victreen line, and whether it is the pre-edge or the post-edge
-    /// one.
     void setUseVic(bool use) { m_useVic = use; }
     void setVicIsPre(bool pre) { m_vicIsPre = pre; }
 
@@ -47,7 +45,7 @@ public:
 public slots:
     /// Reads the file; a file that cannot be read shows nothing.
     void newFile(const QString& path);
-    void draw(QStylePainter* painter); ///< the spectrum, in the panel of setPreview()
+    void draw(QStylePainter* painter);
     // The preview reacts to no mouse; the slots are where it would.
     void mPressed(MouseC* mouse);
     void mReleased(MouseC* mouse);

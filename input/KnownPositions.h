@@ -11,7 +11,6 @@ namespace KnownPositions
 {
 
 std::vector<SharedPositions> all();
-/// Makes positions known; they are not kept by this.
 void add(const SharedPositions& positions);
 
 } // namespace KnownPositions

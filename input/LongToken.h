@@ -15,7 +15,6 @@ public:
     static constexpr std::size_t longestKept = 65536;
 
     bool empty() const { return m_text.empty(); }
-    /// Adds bytes at the end.
     void append(const char* first, const char* last);
     /// The token, or for one longer than longestKept a short text that converts to the same number.
     std::string_view text();

@@ -16,9 +16,7 @@ class QIODevice;
 class SpectrumReader
 {
 public:
-    /// The next token of the line, not empty.
     void token(std::string_view text);
-    /// The line has no more tokens; one without any is ignored.
     void endLine()
     {
         if (m_line.tokens > 0)

@@ -23,7 +23,6 @@ class TokenScanner
 public:
     explicit TokenScanner(Sink& sink) : m_sink(sink) {}
 
-    /// The next piece of the text; it may end within a token or a line.
     void feed(std::string_view piece)
     {
         const char* next = piece.data();
