@@ -88,6 +88,7 @@ void DrawText::drawLegendBox(QPainter* p, bool on, const QString& text, int x, i
     const QRect square(QPoint(x, y - h), QPoint(x + h - 1, y - 1));
     p->fillRect(square, on ? onColor : offColor);
     p->setPen(borderColor);
+    p->setBrush(Qt::NoBrush);
     p->drawRect(square);
     p->setPen(textColor);
     const QRectF box(x + 1.2 * h, y - 0.95 * h, width - 1.2 * h, 0.9 * h);

@@ -274,6 +274,7 @@ void TestDrawText::legendBox()
     QFETCH(QColor, filled);
     QImage image = blank();
     QPainter painter(&image);
+    painter.setBrush(Qt::yellow); // left by what was drawn before
     DrawText().drawLegendBox(&painter, on, sample, 20, 100, 60, 16);
     painter.end();
     QCOMPARE(QColor(image.pixel(20, 44)), QColor(0, 220, 220));
