@@ -2,6 +2,9 @@
 
 #include "app/BusyBar.h"
 #include "app/FourPs.h"
+#include "display/PopBase.h"
+
+#include <QCloseEvent>
 
 Body::Body(QWidget* parent) : QMainWindow(parent)
 {
@@ -15,3 +18,13 @@ Body::Body(QWidget* parent) : QMainWindow(parent)
 }
 
 Body::~Body() = default;
+
+void Body::closeEvent(QCloseEvent* event)
+{
+    event->accept();
+    for (const DispABase* graph : qAsConst(m_panel->displays->panels)) {
+        if (!graph->docked)
+            graph->pop->close();
+    }
+    m_panel->displays->close();
+}

@@ -21,6 +21,11 @@ public:
 
     FourPs* panel() const { return m_panel; }
 
+protected:
+    /// The graphs go too: without the panel there is nothing to do with them, and the program ends
+    /// with its last window.
+    void closeEvent(QCloseEvent* event) override;
+
 private:
     FourPs* m_panel;
     std::unique_ptr<BusyBar> m_busy;

@@ -1,9 +1,12 @@
 #include "app/Body.h"
 #include "app/FourPs.h"
 #include "app/Language.h"
+#include "display/PopBase.h"
 
 #include <QMenuBar>
+#include <QSignalSpy>
 #include <QStatusBar>
+#include <QTimer>
 #include <QtTest>
 
 class tst_Body : public QObject
@@ -15,6 +18,7 @@ private slots:
     void languageChoice();
     void titleAndNames();
     void growsToThePanel();
+    void closingEndsTheProgram();
 };
 
 void tst_Body::languageChoice_data()
@@ -59,6 +63,30 @@ void tst_Body::growsToThePanel()
     body.panel()->DispCondsB->setChecked(true);
     QVERIFY(body.minimumSizeHint().width() <= 1280);
     QVERIFY(body.minimumSizeHint().height() <= 800);
+}
+
+void tst_Body::closingEndsTheProgram()
+{
+    Body body;
+    body.show();
+    Displays* graphs = body.panel()->displays;
+    graphs->show();
+    DispABase* muts = graphs->panel(Displays::DispMuts);
+    muts->popDock();
+    QSignalSpy lastWindow(qApp, &QGuiApplication::lastWindowClosed);
+    graphs->close();
+    QVERIFY(muts->pop->isVisible());
+    graphs->show();
+    QVERIFY(lastWindow.isEmpty());
+    QTimer::singleShot(0, &body, [&body] { // only a running program has a last window
+        body.close();
+        QApplication::exit();
+    });
+    QApplication::exec();
+    QVERIFY(!graphs->isVisible());
+    QVERIFY(!muts->pop->isVisible());
+    QVERIFY(muts->docked);
+    QCOMPARE(lastWindow.size(), 1);
 }
 
 QTEST_MAIN(tst_Body)
