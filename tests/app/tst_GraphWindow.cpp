@@ -60,6 +60,8 @@ private slots:
     void normalizationButtons();
     void chosenSpectrumIsWider();
     void removedSpectrumIsGone();
+    void removedSpectrumIsTheChosenOne();
+    void displayOnlySpectraFollowTheEdge();
     void histogramsShowTheMap();
     void thicknessAgainstValence();
     void fourPointGeometry();
@@ -424,6 +426,48 @@ void TestGraphWindow::removedSpectrumIsGone()
     QCOMPARE(canvas::count(loaded.picture(Displays::DispMuts), sixth), 0);
     user::click(panel.RemoveAFile);
     QCOMPARE(canvas::count(loaded.picture(Displays::DispMuts), QColor(200, 200, 0)), 0);
+}
+
+void TestGraphWindow::removedSpectrumIsTheChosenOne()
+{
+    const auto pictureWithout = [](int index) {
+        LoadedPanel loaded(false);
+        loaded.panel().SelectedFs->setCurrentIndex(index);
+        user::click(loaded.panel().RemoveAFile);
+        return loaded.picture(Displays::DispMuts);
+    };
+    const auto pictureWithOnly = [](const char* name) {
+        LoadedPanel loaded(false);
+        user::click(loaded.panel().RemoveAFile);
+        user::click(loaded.panel().RemoveAFile);
+        loaded.panel().receiveNewDispFiles({loaded.file(name)});
+        return loaded.picture(Displays::DispMuts);
+    };
+    const QImage target = pictureWithOnly("target.dat");
+    const QImage ref1 = pictureWithOnly("ref1.dat");
+    QVERIFY(target != ref1);
+    QCOMPARE(pictureWithout(0), target);
+    QCOMPARE(pictureWithout(1), ref1);
+}
+
+// A spectrum that is both analysed and displayed has one curve, whatever the lines are fitted to.
+void TestGraphWindow::displayOnlySpectraFollowTheEdge()
+{
+    LoadedPanel loaded(false);
+    FourPs& panel = loaded.panel();
+    panel.SelectedFs->setCurrentIndex(-1); // none of them is wide
+    const auto seen = [&loaded] {
+        const QImage picture = loaded.picture(Displays::DispMuts);
+        return canvas::count(picture, QColor(200, 200, 0)) +
+               canvas::count(picture, QColor(240, 0, 240));
+    };
+    QCOMPARE(seen(), 0);
+    user::type(panel.PostEStartDE, QStringLiteral("20"));
+    QCOMPARE(seen(), 0);
+    user::type(panel.PreEEndDE, QStringLiteral("30"));
+    QCOMPARE(seen(), 0);
+    panel.SelectedFs->setCurrentIndex(1);
+    QVERIFY(seen() > 0);
 }
 
 void TestGraphWindow::histogramsShowTheMap()
