@@ -7,6 +7,8 @@
 
 #include <QtTest>
 
+#include <functional>
+
 namespace
 {
 
@@ -35,6 +37,27 @@ QPointF middle(const LoadedPanel& loaded, int position)
 
 } // namespace
 
+using Act = std::function<void(FourPs&)>;
+Q_DECLARE_METATYPE(Act)
+
+/// Counts how often a widget is painted.
+class Paints : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Paints(QWidget* widget) { widget->installEventFilter(this); }
+
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        count += event->type() == QEvent::Paint;
+        return QObject::eventFilter(watched, event);
+    }
+};
+
 class TestGraphWindow : public QObject
 {
     Q_OBJECT
@@ -62,6 +85,9 @@ private slots:
     void removedSpectrumIsGone();
     void removedSpectrumIsTheChosenOne();
     void displayOnlySpectraFollowTheEdge();
+    void thicknessGraphFollowsTheMap();
+    void repaintsWithEachChange_data();
+    void repaintsWithEachChange();
     void histogramsShowTheMap();
     void thicknessAgainstValence();
     void fourPointGeometry();
@@ -468,6 +494,61 @@ void TestGraphWindow::displayOnlySpectraFollowTheEdge()
     QCOMPARE(seen(), 0);
     panel.SelectedFs->setCurrentIndex(1);
     QVERIFY(seen() > 0);
+}
+
+void TestGraphWindow::thicknessGraphFollowsTheMap()
+{
+    LoadedPanel loaded;
+    const QImage first = loaded.picture(Displays::DispTA);
+    loaded.panel().TypeTMKisExact->setChecked(true);
+    loaded.panel().TRLSquareNB->setChecked(true);
+    QCOMPARE(loaded.picture(Displays::DispTA), first); // no new map yet
+    user::type(loaded.panel().ePoints[2]->Mut1, QStringLiteral("0.7"));
+    user::click(loaded.panel().CalcMapB);
+    const QImage second = loaded.picture(Displays::DispTA);
+    QVERIFY(second != first);
+    user::click(loaded.panel().CalcMapB);
+    QCOMPARE(loaded.picture(Displays::DispTA), second);
+}
+
+void TestGraphWindow::repaintsWithEachChange_data()
+{
+    QTest::addColumn<Act>("act");
+    QTest::addColumn<int>("position");
+    const auto row = [](const char* name, const Act& act, int position = Displays::DispMuts) {
+        QTest::newRow(name) << act << position;
+    };
+    row("normalization", [](FourPs& panel) { panel.NNone->setChecked(true); });
+    row("displayed file", [](FourPs& panel) { panel.SelectedFs->setCurrentIndex(1); });
+    row("new displayed file",
+        [](FourPs& panel) { panel.receiveNewDispFiles({panel.SelectedFs->itemText(0)}); });
+    row("energy",
+        [](FourPs& panel) { user::type(panel.ePoints[1]->Energy, QStringLiteral("8380")); });
+    row("edge", [](FourPs& panel) { user::type(panel.EdgeE, QStringLiteral("8351")); });
+    row("column of Ref 1", [](FourPs& panel) { panel.receiveNewRef1({}); });
+    row("column of the blank", [](FourPs& panel) { panel.receiveNewBlank({}); });
+    row("fit", [](FourPs& panel) { panel.lcf(); });
+    row(
+        "points of fits", [](FourPs& panel) { panel.clearLCFvs4PS(nullptr); },
+        Displays::DispLCFvs4PS);
+    row(
+        "map", [](FourPs& panel) { panel.calcMap(); }, Displays::DispHistA);
+}
+
+void TestGraphWindow::repaintsWithEachChange()
+{
+    QFETCH(Act, act);
+    QFETCH(int, position);
+    LoadedPanel loaded;
+    QVERIFY(QTest::qWaitForWindowExposed(loaded.panel().displays));
+    const Paints paints(loaded.area(position));
+    int before = -1;
+    while (before != paints.count) { // what was due already
+        before = paints.count;
+        QCoreApplication::processEvents();
+    }
+    act(loaded.panel());
+    QTRY_VERIFY(paints.count > before);
 }
 
 void TestGraphWindow::histogramsShowTheMap()
