@@ -85,6 +85,7 @@ private slots:
     void removedSpectrumIsGone();
     void removedSpectrumIsTheChosenOne();
     void displayOnlySpectraFollowTheEdge();
+    void fitIsShownAmongTheSpectra();
     void thicknessGraphFollowsTheMap();
     void repaintsWithEachChange_data();
     void repaintsWithEachChange();
@@ -494,6 +495,12 @@ void TestGraphWindow::displayOnlySpectraFollowTheEdge()
     QCOMPARE(seen(), 0);
     panel.SelectedFs->setCurrentIndex(1);
     QVERIFY(seen() > 0);
+}
+
+void TestGraphWindow::fitIsShownAmongTheSpectra()
+{
+    LoadedPanel loaded(false); // a fit was made
+    QVERIFY(canvas::count(loaded.picture(Displays::DispMuts), QColor(255, 128, 0)) > 0);
 }
 
 void TestGraphWindow::thicknessGraphFollowsTheMap()
