@@ -1,6 +1,7 @@
 #include "analysis/Workers.h"
 
 #include <algorithm>
+#include <system_error>
 
 namespace
 {
@@ -13,8 +14,12 @@ constexpr unsigned maxSharedThreads = 16;
 Workers::Workers(unsigned threads)
 {
     m_threads.reserve(std::max(1U, threads) - 1);
-    for (unsigned worker = 1; worker < threads; ++worker)
-        m_threads.emplace_back([this, worker] { loop(worker); });
+    try {
+        for (unsigned worker = 1; worker < threads; ++worker)
+            m_threads.emplace_back([this, worker] { loop(worker); });
+    } catch (const std::system_error&) {
+        // The system gives no more threads; the work is done by those that there are.
+    }
 }
 
 Workers::~Workers()

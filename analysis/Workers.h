@@ -20,7 +20,8 @@ public:
     /// One task: its number, and the number of the thread that does it (0 is the one that asked).
     using Task = std::function<void(std::size_t task, unsigned worker)>;
 
-    /// @param threads  all in all, the asking one included; at least 1
+    /// @param threads  all in all, the asking one included; at least 1. Fewer where the system
+    ///                 refuses.
     explicit Workers(unsigned threads);
     ~Workers();
     Workers(const Workers&) = delete;

@@ -120,14 +120,16 @@ QString writeMap(const QString& folder, const MapSample& map)
     const QDir dir(folder);
     int i = 0;
     for (const double energy : mapEnergies()) {
-        const QString path = dir.filePath(mapFileName(i++));
+        QString path = dir.filePath(mapFileName(i++));
         if (!writeImage(path, map, energy))
             return path;
     }
-    const QString path = dir.filePath(QStringLiteral("map-truth.toml"));
+    QString path = dir.filePath(QStringLiteral("map-truth.toml"));
     QSaveFile truth(path);
     const QByteArray text = truthText(map);
     const bool written =
         truth.open(QIODevice::WriteOnly) && truth.write(text) == text.size() && truth.commit();
-    return written ? QString() : path;
+    if (written)
+        path.clear();
+    return path;
 }

@@ -5,6 +5,8 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -13,6 +15,19 @@ int widthForNumbers(const QLineEdit* field)
 {
     constexpr int frameAndMargins = 12;
     return field->fontMetrics().horizontalAdvance(QStringLiteral("-1.23457e-05")) + frameAndMargins;
+}
+
+} // namespace
+
+namespace
+{
+
+/// Every energy of a file takes the place of the one before. A file has one; of the thousands in a
+/// broken one only the last few take their turn.
+QStringList lastOf(const QStringList& energies)
+{
+    constexpr int few = 100;
+    return energies.mid(std::max(0, energies.size() - few));
 }
 
 } // namespace
@@ -64,7 +79,7 @@ void AEPoint::loadData(const QString& path)
     emit progress(text, 0.0);
     const MapReadResult result = readMapData(path, m_mapData, options);
     emit progress(text, 1.0);
-    for (const QString& token : result.energies) {
+    for (const QString& token : lastOf(result.energies)) {
         Energy->setText(token);
         inNewEnergy();
     }

@@ -43,6 +43,10 @@ bool MapAssembly::expectMore(std::size_t records, std::size_t bytes)
 
 bool MapAssembly::fits() const
 {
+    // A header of more than this is no header, and would have to be written with every result.
+    constexpr std::size_t largestHeader = std::size_t{64} << 20;
+    if (m_headerBytes > largestHeader)
+        return false;
     const std::size_t positions = m_positions.shared() ? 0 : m_positions.size();
     return m_data.mut.size() * sizeof(double) + positions * sizeof(MapPosition) + m_headerBytes <=
            m_memory;

@@ -147,7 +147,9 @@ void writeWithPoint(std::uint64_t digits, int before, char* out)
 void writeExponent(int exponent, char* out)
 {
     const auto magnitude = static_cast<std::size_t>(std::abs(exponent)); // two digits here
-    store('e' | (exponent < 0 ? '-' : '+') << 8 | triplets.entries[magnitude] >> 8 << 16, out);
+    constexpr std::uint32_t minus = 'e' | '-' << 8;
+    constexpr std::uint32_t plus = 'e' | '+' << 8;
+    store((exponent < 0 ? minus : plus) | triplets.entries[magnitude] >> 8 << 16, out);
 }
 
 /// Writes the text; its end is layout.size characters on.

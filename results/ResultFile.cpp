@@ -12,6 +12,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <sys/stat.h>
 
 namespace
@@ -97,7 +98,13 @@ public:
     OrderedWriter(QFile& file, std::size_t waiting) : m_file(file), m_maxWaiting(waiting) {}
 
     bool failed() const { return m_failed; }
-    void fail() { m_failed = true; }
+    /// Nothing more is written; whoever waits goes on.
+    void fail()
+    {
+        m_failed = true;
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_room.notify_all();
+    }
 
     void write(const char* text, std::size_t size)
     {
@@ -106,12 +113,12 @@ public:
             m_failed = true;
     }
 
-    /// A buffer for a block's text, used before where there is one.
+    /// A buffer for a block's text, used before where there is one; null where memory is refused.
     Buffer takeBuffer()
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         if (m_spare.empty())
-            return std::make_unique<PixelArray<char>>();
+            return Buffer(new (std::nothrow) PixelArray<char>);
         Buffer buffer = std::move(m_spare.back());
         m_spare.pop_back();
         return buffer;
@@ -122,7 +129,10 @@ public:
     void deliver(std::size_t block, Buffer text)
     {
         std::unique_lock<std::mutex> lock(m_mutex);
-        m_room.wait(lock, [&] { return block == m_next || m_waiting.size() < m_maxWaiting; });
+        m_room.wait(lock,
+                    [&] { return m_failed || block == m_next || m_waiting.size() < m_maxWaiting; });
+        if (m_failed)
+            return;
         m_waiting.emplace(block, std::move(text));
         while (!m_writing && !m_waiting.empty() && m_waiting.begin()->first == m_next)
             writeNext(lock);
@@ -193,8 +203,8 @@ WriteOutcome writeResultFile(const QString& path, const QStringList& header,
     const ResultText text(results, valence1, valence2);
     workers.run(text.blocks(), [&](std::size_t block, unsigned worker) {
         Buffer buffer = writer.takeBuffer();
-        if (!writer.failed() && !text.write(block, *buffer))
-            writer.fail();
+        if (!buffer || writer.failed() || !text.write(block, *buffer))
+            return writer.fail();
         writer.deliver(block, std::move(buffer));
         if (worker == 0 && progress)
             progress(static_cast<double>(block + 1) / static_cast<double>(text.blocks()));

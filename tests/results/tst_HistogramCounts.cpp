@@ -1,4 +1,5 @@
 #include "results/HistogramCounts.h"
+#include "tests/support/Random.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -271,7 +272,7 @@ void tst_HistogramCounts::mergeAddsUp()
 
 void tst_HistogramCounts::manyAtOnceEqualOneByOne()
 {
-    const quint64 seed = std::random_device{}();
+    const quint64 seed = Random::seed();
     qInfo("seed %llu", seed);
     std::mt19937_64 random(seed);
     const auto uniform = [&](double low, double high) {

@@ -38,13 +38,14 @@ public:
     }
     std::uint64_t bits() { return m_engine(); }
 
-private:
+    /// The seed of all randomized tests of a run.
     static unsigned long long seed()
     {
         const QByteArray text = qgetenv("DROVIK_TEST_SEED");
         return text.isEmpty() ? 20180917ULL : text.toULongLong();
     }
 
+private:
     unsigned long long m_seed;
     std::mt19937_64 m_engine;
 };
