@@ -59,7 +59,7 @@ struct MutsCurves {
     {
         for (const AXafsData* data : content.selected)
             selected.push_back(curveOf(data, content.normalization));
-        if (selected.size() > blankIndex && !hasEdge(selected[blankIndex], content.energies()))
+        if (selected.size() > blankIndex && !hasEdge(selected[blankIndex], content))
             selected[blankIndex].clear();
         for (const AXafsData* data : content.displayOnly)
             displayOnly.push_back(curveOf(data, content.normalization));
@@ -162,10 +162,15 @@ std::vector<QPointF> normalizedCurve(const AXafsData& data, Normalization normal
     return curve;
 }
 
-bool hasEdge(const std::vector<QPointF>& curve, const AxisEnds& energies)
+bool hasEdge(const std::vector<QPointF>& curve, const MutsContent& content)
 {
-    return std::all_of(curve.begin(), curve.end(), [&energies](const QPointF& point) {
-        return !isBetween(point.x(), energies) || (point.y() >= -1.0 && point.y() <= 3.0);
+    const double wellBelow = content.edge + content.preEndOffset / 2.0;
+    const auto fits = [wellBelow](const QPointF& point) {
+        return point.x() < wellBelow ? std::fabs(point.y()) <= 0.5
+                                     : point.y() >= -1.0 && point.y() <= 3.0;
+    };
+    return std::all_of(curve.begin(), curve.end(), [&](const QPointF& point) {
+        return !isBetween(point.x(), content.energies()) || fits(point);
     });
 }
 

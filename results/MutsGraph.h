@@ -35,9 +35,10 @@ struct MutsContent {
 /// The normalized points of a spectrum (eV, no unit) in file order.
 std::vector<QPointF> normalizedCurve(const AXafsData& data, Normalization normalization);
 
-/// True for a normalized curve that stays within one edge jump of the levels 0 to 2 between two
-/// energies. Without an edge, as a blank mostly is, it is divided by noise and leaves them.
-bool hasEdge(const std::vector<QPointF>& curve, const AxisEnds& energies);
+/// True for a normalized curve that looks like an edge in the energies shown: within half a jump of
+/// 0 well below the edge, between -1 and 3 from there on. A blank mostly has none; divided by the
+/// noise of its own jump it lies anywhere.
+bool hasEdge(const std::vector<QPointF>& curve, const MutsContent& content);
 
 /// Vertical range of curves between two energies: lowest and highest value there, each widened by a
 /// twentieth of their difference. From -0.05 to 1.05 where nothing lies there, and half a unit to

@@ -293,7 +293,7 @@ void TestMutsGraph::fitLiesOnTop()
 void TestMutsGraph::blankDoesNotSetTheRange()
 {
     const AXafsData data = spectrum({{8300, 0}, {8470, 1}});
-    const AXafsData blank = spectrum({{8300, -0.5}, {8470, 2.5}});
+    const AXafsData blank = spectrum({{8300, -0.5}, {8330, -0.8}, {8470, 2.5}});
     const QColor color = CColors().colors[3];
     MutsContent c = content();
     c.selected = {&data, nullptr, nullptr, &blank};
@@ -315,10 +315,27 @@ void TestMutsGraph::blankWithoutAnEdge()
     const QColor color = CColors().colors[3];
     MutsContent c = content();
     // What lies beside the energies shown does not count.
-    for (const auto& [value, drawn] :
-         {std::pair(3.0, true), std::pair(-1.0, true), std::pair(3.1, false),
-          std::pair(-1.1, false), std::pair(infinite, false), std::pair(notANumber, false)}) {
-        const AXafsData blank = spectrum({{8200, 50}, {8310, value}, {8320, 0}, {8400, 1}});
+    // What counts as well below the edge ends at 8325.
+    struct Row {
+        double energy;
+        double value;
+        bool drawn;
+    };
+    for (const Row& row : std::vector<Row>{{8310, 0.5, true},
+                                           {8310, -0.5, true},
+                                           {8310, 0.6, false},
+                                           {8310, -0.6, false},
+                                           {8310, notANumber, false},
+                                           {8325, 0.6, true},
+                                           {8340, 3.0, true},
+                                           {8340, -1.0, true},
+                                           {8340, 3.1, false},
+                                           {8340, -1.1, false},
+                                           {8340, infinite, false},
+                                           {8340, notANumber, false}}) {
+        const bool drawn = row.drawn;
+        const AXafsData blank =
+            spectrum({{8200, 50}, {8305, 0}, {row.energy, row.value}, {8400, 1}});
         c.selected = {&data, nullptr, nullptr, &blank};
         GraphPanel panel(painter(c));
         QCOMPARE(canvas::count(panel.picture(), color) > 0, drawn);
