@@ -16,7 +16,7 @@
 namespace
 {
 
-constexpr qint64 megabyte = 1 << 20;
+constexpr int megabyte = 1 << 20;
 
 QByteArray contents(const QString& path)
 {
@@ -186,7 +186,7 @@ void tst_HostileMaps::longLines()
         check::mapDifference(head + block.repeated(megabyte / block.size()), 0);
     QVERIFY2(!difference, difference);
 
-    hostile::writeLong(path, head, block, 64 * megabyte * hostile::scale());
+    hostile::writeLong(path, head, block, qint64{64} * megabyte * hostile::scale());
     AEPoint point;
     QSignalSpy refused(&point, &AEPoint::refusedData);
     const hostile::MemoryWatch memory;
