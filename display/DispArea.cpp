@@ -108,6 +108,7 @@ void DispArea::pickMarkLine()
     if (!markLines || markLines->lines.isEmpty())
         return;
     std::vector<MarkPosition> marks;
+    marks.reserve(static_cast<std::size_t>(markLines->lines.size()));
     for (int i = 0; i < markLines->lines.size(); ++i)
         marks.push_back({markLines->lines[i]->isXLine(), markLines->position(i)});
     const int nearest = pickMark(coord, marks, mouse.pressX, mouse.pressY);
@@ -175,7 +176,7 @@ void DispArea::drawRangeLabels(QPainter* p)
     const int m = truncToInt((coord.wx1 - coord.wx0) * coord.leftMargin);
     const int top = truncToInt(coord.py1);
     const int bottom = truncToInt(coord.py0);
-    const auto put = [this, p](double value, int length, QRectF box, Qt::AlignmentFlag side) {
+    const auto put = [this, p](double value, int length, QRectF box, int side) {
         text.putText(p, box, QFont(), side | Qt::AlignVCenter | Qt::TextDontClip, 1,
                      textFromNumber(value).left(length), labelMaxSize, false);
     };
