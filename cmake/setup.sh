@@ -6,7 +6,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 packages=(
     cmake ninja-build g++
     qtbase5-dev qttools5-dev qttools5-dev-tools qtwayland5
-    libtomlplusplus-dev libbenchmark-dev librsvg2-bin
+    libtomlplusplus-dev libbenchmark-dev libboost-dev librsvg2-bin
     xvfb xauth xdotool
     fonts-dejavu-core fonts-ipafont-gothic
 )
