@@ -3,6 +3,7 @@
 #include "app/BusyBar.h"
 #include "app/FourPs.h"
 #include "display/PopBase.h"
+#include "display/ScreenRoom.h"
 
 #include <QCloseEvent>
 
@@ -18,6 +19,12 @@ Body::Body(QWidget* parent) : QMainWindow(parent)
 }
 
 Body::~Body() = default;
+
+void Body::showEvent(QShowEvent* event)
+{
+    QMainWindow::showEvent(event);
+    fitToScreen(*this, *event);
+}
 
 void Body::closeEvent(QCloseEvent* event)
 {

@@ -22,6 +22,9 @@ public:
     FourPs* panel() const { return m_panel; }
 
 protected:
+    /// Opens no larger than the screen.
+    void showEvent(QShowEvent* event) override;
+
     /// The graphs go too: without the panel there is nothing to do with them, and the program ends
     /// with its last window.
     void closeEvent(QCloseEvent* event) override;

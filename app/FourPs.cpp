@@ -1,6 +1,7 @@
 #include "app/FourPs.h"
 
 #include "app/PanelAccess.h"
+#include "app/ScreenScroll.h"
 #include "display/DispABase.h"
 #include "display/MarkLine.h"
 #include "display/MarkLines.h"
@@ -10,6 +11,7 @@
 
 #include <QButtonGroup>
 #include <QDir>
+#include <QVBoxLayout>
 
 namespace
 {
@@ -40,6 +42,7 @@ FourPs::FourPs(QWidget* parent) : QFrame(parent)
     connectConditions();
     buildMarkLines();
     receiveNewDir(QDir::currentPath());
+    putInScrollArea();
     nameControls(*this);
     orderTabs(*this);
 }
@@ -213,4 +216,18 @@ void FourPs::buildMarkLines()
     connect(m_edgeLines.get(), &MarkLines::moving, this, &FourPs::setEdge);
     connect(m_edgeLines.get(), &MarkLines::newPos, this, &FourPs::setEdge);
     connect(m_edgeLines.get(), &MarkLines::newPos, this, &FourPs::calcBoth);
+}
+
+// When all is built: a scroll area asks at once for the size of what it gets.
+void FourPs::putInScrollArea()
+{
+    auto* contents = new QWidget;
+    contents->setObjectName(QStringLiteral("PanelContents"));
+    contents->setLayout(layout()); // takes the controls along
+    auto* scroll = new ScreenScroll;
+    scroll->setObjectName(QStringLiteral("PanelScroll"));
+    scroll->setWidget(contents);
+    auto* outer = new QVBoxLayout(this);
+    outer->setContentsMargins(QMargins());
+    outer->addWidget(scroll);
 }

@@ -106,6 +106,7 @@ private:
     void applyConditions();
     void connectConditions();
     void buildMarkLines();
+    void putInScrollArea(); ///< of use on screens smaller than the panel
 
     // Inputs.
     PointRows rows() const;

@@ -159,6 +159,7 @@ struct Session {
             paths << write(i + 4);
         panel->receiveNewDispFiles(paths);
         panel->displays->show();
+        panel->displays->resize(1100, 720); // of one size on every screen
         QApplication::processEvents();
     }
 };

@@ -44,8 +44,8 @@ struct Session {
             !writeMap(dir.path(), map).isEmpty())
             qFatal("the example cannot be written");
         body.show();
-        panel().displays->resize(1200, 900);
         panel().displays->show();
+        panel().displays->resize(1200, 900); // of one size on every screen
         panel().RefFile1->setFile(dir.filePath(fileName(Measurement::Ref1)));
         panel().RefFile2->setFile(dir.filePath(fileName(Measurement::Ref2)));
         QApplication::processEvents();

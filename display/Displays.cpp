@@ -1,8 +1,15 @@
 #include "display/Displays.h"
 
+#include "display/ScreenRoom.h"
+
 namespace
 {
+
 constexpr int notPlaced = -1;
+
+/// Height in pixels below which a panel shows hardly more than its title and buttons.
+constexpr int rowMinHeight = 120;
+
 } // namespace
 
 Displays::Displays(QWidget* parent) : QFrame(parent)
@@ -17,6 +24,8 @@ Displays::Displays(QWidget* parent) : QFrame(parent)
     addDisp(new DispABase(this), tr("Histgram of t"), DispHistT, 1, 2, 1, 1);
     addDisp(new DispABase(this), tr("t/a"), DispTA, 2, 2, 1, 1);
     addDisp(new DispABase(this), tr("M2/M3"), DispM2M3, notPlaced, notPlaced, 1, 1);
+    for (int row = 0; row < DispL->rowCount(); ++row)
+        DispL->setRowMinimumHeight(row, rowMinHeight);
 }
 
 void Displays::addDisp(DispABase* panel, const QString& title, Displays::DispId id, int column,
@@ -24,6 +33,7 @@ void Displays::addDisp(DispABase* panel, const QString& title, Displays::DispId 
 {
     panel->xTitleInGraph = true;
     panel->yTitleInGraph = true;
+    panel->setXYTitle(panel->xTitle, panel->yTitle); // the labels beside the read-outs stay empty
     panel->setTitle(title);
     if (column >= 0 && row >= 0)
         DispL->addWidget(panel, row, column, rowSpan, columnSpan);
@@ -35,6 +45,12 @@ void Displays::addDisp(DispABase* panel, const QString& title, Displays::DispId 
     connect(panel, &DispABase::mPressed, this, &Displays::receiveMPressed);
     connect(panel, &DispABase::mDragging, this, &Displays::receiveMDragging);
     connect(panel, &DispABase::mReleased, this, &Displays::receiveMReleased);
+}
+
+void Displays::showEvent(QShowEvent* event)
+{
+    QFrame::showEvent(event);
+    fitToScreen(*this, *event);
 }
 
 void Displays::update()

@@ -53,6 +53,10 @@ public slots:
     void receiveMDragging(MouseC* mouse);
     void receiveMReleased(MouseC* mouse);
 
+protected:
+    /// Opens no larger than the screen.
+    void showEvent(QShowEvent* event) override;
+
 private:
     DispABase* sendingPanel() const;
 };

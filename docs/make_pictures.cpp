@@ -55,9 +55,11 @@ void saveWindows(Album& album, Body& body)
     const FourPs* panel = body.panel();
     panel->DispCondsB->setChecked(true);
     body.show();
+    QApplication::processEvents();
+    body.resize(body.sizeHint()); // the picture may be larger than the screen
     album.save(&body, QStringLiteral("window"));
-    panel->displays->resize(graphWindow);
     panel->displays->show();
+    panel->displays->resize(graphWindow);
     QApplication::processEvents();
     album.save(panel->displays, QStringLiteral("graphs"));
 }

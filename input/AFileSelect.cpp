@@ -14,6 +14,10 @@ namespace
 const QString openStyle = QStringLiteral("background-color: rgb(255, 255, 220);");
 const QString saveStyle = QStringLiteral("background-color: rgb(255, 255, 255);");
 
+/// A name like "map_12.dat" is to be seen whole.
+constexpr int shortNameLength = 12;
+constexpr int lineEditMargin = 5;
+
 /// Folder of a file without links and detours. A folder that does not exist (yet) is only made
 /// absolute.
 QString folderOf(const QString& path)
@@ -47,6 +51,8 @@ AFileSelect::AFileSelect(QWidget* parent, int mode) : QFrame(parent)
     for (QPushButton* button : {SelectB, ClearB}) // as narrow as their texts: a window has many
         button->setFixedWidth(button->fontMetrics().horizontalAdvance(button->text()) +
                               2 * button->fontMetrics().averageCharWidth() + 8);
+    const QFontMetrics metrics = FileName->fontMetrics();
+    FileName->setMinimumWidth(shortNameLength * metrics.averageCharWidth() + 2 * lineEditMargin);
     setMode(mode);
     connect(SelectB, &QPushButton::clicked, this, &AFileSelect::showDialog);
     connect(ClearB, &QPushButton::clicked, this, &AFileSelect::clearFileName);

@@ -1,13 +1,16 @@
 // The whole interface in both languages: every text is there, in its language, and shown whole.
 
 #include "app/Body.h"
+#include "app/ScreenScroll.h"
 #include "display/DispABase.h"
 #include "display/PopBase.h"
+#include "display/ScreenRoom.h"
 #include "examples/MixedSampleFiles.h"
 #include "tests/support/PanelActions.h"
 
 #include <QRegularExpression>
 #include <QScopedPointer>
+#include <QSet>
 #include <QStyleOptionButton>
 #include <QTemporaryDir>
 #include <QTranslator>
@@ -75,6 +78,14 @@ QRect roomFor(const QWidget* widget)
     return button->style()->subElementRect(element, &option, button);
 }
 
+/// Where a control shows that it has the focus: the text cursor of a field, else its middle.
+QPoint placeOfFocus(const QWidget* control)
+{
+    return qobject_cast<const QLineEdit*>(control)
+               ? control->inputMethodQuery(Qt::ImCursorRectangle).toRect().center()
+               : control->rect().center();
+}
+
 QByteArray described(const QWidget* widget)
 {
     return (widget->objectName() + QStringLiteral(": ") + textOf(widget)).toUtf8();
@@ -110,6 +121,7 @@ private:
     QScopedPointer<Body> m_body;
 
     FourPs* panel() const { return m_body->findChild<FourPs*>(); }
+    const ScreenScroll* scroll() const { return m_body->findChild<ScreenScroll*>(); }
     QString file(Measurement measurement) const { return m_dir.filePath(fileName(measurement)); }
 
     void build(bool japanese)
@@ -119,15 +131,19 @@ private:
         m_body.reset(new Body);
     }
 
-    /// Everything that can be seen at once: both windows, the conditions, a popped out graph.
+    /// Everything that can be seen at once: both windows, the conditions, a popped out graph. The
+    /// main window is as small as it is on a screen that has room for it.
     void showAll()
     {
         panel()->DispCondsB->setChecked(true);
         m_body->show();
+        QApplication::processEvents(); // lays the panel out
+        m_body->resize(m_body->sizeHint());
         panel()->displays->show();
         panel()->displays->panel(Displays::DispMuts)->popDock();
         QVERIFY(QTest::qWaitForWindowExposed(m_body.data()));
         QVERIFY(QTest::qWaitForWindowExposed(panel()->displays));
+        QApplication::processEvents();
     }
 
     QList<QWidget*> windows() const
@@ -280,10 +296,12 @@ private slots:
         build(true);
         showAll();
         analyseTheExample();
+        for (int row = 0; row < panel()->ePoints.size(); ++row)
+            panel()->ePoints[row]->MapFile->FileName->setText(
+                QStringLiteral("map_%1.dat").arg(row + 1));
         for (const QLineEdit* field : panel()->findChildren<QLineEdit*>()) {
-            // File names may be of any length.
-            if (!field->isVisibleTo(m_body.data()) ||
-                field->objectName() == QLatin1String("FileName"))
+            // Folders may have names of any length.
+            if (!field->isVisibleTo(m_body.data()) || field->text().contains(QLatin1Char('/')))
                 continue;
             // The frame and the margins that a line edit keeps from its text.
             const int room = field->width() - 8;
@@ -307,15 +325,67 @@ private slots:
     {
         QFETCH(bool, japanese);
         build(japanese);
+        const QSize graphs = panel()->displays->size(); // before this screen has its say
         showAll();
-        for (const QWidget* window : windows()) {
-            const QSize size = window->size(); // as it opens
+        for (const QSize& size : {m_body->size(), graphs}) {
             QVERIFY2(size.width() <= smallScreen.width() && size.height() <= smallScreen.height(),
-                     qPrintable(QStringLiteral("%1: %2 x %3")
-                                    .arg(window->objectName())
-                                    .arg(size.width())
-                                    .arg(size.height())));
+                     qPrintable(QStringLiteral("%1 x %2").arg(size.width()).arg(size.height())));
         }
+    }
+
+    void nothingIsScrolledWhereThereIsRoom_data() { addLanguages(); }
+    void nothingIsScrolledWhereThereIsRoom()
+    {
+        QFETCH(bool, japanese);
+        build(japanese);
+        showAll();
+        QVERIFY(scroll()->viewport()->rect().contains(scroll()->widget()->geometry()));
+    }
+
+    // The test platform's screen is smaller than the panel.
+    void panelAsksForNoMoreThanTheScreen()
+    {
+        build(true);
+        panel()->DispCondsB->setChecked(true);
+        m_body->show();
+        QApplication::processEvents();
+        const QSize room = screenRoom(*m_body);
+        QVERIFY(m_body->sizeHint().width() > room.width());
+        QCOMPARE(m_body->minimumSizeHint().boundedTo(room), m_body->minimumSizeHint());
+    }
+
+    void windowsOpenNoLargerThanTheScreen()
+    {
+        build(true);
+        m_body->show();
+        panel()->displays->show();
+        for (const QWidget* window :
+             {static_cast<QWidget*>(m_body.data()), static_cast<QWidget*>(panel()->displays)}) {
+            const QSize room = screenRoom(*window).expandedTo(window->minimumSizeHint());
+            QCOMPARE(window->size().boundedTo(room), window->size());
+        }
+    }
+
+    void everyControlIsReachedOnASmallScreen()
+    {
+        build(true);
+        panel()->DispCondsB->setChecked(true);
+        m_body->show();
+        QVERIFY(QTest::qWaitForWindowActive(m_body.data()));
+        const QRect seen = scroll()->viewport()->rect();
+        QVERIFY(scroll()->widget()->height() > seen.height() ||
+                scroll()->widget()->width() > seen.width());
+        panel()->RefFile1->FileName->setFocus(Qt::TabFocusReason);
+        QSet<QWidget*> reached;
+        while (!reached.contains(QApplication::focusWidget())) {
+            QWidget* control = QApplication::focusWidget();
+            reached.insert(control);
+            const QPoint place = placeOfFocus(control);
+            QVERIFY2(seen.contains(control->mapTo(scroll(), place)),
+                     qPrintable(control->objectName()));
+            QTest::keyClick(control, Qt::Key_Tab);
+        }
+        QVERIFY(reached.size() > 80);
     }
 };
 

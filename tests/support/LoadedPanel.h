@@ -30,6 +30,7 @@ public:
             loadMap();
         m_panel.displays->resize(1200, 900);
         m_panel.displays->show();
+        m_panel.displays->resize(1100, 720); // of one size on every screen
         QCoreApplication::processEvents();
     }
 
