@@ -11,10 +11,14 @@ namespace
 
 constexpr double titleMaxSize = 12.0;
 
-void putTitle(QStylePainter* painter, const QRectF& box, const QString& title)
+/// A title that stays between the canvas's edge and the plot; `above` and `below` are the room on
+/// either side of the box's middle.
+void putTitle(QStylePainter* painter, const QRectF& box, const QString& title, double above,
+              double below)
 {
     DrawText::putText(painter, box, QFont(), Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextDontClip,
-                      1, title, titleMaxSize, false);
+                      1, title, DrawText::sizeWithin(*painter, title, above, below, titleMaxSize),
+                      false);
 }
 
 } // namespace
@@ -96,12 +100,15 @@ void DispABase::drawXYTitle(QStylePainter* painter)
     if (xTitleInGraph) {
         const QRectF strip(truncToInt(coord.px0), truncToInt(coord.py0) - h,
                            truncToInt(std::fabs(coord.px1 - coord.px0)), b);
-        putTitle(painter, strip, xTitle);
+        const double middle = strip.center().y();
+        putTitle(painter, strip, xTitle, middle - coord.py0, coord.wy0 - middle);
     }
     if (yTitleInGraph) {
         const int w = truncToInt(std::fabs(coord.wy1 - coord.wy0));
         painter->rotate(270.0);
-        putTitle(painter, QRectF(-w, -b, w, b), yTitle);
+        const QRectF strip(-w, -b, w, b);
+        const double middle = strip.center().y();
+        putTitle(painter, strip, yTitle, middle, coord.px0 - coord.wx0 - middle);
         painter->rotate(-270.0);
     }
 }

@@ -177,8 +177,12 @@ void DispArea::drawRangeLabels(QPainter* p)
     const int top = truncToInt(coord.py1);
     const int bottom = truncToInt(coord.py0);
     const auto put = [this, p](double value, int length, QRectF box, int side) {
-        text.putText(p, box, QFont(), side | Qt::AlignVCenter | Qt::TextDontClip, 1,
-                     textFromNumber(value).left(length), labelMaxSize, false);
+        const QString label = textFromNumber(value).left(length);
+        const double middle = box.center().y();
+        const double size =
+            DrawText::sizeWithin(*p, label, middle - coord.wy1, coord.wy0 - middle, labelMaxSize);
+        text.putText(p, box, QFont(), side | Qt::AlignVCenter | Qt::TextDontClip, 1, label, size,
+                     false);
     };
     put(coord.ry1, yLabelLength, QRectF(0, top - h, m * 0.95, b), Qt::AlignRight);
     put(coord.ry0, yLabelLength, QRectF(0, bottom, m * 0.95, b), Qt::AlignRight);

@@ -2,6 +2,7 @@
 
 #include <QDebug>
 #include <QFont>
+#include <QFontMetricsF>
 #include <QPainter>
 
 #include <algorithm>
@@ -32,6 +33,12 @@ QRectF textBox(QPainter* p, QRectF box, int flags, const QString& text)
 double excess(const QRectF& bounds, const QRectF& box)
 {
     return textExcess(bounds.width(), bounds.height(), box.width(), box.height());
+}
+
+/// Room that there is by room that is needed; 1 where none is needed.
+double roomRatio(double room, double needed)
+{
+    return needed > 0.0 ? std::max(0.0, room / needed) : 1.0;
 }
 
 } // namespace
@@ -65,6 +72,19 @@ QRectF DrawText::putText(QPainter* p, QRectF box, const QFont& font, int flags, 
     p->drawText(box, flags, text);
     p->setFont(font);
     return bounds;
+}
+
+double DrawText::sizeWithin(const QPainter& p, const QString& text, double above, double below,
+                            double maxSize)
+{
+    QFont font;
+    font.setPointSizeF(maxSize);
+    const QFontMetricsF metrics(font, p.device());
+    const QRectF ink = metrics.tightBoundingRect(text); // from the base line
+    const double baseLine = (metrics.ascent() - metrics.descent()) / 2.0;
+    const double part = std::min(
+        {1.0, roomRatio(above, -ink.top() - baseLine), roomRatio(below, ink.bottom() + baseLine)});
+    return boundedPointSize(maxSize * part);
 }
 
 QRectF DrawText::measureText(QPainter* p, QRectF box, QFont& font, int flags, int mode,

@@ -39,6 +39,15 @@ public:
     static QRectF putText(QPainter* p, QRectF box, const QFont& font, int flags, int mode,
                           const QString& text, double maxSize, bool debug);
 
+    /// Largest size in points at which the ink of a line of text in the default font, centred
+    /// vertically in a box, stays within a distance in pixels from the middle of the box.
+    /// @param above    room over the middle
+    /// @param below    room under the middle
+    /// @param maxSize  size in points (> 0) that is kept where it fits
+    /// @return at least the smallest readable size
+    static double sizeWithin(const QPainter& p, const QString& text, double above, double below,
+                             double maxSize);
+
     /// The box that a text would take, in mode 1 at the size fitted in whole points, else at the
     /// size of `font`. Draws nothing; `font` and the painter's font stay as they are.
     static QRectF measureText(QPainter* p, QRectF box, QFont& font, int flags, int mode,

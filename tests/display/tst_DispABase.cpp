@@ -23,6 +23,7 @@ private slots:
     void titlePlaces_data();
     void titlePlaces();
     void nothingToDrawSuppressesTheTitles();
+    void titleOfAFlatGraphIsNotCut();
     void popsOutAndDocks();
     void closingTheWindowDocks();
     void poppedOutCanvasKeepsItsView();
@@ -163,9 +164,9 @@ namespace
 {
 
 // A panel whose canvas is 400 x 300, painted white with the margins applied.
-void preparePanel(DispABase& panel)
+void preparePanel(DispABase& panel, QSize size = QSize(400, 300))
 {
-    panel.DispA->setFixedSize(400, 300);
+    panel.DispA->setFixedSize(size);
     QObject::connect(&panel, &DispABase::draw, &panel, [&panel](QStylePainter* painter) {
         panel.DispA->coord.applyMargins();
         painter->fillRect(panel.DispA->rect(), Qt::white);
@@ -240,6 +241,31 @@ void TestDispABase::nothingToDrawSuppressesTheTitles()
     preparePanel(panel);
     connect(&panel, &DispABase::draw, this, [&panel] { panel.DispA->coord.valid = 0; });
     QCOMPARE(canvas::count(canvas::picture(panel.DispA), Qt::white), 400 * 300);
+}
+
+void TestDispABase::titleOfAFlatGraphIsNotCut()
+{
+    DispABase panel;
+    panel.yTitleInGraph = true;
+    panel.setXYTitle(QString(), QStringLiteral("TTTT"));
+    preparePanel(panel, QSize(400, 120));
+    const QImage image = canvas::picture(panel.DispA);
+    const auto inkOf = [&image](const QRect& part) {
+        QRect ink;
+        for (int y = part.top(); y <= part.bottom(); ++y)
+            for (int x = part.left(); x <= part.right(); ++x)
+                if (qGray(image.pixel(x, y)) < 160)
+                    ink |= QRect(x, y, 1, 1);
+        return ink;
+    };
+    // The bars of the letters lie across the title's direction; with one bar cut off, the title
+    // falls into four pieces.
+    const QRect beside = inkOf(QRect(0, 0, 38, 100));
+    QVERIFY(!beside.isEmpty());
+    int gaps = 0;
+    for (int y = beside.top(); y <= beside.bottom(); ++y)
+        gaps += qGray(image.pixel(beside.left(), y)) < 160 ? 0 : 1;
+    QVERIFY2(gaps <= 5, qPrintable(QString::number(gaps)));
 }
 
 void TestDispABase::popsOutAndDocks()

@@ -60,6 +60,8 @@ private slots:
     void fillsTheBox();
     void keepsToTheCap();
     void negativeHeightFitsTheWidth();
+    void staysWithin_data();
+    void staysWithin();
     void emptyText();
     void unfittedKeepsTheFont();
     void returnsTheBoundsAtTenPoints();
@@ -134,6 +136,44 @@ void TestDrawText::negativeHeightFitsTheWidth()
     const QSizeF text = boundsAtTenPoints(sample).size();
     QCOMPARE(sizeOf(QRectF(0, 100, text.width() / 2, -1), sample, 0), 5.0);
     QCOMPARE(sizeOf(QRectF(0, 100, text.width() * 2, -1), sample, 12), 12.0);
+}
+
+void TestDrawText::staysWithin_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("above");
+    QTest::addColumn<int>("below");
+    QTest::newRow("room enough") << QStringLiteral("Thick.") << 40 << 40;
+    QTest::newRow("little above") << QStringLiteral("Thick.") << 4 << 40;
+    QTest::newRow("little below") << QStringLiteral("Eng.[eV]") << 40 << 5;
+    QTest::newRow("little") << QStringLiteral("Eng.[eV]") << 5 << 6;
+}
+
+void TestDrawText::staysWithin()
+{
+    QFETCH(QString, text);
+    QFETCH(int, above);
+    QFETCH(int, below);
+    constexpr int middle = 100;
+    QImage image = blank();
+    QPainter painter(&image);
+    const double size = DrawText::sizeWithin(painter, text, above, below, 12);
+    DrawText::putText(&painter, QRectF(0, middle + 8, 400, -16), QFont(),
+                      Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextDontClip, fitted, text, size,
+                      false);
+    painter.end();
+    QRect ink;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (qGray(image.pixel(x, y)) < 128)
+                ink |= QRect(x, y, 1, 1);
+    // Letters are set on whole pixels.
+    QVERIFY2(ink.top() >= middle - above - 1, qPrintable(QString::number(ink.top())));
+    QVERIFY2(ink.bottom() <= middle + below + 1, qPrintable(QString::number(ink.bottom())));
+    if (above == 40 && below == 40)
+        QCOMPARE(size, 12.0);
+    else // as large as it can be
+        QVERIFY(ink.top() <= middle - above + 2 || ink.bottom() >= middle + below - 2);
 }
 
 void TestDrawText::emptyText()
