@@ -7,6 +7,7 @@
 #include "display/MarkLines.h"
 #include "input/AEPoint.h"
 #include "input/AXafsData.h"
+#include "input/LightField.h"
 #include "results/Histgram.h"
 
 #include <QButtonGroup>
@@ -28,6 +29,9 @@ constexpr int lcfPanel = 4;
 FourPs::FourPs(QWidget* parent) : QFrame(parent)
 {
     setupUi(this);
+    for (QWidget* field : {static_cast<QWidget*>(CalcRes), static_cast<QWidget*>(LCFRes),
+                           static_cast<QWidget*>(Message)})
+        setBlackText(*field);
     buildSelectors();
     buildDisplays();
     buildThicknessGroup();

@@ -1,5 +1,7 @@
 #include "input/AFileSelect.h"
 
+#include "input/LightField.h"
+
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -46,6 +48,7 @@ QString textOf(const QUrl& url)
 AFileSelect::AFileSelect(QWidget* parent, int mode) : QFrame(parent)
 {
     setupUi(this);
+    setBlackText(*FileName);
     setAcceptDrops(true);
     FileName->setAcceptDrops(false); // the whole selector is the target, its line is no text field
     for (QPushButton* button : {SelectB, ClearB}) // as narrow as their texts: a window has many

@@ -5,6 +5,7 @@
 
 #include <QAccessible>
 #include <QClipboard>
+#include <QRegularExpression>
 #include <QScopedPointer>
 #include <QTranslator>
 #include <QtTest>
@@ -192,6 +193,26 @@ private slots:
                  QStringLiteral("すべての μt"));
     }
 
+    void everyNameIsJapanese()
+    {
+        QTranslator catalogue;
+        QVERIFY(catalogue.load(QStringLiteral(":/velk_ja_JP.qm")));
+        QApplication::installTranslator(&catalogue);
+        m_panel.reset(new FourPs);
+        m_panel->CConds->show();
+        static const QRegularExpression japanese(
+            QStringLiteral("[\\p{Hiragana}\\p{Katakana}\\p{Han}]"));
+        // Names of methods, the same in both languages.
+        static const QRegularExpression stays(QStringLiteral("^(LCF$|M2/M3)"));
+        for (const QWidget* window :
+             {static_cast<QWidget*>(m_panel.data()), static_cast<QWidget*>(m_panel->displays)}) {
+            for (QWidget* control : controlsOf(*window)) {
+                const QString name = spokenName(control);
+                QVERIFY2(name.contains(japanese) || name.contains(stays), qPrintable(name));
+            }
+        }
+    }
+
     void everyControlHasANameOfItsOwn()
     {
         m_panel->CConds->show();
@@ -221,6 +242,27 @@ private slots:
             QStringLiteral("M2/M3")};
         for (int i = 0; i < titles.size(); ++i)
             QCOMPARE(spokenName(m_panel->displays->panel(i)->DispA), titles[i]);
+    }
+
+    void lightFieldsHaveBlackTextOnADarkDesktop()
+    {
+        const QPalette before = QApplication::palette();
+        QPalette dark = before;
+        dark.setColor(QPalette::Base, Qt::black);
+        dark.setColor(QPalette::Text, Qt::white);
+        QApplication::setPalette(dark);
+        m_panel.reset(new FourPs);
+        int light = 0;
+        for (QWidget* field : m_panel->findChildren<QWidget*>()) {
+            if (!field->styleSheet().startsWith(QStringLiteral("background-color: rgb(255")))
+                continue;
+            field->ensurePolished();
+            QCOMPARE(field->palette().color(QPalette::Text), QColor(Qt::black));
+            ++light;
+        }
+        QCOMPARE(m_panel->EdgeE->palette().color(QPalette::Text), QColor(Qt::white));
+        QApplication::setPalette(before);
+        QCOMPARE(light, 18); // 7 and 8 selectors, two results, the messages
     }
 
     void resultsAreCopiedByKeyboard()

@@ -1,0 +1,11 @@
+#include "input/LightField.h"
+
+#include <QPalette>
+#include <QWidget>
+
+void setBlackText(QWidget& field)
+{
+    QPalette palette;
+    palette.setColor(QPalette::Text, Qt::black);
+    field.setPalette(palette);
+}
