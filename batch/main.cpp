@@ -49,7 +49,8 @@ int main(int argc, char* argv[])
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Valence from X-ray absorption spectra: runs a job without a window.\n\n"
-        "Exit status: 0 done, 1 a calculation was refused, 2 a bad job or an unreadable file."));
+        "Exit status: 0 done, 1 a calculation was refused, 2 a bad job, an unreadable file or a "
+        "report that cannot be written."));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("JOB.toml"),
