@@ -2,6 +2,7 @@
 #include "app/Language.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QTranslator>
 
 int main(int argc, char* argv[])
@@ -11,6 +12,10 @@ int main(int argc, char* argv[])
     QApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     QApplication application(argc, argv);
+    // Where the program is installed, its window has the icon of its menu entry.
+    const QString menuEntry = QStringLiteral("io.github.drovik.Drovik");
+    QApplication::setDesktopFileName(menuEntry);
+    QApplication::setWindowIcon(QIcon::fromTheme(menuEntry));
     QTranslator catalogue;
     if (wantsJapanese(QApplication::arguments())) {
         // Without the catalogue the interface stays English, so the result is of no interest.
