@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QLocale>
 #include <QStringList>
+#include <QTextCodec>
 
 #include <toml++/toml.h>
 
@@ -18,9 +19,13 @@ namespace
 constexpr std::size_t rowsOfTheTable = 8;
 constexpr qint64 largestJob = 1 << 20; ///< bytes
 
+/// Without a header: a file's name may begin with U+FEFF, which elsewhere marks the byte order.
 QString textOf(std::string_view text)
 {
-    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+    constexpr int utf8 = 106;
+    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
+    return QTextCodec::codecForMib(utf8)->toUnicode(text.data(), static_cast<int>(text.size()),
+                                                    &state);
 }
 
 int lineOf(const toml::source_region& source)

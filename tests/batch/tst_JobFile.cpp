@@ -30,6 +30,7 @@ private slots:
     void numbersKeepTheirDigits_data();
     void numbersKeepTheirDigits();
     void pathsAreRelativeToTheFolder();
+    void aByteOrderMarkIsPartOfAName();
     void calculationsAreChosen();
     void errorsHaveLineAndReason_data();
     void errorsHaveLineAndReason();
@@ -168,6 +169,16 @@ void tst_JobFile::pathsAreRelativeToTheFolder()
     QVERIFY(job);
     QCOMPARE(job->spectra[Job::Ref1].path,
              dir.filePath(QStringLiteral("sub/")) + QStringLiteral("酸化 100%1.dat"));
+}
+
+void tst_JobFile::aByteOrderMarkIsPartOfAName()
+{
+    const Job job = parsed("[files]\nref1 = \"\xEF\xBB\xBFref1.dat\"\n");
+    QCOMPARE(job.spectra[Job::Ref1].path,
+             QStringLiteral("/data/") + QChar(0xFEFF) + QStringLiteral("ref1.dat"));
+    JobError error;
+    QVERIFY(!parseJob("calculate = [\"\xEF\xBB\xBFlcf\"]", QStringLiteral("/data"), error));
+    QCOMPARE(error.reason, QStringLiteral("calculate is a list of \"target\", \"lcf\", \"map\""));
 }
 
 void tst_JobFile::calculationsAreChosen()

@@ -19,9 +19,10 @@ std::string_view view(const QByteArray& text)
     return {text.constData(), static_cast<std::size_t>(text.size())};
 }
 
+/// The toolkit takes U+FEFF at the beginning for a mark of the byte order, so it is not put there.
 QString fromUtf8(const std::string& text)
 {
-    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+    return QString::fromStdString("x" + text).mid(1);
 }
 
 bool onlyKeys(const toml::table& table, const QStringList& known)

@@ -34,7 +34,9 @@ const char* check::mapDifference(QByteArray text, std::size_t chunkBytes)
 {
     static const QTemporaryDir folder;
     static const QString path = folder.filePath(QStringLiteral("map.dat"));
-    static Workers workers(2);
+    static Workers alone(1);
+    static Workers two(2);
+    Workers& workers = text.size() % 2 == 0 ? alone : two;
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
         return "the file for the reader, which cannot be written";

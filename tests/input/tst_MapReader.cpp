@@ -611,6 +611,12 @@ void tst_MapReader::emptyAndOddFiles_data()
     QTest::newRow("binary") << QByteArray("\x7f"
                                           "ELF\x02\x01\x01\0\xff\xfe 1 2 3 4\n\n\n",
                                           21);
+    // A text stream decodes its file in blocks of 16384 bytes.
+    for (const char* broken : {"\xE3\x80", "\xE3\x80\x41", "\xF0\x9F\x98", "\xC3\xC3\xA9"})
+        for (int before = 16380; before <= 16384; ++before)
+            QTest::addRow("broken character at %d, %d bytes", before,
+                          static_cast<int>(qstrlen(broken)))
+                << QByteArray("#").leftJustified(before, 'x') + broken + "y\n1 2 3 4\n";
     QTest::newRow("long tokens") << QByteArray(30000, '1') + " 0." + QByteArray(30000, '0') +
                                         "1e30001 " + QByteArray(20000, '0') + "5 6\n";
     QTest::newRow("wide blanks") << QByteArray(50000, ' ') + "1" + QByteArray(50000, '\t') +
