@@ -22,7 +22,8 @@ public:
     PixelArray(PixelArray&& other) noexcept { swap(other); }
     PixelArray& operator=(PixelArray&& other) noexcept
     {
-        PixelArray(std::move(other)).swap(*this);
+        PixelArray moved(std::move(other));
+        swap(moved);
         return *this;
     }
     PixelArray(const PixelArray&) = delete;

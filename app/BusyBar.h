@@ -14,6 +14,8 @@ class BusyBar
 public:
     /// @param patience  milliseconds that pass before anything shows
     explicit BusyBar(QStatusBar* bar, int patience = 500);
+    BusyBar(const BusyBar&) = delete;
+    BusyBar& operator=(const BusyBar&) = delete;
 
     /// Call with part 0 when an operation begins, with what is done of it while it runs, and with 1
     /// at its end.

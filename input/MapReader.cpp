@@ -28,7 +28,7 @@ bool keepsAscii(const QTextCodec& codec)
     QByteArray ascii;
     for (int c = 0; c < 0x80; ++c)
         ascii.append(static_cast<char>(c));
-    return codec.toUnicode(ascii) == QLatin1String(ascii);
+    return codec.toUnicode(ascii) == QLatin1String(ascii.constData(), ascii.size());
 }
 
 MapEncoding localeEncoding()
