@@ -8,6 +8,7 @@ packages=(
     qtbase5-dev qttools5-dev qttools5-dev-tools qtwayland5
     libtomlplusplus-dev libbenchmark-dev libboost-dev librsvg2-bin
     xvfb xauth xdotool
+    clang clang-tidy libclang-rt-14-dev cppcheck gcovr pkg-config
     fonts-dejavu-core fonts-ipafont-gothic
 )
 
