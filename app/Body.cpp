@@ -18,7 +18,10 @@ Body::Body(QWidget* parent) : QMainWindow(parent)
             [this](const QString& text, double part) { m_busy->show(text, part); });
 }
 
-Body::~Body() = default;
+Body::~Body()
+{
+    delete m_panel; // while what shows its progress is still there
+}
 
 void Body::showEvent(QShowEvent* event)
 {
