@@ -37,6 +37,8 @@ double number(std::string_view text)
 
 void SpectrumReader::token(std::string_view text)
 {
+    if (m_started && m_line.tokens > headerTokens)
+        return; // a row has all that it needs
     if (m_started)
         dataToken(text);
     if (!m_started || m_line.tokens < headerTokens)

@@ -17,24 +17,34 @@ bool isAscii(const char* first, std::size_t size)
     return bits < 0x80;
 }
 
-/// Writes one character of a piece; at most longestCharacter bytes.
-char* write(char* to, QChar character)
+constexpr ushort minusSign = 0x2212;
+constexpr std::string_view minusSignText = "\xE2\x88\x92";
+constexpr ushort lastBlank = 0x3000; // the ideographic space
+
+/// What stands in a piece for each character up to the last blank.
+std::array<char, lastBlank + 1> substitutes()
 {
-    constexpr ushort minusSign = 0x2212;
-    constexpr ushort lastBlank = 0x3000; // the ideographic space
-    if (character.unicode() < 0x80) {
-        if (character != QLatin1Char('\r'))
-            *to++ = static_cast<char>(character.unicode());
-    } else if (character.unicode() == minusSign) {
-        for (const char byte : std::string_view("\xE2\x88\x92"))
-            *to++ = byte;
-    } else {
-        *to++ = character.unicode() <= lastBlank && character.isSpace() ? ' ' : '?';
+    std::array<char, lastBlank + 1> result{};
+    for (ushort code = 0; code <= lastBlank; ++code) {
+        const char other = QChar(code).isSpace() ? ' ' : '?';
+        result[code] = code < 0x80 ? static_cast<char>(code) : other;
+    }
+    return result;
+}
+
+/// Writes the characters of a piece; at most minusSignText.size() bytes for each.
+char* write(char* to, const QString& text)
+{
+    static const std::array<char, lastBlank + 1> substitute = substitutes();
+    for (const QChar character : text) {
+        const ushort code = character.unicode();
+        if (code == minusSign)
+            to = std::copy(minusSignText.begin(), minusSignText.end(), to);
+        else if (code != '\r')
+            *to++ = code <= lastBlank ? substitute[code] : '?';
     }
     return to;
 }
-
-constexpr std::size_t longestCharacter = 3;
 
 } // namespace
 
@@ -88,9 +98,7 @@ std::string_view TextSource::withoutReturns(char* first, std::size_t size)
 std::string_view TextSource::decoded(const char* first, std::size_t size)
 {
     const QString text = m_codec->toUnicode(first, static_cast<int>(size), &m_state);
-    m_text.resize(static_cast<std::size_t>(text.size()) * longestCharacter);
-    char* to = m_text.data();
-    for (const QChar character : text)
-        to = write(to, character);
-    return {m_text.data(), static_cast<std::size_t>(to - m_text.data())};
+    m_text.resize(static_cast<std::size_t>(text.size()) * minusSignText.size());
+    const char* const last = write(m_text.data(), text);
+    return {m_text.data(), static_cast<std::size_t>(last - m_text.data())};
 }
