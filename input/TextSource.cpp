@@ -19,13 +19,13 @@ bool isAscii(const char* first, std::size_t size)
 
 constexpr ushort minusSign = 0x2212;
 constexpr std::string_view minusSignText = "\xE2\x88\x92";
-constexpr ushort lastBlank = 0x3000; // the ideographic space
+constexpr std::size_t substituteCount = 0x3001; // the ideographic space is the last blank
 
 /// What stands in a piece for each character up to the last blank.
-std::array<char, lastBlank + 1> substitutes()
+std::array<char, substituteCount> substitutes()
 {
-    std::array<char, lastBlank + 1> result{};
-    for (ushort code = 0; code <= lastBlank; ++code) {
+    std::array<char, substituteCount> result{};
+    for (ushort code = 0; code < substituteCount; ++code) {
         const char other = QChar(code).isSpace() ? ' ' : '?';
         result[code] = code < 0x80 ? static_cast<char>(code) : other;
     }
@@ -35,13 +35,13 @@ std::array<char, lastBlank + 1> substitutes()
 /// Writes the characters of a piece; at most minusSignText.size() bytes for each.
 char* write(char* to, const QString& text)
 {
-    static const std::array<char, lastBlank + 1> substitute = substitutes();
+    static const std::array<char, substituteCount> substitute = substitutes();
     for (const QChar character : text) {
         const ushort code = character.unicode();
         if (code == minusSign)
             to = std::copy(minusSignText.begin(), minusSignText.end(), to);
         else if (code != '\r')
-            *to++ = code <= lastBlank ? substitute[code] : '?';
+            *to++ = code < substituteCount ? substitute[code] : '?';
     }
     return to;
 }
