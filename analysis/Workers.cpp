@@ -9,6 +9,26 @@ namespace
 /// More threads than this gain nothing: memory is the bound by then.
 constexpr unsigned maxSharedThreads = 16;
 
+/// Takes the threads for the length of a run, unless they are taken.
+class Turn
+{
+public:
+    explicit Turn(std::atomic<bool>& taken) : m_taken(taken), m_mine(!taken.exchange(true)) {}
+    ~Turn()
+    {
+        if (m_mine)
+            m_taken = false;
+    }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+    bool mine() const { return m_mine; }
+
+private:
+    std::atomic<bool>& m_taken;
+    bool m_mine;
+};
+
 } // namespace
 
 Workers::Workers(unsigned threads)
@@ -41,7 +61,15 @@ Workers& Workers::shared()
 
 void Workers::run(std::size_t count, const Task& task)
 {
-    const std::lock_guard<std::mutex> oneRun(m_runMutex);
+    const Turn turn(m_taken);
+    if (turn.mine())
+        return runWithThreads(count, task);
+    for (std::size_t i = 0; i < count; ++i)
+        task(i, 0);
+}
+
+void Workers::runWithThreads(std::size_t count, const Task& task)
+{
     m_next = 0;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);

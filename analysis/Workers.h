@@ -33,15 +33,19 @@ public:
     unsigned size() const { return static_cast<unsigned>(m_threads.size()) + 1; }
 
     /// Does the tasks 0 to count - 1, handed out in rising order, and waits for the last one. An
-    /// exception of a task stops the handing out and is thrown again here.
+    /// exception of a task stops the handing out and is thrown again here. While the threads are
+    /// taken, by another thread's run or by the run that this one is called from, the calling
+    /// thread does all tasks alone, as worker 0: it never waits for a run that may be waiting for
+    /// it.
     void run(std::size_t count, const Task& task);
 
 private:
+    void runWithThreads(std::size_t count, const Task& task);
     void loop(unsigned worker);
     void work(const Task& task, std::size_t count, unsigned worker);
 
-    std::mutex m_runMutex; ///< one run at a time
-    std::mutex m_mutex;    ///< guards what follows, m_next excepted
+    std::atomic<bool> m_taken{false}; ///< by one run at a time
+    std::mutex m_mutex;               ///< guards what follows, m_next excepted
     std::condition_variable m_start;
     std::condition_variable m_done;
     const Task* m_task = nullptr;

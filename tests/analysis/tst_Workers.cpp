@@ -3,6 +3,7 @@
 
 #include <QtTest>
 
+#include <array>
 #include <atomic>
 #include <stdexcept>
 #include <vector>
@@ -17,7 +18,12 @@ private slots:
     void workerNumbers();
     void handedOutInRisingOrder();
     void exceptionComesBack();
+    void exceptionStopsTheOtherThreads();
     void manyRuns();
+    void runInsideATask_data();
+    void runInsideATask();
+    void exceptionOfARunInsideATask();
+    void runsOfTwoThreadsAtOnce();
     void arrayGrowsAndKeeps();
     void arrayRefusesWithoutChange();
     void arrayMoves();
@@ -79,6 +85,26 @@ void tst_Workers::exceptionComesBack()
     QCOMPARE(done.load(), 10);
 }
 
+void tst_Workers::exceptionStopsTheOtherThreads()
+{
+    // So many tasks take seconds; the first exception ends them within a few of the other thread's.
+    constexpr std::size_t tasks = 1000000000;
+    Workers workers(2);
+    QCOMPARE(workers.size(), 2U);
+    std::atomic<bool> thrown{false};
+    std::atomic<std::size_t> after{0};
+    QVERIFY_EXCEPTION_THROWN(workers.run(tasks,
+                                         [&](std::size_t, unsigned worker) {
+                                             if (worker == 0 && !thrown.exchange(true))
+                                                 throw std::runtime_error("the first");
+                                             if (worker == 1)
+                                                 ++after;
+                                         }),
+                             std::runtime_error);
+    QVERIFY(thrown);
+    QVERIFY2(after < tasks - 1, "the other thread did every task that was left");
+}
+
 void tst_Workers::manyRuns()
 {
     Workers workers(3);
@@ -87,6 +113,84 @@ void tst_Workers::manyRuns()
     for (int i = 0; i < runs; ++i)
         workers.run(3, [&](std::size_t, unsigned) { ++done; });
     QCOMPARE(done.load(), 3 * runs);
+}
+
+void tst_Workers::runInsideATask_data()
+{
+    QTest::addColumn<unsigned>("threads");
+    QTest::newRow("one thread") << 1U;
+    QTest::newRow("two threads") << 2U;
+    QTest::newRow("five threads") << 5U;
+}
+
+// As where somebody who hears of the progress of a long operation starts another.
+void tst_Workers::runInsideATask()
+{
+    QFETCH(unsigned, threads);
+    Workers workers(threads);
+    constexpr std::size_t outer = 20;
+    constexpr std::size_t inner = 30;
+    std::vector<std::atomic<int>> times(outer * inner);
+    std::atomic<int> wrong{0};
+    workers.run(outer, [&](std::size_t i, unsigned) {
+        const std::thread::id here = std::this_thread::get_id();
+        workers.run(inner, [&](std::size_t k, unsigned worker) {
+            ++times[i * inner + k];
+            if (worker != 0 || std::this_thread::get_id() != here)
+                ++wrong;
+        });
+    });
+    for (const auto& n : times)
+        QCOMPARE(n.load(), 1);
+    QCOMPARE(wrong.load(), 0);
+    // The threads are free again: a run after it is shared out as ever.
+    std::vector<std::atomic<int>> later(1000);
+    workers.run(later.size(), [&](std::size_t task, unsigned) { ++later[task]; });
+    for (const auto& n : later)
+        QCOMPARE(n.load(), 1);
+}
+
+void tst_Workers::exceptionOfARunInsideATask()
+{
+    Workers workers(2);
+    const auto throwing = [&](std::size_t, unsigned) {
+        workers.run(5, [](std::size_t task, unsigned) {
+            if (task == 3)
+                throw std::runtime_error("three");
+        });
+    };
+    QVERIFY_EXCEPTION_THROWN(workers.run(10, throwing), std::runtime_error);
+    std::atomic<int> done{0};
+    std::atomic<int> helped{0};
+    std::atomic<bool> bothIn{false};
+    workers.run(2, [&](std::size_t task, unsigned) { // ends only where two threads take part
+        ++done;
+        if (task == 1)
+            bothIn = true;
+        while (!bothIn)
+            std::this_thread::yield();
+        ++helped;
+    });
+    QCOMPARE(done.load(), 2);
+    QCOMPARE(helped.load(), 2);
+}
+
+void tst_Workers::runsOfTwoThreadsAtOnce()
+{
+    constexpr int runs = 500;
+    constexpr std::size_t tasks = 40;
+    Workers workers(3);
+    std::array<std::array<std::atomic<int>, tasks>, 2> times{};
+    const auto ask = [&](std::size_t asker) {
+        for (int i = 0; i < runs; ++i)
+            workers.run(tasks, [&](std::size_t task, unsigned) { ++times[asker][task]; });
+    };
+    std::thread other(ask, 1);
+    ask(0);
+    other.join();
+    for (const auto& counts : times)
+        for (const auto& n : counts)
+            QCOMPARE(n.load(), runs);
 }
 
 void tst_Workers::arrayGrowsAndKeeps()
