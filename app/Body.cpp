@@ -4,6 +4,7 @@
 #include "app/FourPs.h"
 #include "display/PopBase.h"
 #include "display/ScreenRoom.h"
+#include "input/AFileSelect.h"
 
 #include <QCloseEvent>
 
@@ -37,4 +38,6 @@ void Body::closeEvent(QCloseEvent* event)
             graph->pop->close();
     }
     m_panel->displays->close();
+    for (AFileSelect* select : m_panel->findChildren<AFileSelect*>())
+        select->closeDialog();
 }

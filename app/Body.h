@@ -25,8 +25,8 @@ protected:
     /// Opens no larger than the screen.
     void showEvent(QShowEvent* event) override;
 
-    /// The graphs go too: without the panel there is nothing to do with them, and the program ends
-    /// with its last window.
+    /// The graphs and the file dialogs go too: without the panel there is nothing to do with them,
+    /// and the program ends with its last window.
     void closeEvent(QCloseEvent* event) override;
 
 private:

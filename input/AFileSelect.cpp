@@ -91,6 +91,12 @@ void AFileSelect::showDialog()
     dialog()->show();
 }
 
+void AFileSelect::closeDialog()
+{
+    if (m_dialog)
+        m_dialog->close();
+}
+
 void AFileSelect::setMode(int mode)
 {
     m_mode = mode;

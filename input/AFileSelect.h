@@ -53,6 +53,9 @@ public:
     /// window has many selectors.
     QFileDialog* dialog();
 
+    /// Closes the dialog, nothing chosen, where it is open.
+    void closeDialog();
+
 signals:
     void newDir(const QString& dir);
     void newFilePath(const QString& path);

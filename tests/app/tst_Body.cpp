@@ -2,7 +2,9 @@
 #include "app/FourPs.h"
 #include "app/Language.h"
 #include "display/PopBase.h"
+#include "input/AFileSelect.h"
 
+#include <QFileDialog>
 #include <QMenuBar>
 #include <QSignalSpy>
 #include <QStatusBar>
@@ -19,6 +21,7 @@ private slots:
     void titleAndNames();
     void growsToThePanel();
     void closingEndsTheProgram();
+    void closingTakesEveryFileDialogAlong();
 };
 
 void tst_Body::languageChoice_data()
@@ -87,6 +90,35 @@ void tst_Body::closingEndsTheProgram()
     QVERIFY(!muts->pop->isVisible());
     QVERIFY(muts->docked);
     QCOMPARE(lastWindow.size(), 1);
+}
+
+void tst_Body::closingTakesEveryFileDialogAlong()
+{
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    Body body;
+    body.show();
+    const QList<AFileSelect*> selectors = body.panel()->findChildren<AFileSelect*>();
+    QCOMPARE(selectors.size(), 15); // five of spectra, the result, a row each, all rows
+    for (AFileSelect* select : selectors) {
+        QTest::mouseClick(select->SelectB, Qt::LeftButton);
+        QVERIFY(select->dialog()->isVisible());
+    }
+    QSignalSpy lastWindow(qApp, &QGuiApplication::lastWindowClosed);
+    bool endless = false;
+    QTimer watchdog;
+    connect(&watchdog, &QTimer::timeout, &body, [&endless] {
+        endless = true;
+        QApplication::exit();
+    });
+    watchdog.start(10000);
+    QTimer::singleShot(0, &body, [&body] { body.close(); });
+    QApplication::exec(); // ends by itself, with the last window
+    QVERIFY(!endless);
+    QCOMPARE(lastWindow.size(), 1);
+    for (const QWidget* window : QApplication::topLevelWidgets())
+        QVERIFY2(!window->isVisible(), window->metaObject()->className());
+    for (AFileSelect* select : selectors)
+        QCOMPARE(select->FileName->text(), QString()); // closed with nothing chosen
 }
 
 QTEST_MAIN(tst_Body)
