@@ -29,13 +29,16 @@ QString folderOf(const QString& path)
     return canonical.isEmpty() ? folder.absolutePath() : canonical;
 }
 
-/// Text of a URL, fully decoded so that names with blanks, '%' or '#' survive. What a careless
-/// desktop lets pass for a query or a fragment is the rest of a file's name.
+const QString fileScheme = QStringLiteral("file://");
+
+/// Text of a URL, that of a file fully decoded so that names with blanks, '%' or '#' survive. What
+/// a careless desktop lets pass for a query or a fragment is the rest of a file's name.
 QString textOf(const QUrl& url)
 {
-    if (!url.isLocalFile())
-        return url.toString();
-    QString text = QStringLiteral("file://") + url.host() + url.path(QUrl::FullyDecoded);
+    const QString plain = url.toString();
+    if (!plain.startsWith(fileScheme)) // as that of "file:name", which names no place
+        return plain;
+    QString text = fileScheme + url.host() + url.path(QUrl::FullyDecoded);
     if (url.hasQuery())
         text += QLatin1Char('?') + url.query(QUrl::FullyDecoded);
     if (url.hasFragment())
@@ -179,13 +182,12 @@ void AFileSelect::dragEnterEvent(QDragEnterEvent* event)
 void AFileSelect::dropEvent(QDropEvent* event)
 {
     const QList<QUrl> urls = event->mimeData()->urls();
-    const QString scheme = QStringLiteral("file://");
     if (urls.isEmpty())
         return;
     const QString text = textOf(urls.first());
-    if (!text.startsWith(scheme))
+    if (!text.startsWith(fileScheme))
         return;
     event->acceptProposedAction();
-    const QString path = text.mid(scheme.size()).simplified();
+    const QString path = text.mid(fileScheme.size()).simplified();
     setFile(path.startsWith(QLatin1Char('/')) ? path : QStringLiteral("//") + path);
 }

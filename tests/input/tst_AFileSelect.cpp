@@ -21,6 +21,10 @@ private slots:
     void dialogListsDataFilesFirst();
     void dialogChoiceReachesTheSelector();
     void selectButtonShowsTheDialog();
+    void dialogFollowsTheFolder();
+    void existingResultIsChosenWithoutAQuestion();
+    void emptyListChangesNothing();
+    void dragWithoutFilesIsNotLetIn();
     void saveSuffix_data();
     void saveSuffix();
     void fileIsShownAndAnnounced();
@@ -30,6 +34,8 @@ private slots:
     void dropTakesTheFirstUrl();
     void dropOfOtherUrlsIsIgnored_data();
     void dropOfOtherUrlsIsIgnored();
+    void dropOfFileUrls_data();
+    void dropOfFileUrls();
     void dropOfANetworkPath();
     void dropOnAMultiFileSelector();
     void dropSimplifiesBlanks();
@@ -127,6 +133,73 @@ void tst_AFileSelect::selectButtonShowsTheDialog()
     select.dialog()->reject();
 }
 
+void tst_AFileSelect::dialogFollowsTheFolder()
+{
+    const QTemporaryDir dir;
+    const QTemporaryDir next;
+    AFileSelect select;
+    select.setDir(dir.path());
+    QCOMPARE(select.dialog()->directory().canonicalPath(), QDir(dir.path()).canonicalPath());
+    select.setDir(next.path()); // the dialog is there already
+    QCOMPARE(select.dialog()->directory().canonicalPath(), QDir(next.path()).canonicalPath());
+    select.setFile(dir.filePath(QStringLiteral("x.dat")));
+    QCOMPARE(select.dialog()->directory().canonicalPath(), QDir(dir.path()).canonicalPath());
+}
+
+void tst_AFileSelect::existingResultIsChosenWithoutAQuestion()
+{
+    const QTemporaryDir dir;
+    QFile there(dir.filePath(QStringLiteral("there.dat")));
+    QVERIFY(there.open(QIODevice::WriteOnly));
+    there.close();
+    AFileSelect select(nullptr, AFileSelect::Save);
+    QDialog* dialog = select.dialog();
+    select.dialog()->setOption(QFileDialog::DontUseNativeDialog);
+    dialog->show();
+    select.dialog()->selectFile(there.fileName());
+    bool asked = false;
+    QTimer answer; // a question would wait for it
+    connect(&answer, &QTimer::timeout, &select, [&asked] {
+        if (QWidget* question = QApplication::activeModalWidget()) {
+            asked = true;
+            question->close();
+        }
+    });
+    answer.start(0);
+    dialog->accept();
+    QVERIFY(!asked);
+    QVERIFY(!dialog->isVisible());
+    QCOMPARE(select.FileName->text(), there.fileName());
+}
+
+void tst_AFileSelect::emptyListChangesNothing()
+{
+    const QTemporaryDir dir;
+    AFileSelect select;
+    select.newFiles({dir.filePath(QStringLiteral("a.dat"))});
+    QSignalSpy dirs(&select, &AFileSelect::newDir);
+    QSignalSpy lists(&select, &AFileSelect::newFilePaths);
+    const QString folder = select.dir();
+    select.newFiles({});
+    QCOMPARE(select.FileName->text(), QStringLiteral("a.dat "));
+    QCOMPARE(select.dir(), folder);
+    QVERIFY(dirs.isEmpty());
+    QVERIFY(lists.isEmpty());
+}
+
+void tst_AFileSelect::dragWithoutFilesIsNotLetIn()
+{
+    AFileSelect select;
+    select.show();
+    QMimeData words;
+    words.setText(QStringLiteral("file:///tmp/a.dat"));
+    words.removeFormat(QStringLiteral("text/uri-list"));
+    QVERIFY(!user::dropData(&select, words));
+    QMimeData file;
+    file.setUrls({QUrl(QStringLiteral("file:///tmp/a.dat"))});
+    QVERIFY(user::dropData(&select, file));
+}
+
 void tst_AFileSelect::saveSuffix_data()
 {
     QTest::addColumn<QString>("name");
@@ -134,6 +207,10 @@ void tst_AFileSelect::saveSuffix_data()
     QTest::newRow("none") << QStringLiteral("/tmp/x") << QStringLiteral("/tmp/x.dat");
     QTest::newRow("other") << QStringLiteral("/tmp/x.txt") << QStringLiteral("/tmp/x.txt.dat");
     QTest::newRow("same") << QStringLiteral("/tmp/x.dat") << QStringLiteral("/tmp/x.dat");
+    QTest::newRow("two dots") << QStringLiteral("/tmp/x.tar.dat")
+                              << QStringLiteral("/tmp/x.tar.dat");
+    QTest::newRow("two dots, the first the same")
+        << QStringLiteral("/tmp/x.dat.txt") << QStringLiteral("/tmp/x.dat.txt.dat");
     QTest::newRow("case") << QStringLiteral("/tmp/x.DAT") << QStringLiteral("/tmp/x.DAT.dat");
 }
 
@@ -224,6 +301,8 @@ void tst_AFileSelect::dropOfOtherUrlsIsIgnored_data()
     QTest::newRow("ftp") << QUrl(QStringLiteral("ftp://example.org/a.dat"));
     QTest::newRow("empty") << QUrl();
     QTest::newRow("relative") << QUrl(QStringLiteral("a.dat"));
+    QTest::newRow("a file without a place") << QUrl(QStringLiteral("file:a.dat"));
+    QTest::newRow("a file in a folder without a place") << QUrl(QStringLiteral("file:data/a.dat"));
 }
 
 void tst_AFileSelect::dropOfOtherUrlsIsIgnored()
@@ -235,6 +314,36 @@ void tst_AFileSelect::dropOfOtherUrlsIsIgnored()
     user::dropUrls(&select, {url});
     QCOMPARE(paths.count(), 0);
     QCOMPARE(select.FileName->text(), QString());
+}
+
+// As the desktop hands them over: the bytes of a list of URLs.
+void tst_AFileSelect::dropOfFileUrls_data()
+{
+    QTest::addColumn<QByteArray>("list");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("three slashes")
+        << QByteArray("file:///tmp/a.dat\r\n") << QStringLiteral("/tmp/a.dat");
+    // The text of an absolute path's URL always has them.
+    QTest::newRow("one slash") << QByteArray("file:/tmp/a.dat\r\n") << QStringLiteral("/tmp/a.dat");
+    QTest::newRow("host") << QByteArray("file://host/share/a.dat\r\n")
+                          << QStringLiteral("//host/share/a.dat");
+    QTest::newRow("no slash") << QByteArray("file:a.dat\r\n") << QString();
+    QTest::newRow("no slash, the next with three")
+        << QByteArray("file:a.dat\r\nfile:///tmp/b.dat\r\n") << QString();
+}
+
+void tst_AFileSelect::dropOfFileUrls()
+{
+    QFETCH(QByteArray, list);
+    QFETCH(QString, shown);
+    AFileSelect select;
+    select.show();
+    QSignalSpy paths(&select, &AFileSelect::newFilePath);
+    QMimeData data;
+    data.setData(QStringLiteral("text/uri-list"), list);
+    user::dropData(&select, data);
+    QCOMPARE(select.FileName->text(), shown);
+    QCOMPARE(paths.count(), shown.isEmpty() ? 0 : 1);
 }
 
 void tst_AFileSelect::dropOfANetworkPath()

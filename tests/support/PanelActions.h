@@ -14,18 +14,25 @@
 namespace user
 {
 
-/// Drops URLs on the middle of a widget as the desktop would.
-inline void dropUrls(QWidget* target, const QList<QUrl>& urls)
+/// Drops data on the middle of a widget as the desktop would: entering first.
+/// @return whether the widget let them in
+inline bool dropData(QWidget* target, const QMimeData& data)
 {
-    QMimeData data;
-    data.setUrls(urls);
     const QPoint middle = target->rect().center();
     QDragEnterEvent enter(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(target, &enter);
     if (!enter.isAccepted())
-        return;
+        return false;
     QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(target, &drop);
+    return true;
+}
+
+inline void dropUrls(QWidget* target, const QList<QUrl>& urls)
+{
+    QMimeData data;
+    data.setUrls(urls);
+    dropData(target, data);
 }
 
 inline void drop(QWidget* target, const QString& path)
