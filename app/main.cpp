@@ -1,5 +1,6 @@
 #include "app/Body.h"
 #include "app/Language.h"
+#include "system/Signals.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -7,6 +8,7 @@
 
 int main(int argc, char* argv[])
 {
+    reportFailedWrites();
     // On screens of many points an inch everything grows alike, not the letters alone.
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setHighDpiScaleFactorRoundingPolicy(

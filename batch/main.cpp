@@ -1,5 +1,6 @@
 #include "app/FourPs.h"
 #include "batch/PanelDriver.h"
+#include "system/Signals.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -42,6 +43,7 @@ int analyse(const QString& path)
 /// Runs a job in the panel of the main program, without a window and in English.
 int main(int argc, char* argv[])
 {
+    reportFailedWrites();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("drovik-batch"));

@@ -2,9 +2,9 @@
 
 #include "analysis/WideVectors.h"
 #include "results/NumberField.h"
+#include "system/SafeFile.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <algorithm>
 #include <array>
@@ -30,20 +30,6 @@ int truncated(double value)
     if (value > -beyondInt - 1.0 && value < beyondInt)
         return static_cast<int>(value);
     return std::numeric_limits<int>::min();
-}
-
-/// The histogram's file beside a result file in canonical form; empty where there is none.
-/// Something else of that name is not one: opening a pipe would wait for somebody who reads it.
-QString existingFile(const QString& resultPath, const QString& tag)
-{
-    const QFileInfo result(resultPath);
-    const QString directory = QDir(result.path()).canonicalPath();
-    if (directory.isEmpty())
-        return {};
-    const QString name =
-        result.completeBaseName() + QLatin1Char('_') + tag + QLatin1Char('.') + result.suffix();
-    const QFileInfo file(directory + QLatin1Char('/') + name);
-    return file.isFile() ? file.canonicalFilePath() : QString();
 }
 
 /// Values are counted in groups; a histogram of more bins is not worth it.
@@ -158,11 +144,22 @@ void HistogramCounts::merge(const HistogramCounts& part)
     over += part.over;
 }
 
+QString HistogramCounts::fileBeside(const QString& resultPath, const QString& tag)
+{
+    const QFileInfo result(resultPath);
+    const QString directory = QDir(result.path()).canonicalPath();
+    if (directory.isEmpty())
+        return {};
+    const QString name =
+        result.completeBaseName() + QLatin1Char('_') + tag + QLatin1Char('.') + result.suffix();
+    const QFileInfo file(directory + QLatin1Char('/') + name);
+    return file.isFile() ? file.canonicalFilePath() : QString();
+}
+
 bool HistogramCounts::writeFile(const QString& resultPath, const QString& tag) const
 {
-    const QString path = existingFile(resultPath, tag);
-    QFile file(path);
-    if (path.isEmpty() || !file.open(QIODevice::WriteOnly | QIODevice::Text))
+    SafeFile file(fileBeside(resultPath, tag));
+    if (!file.open())
         return false;
     const int bins = static_cast<int>(counts.size());
     std::array<char, longestLine> line{};
@@ -177,7 +174,8 @@ bool HistogramCounts::writeFile(const QString& resultPath, const QString& tag) c
         *end++ = ' ';
         end = std::to_chars(end, line.data() + line.size(), count).ptr;
         *end++ = '\n';
-        file.write(line.data(), end - line.data());
+        if (!file.write(line.data(), end - line.data()))
+            return false;
     }
-    return true;
+    return file.commit();
 }

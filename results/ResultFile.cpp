@@ -2,8 +2,8 @@
 
 #include "analysis/PointRow.h"
 #include "results/NumberField.h"
+#include "system/SafeFile.h"
 
-#include <QFile>
 #include <QTextStream>
 
 #include <algorithm>
@@ -13,7 +13,6 @@
 #include <memory>
 #include <mutex>
 #include <new>
-#include <sys/stat.h>
 
 namespace
 {
@@ -95,7 +94,7 @@ class OrderedWriter
 {
 public:
     /// @param waiting  so many blocks may wait for one before them
-    OrderedWriter(QFile& file, std::size_t waiting) : m_file(file), m_maxWaiting(waiting) {}
+    OrderedWriter(SafeFile& file, std::size_t waiting) : m_file(file), m_maxWaiting(waiting) {}
 
     bool failed() const { return m_failed; }
     /// Nothing more is written; whoever waits goes on.
@@ -108,8 +107,7 @@ public:
 
     void write(const char* text, std::size_t size)
     {
-        const auto wanted = static_cast<qint64>(size);
-        if (!m_failed && m_file.write(text, wanted) != wanted)
+        if (!m_failed && !m_file.write(text, static_cast<qint64>(size)))
             m_failed = true;
     }
 
@@ -153,7 +151,7 @@ private:
         m_room.notify_all();
     }
 
-    QFile& m_file;
+    SafeFile& m_file;
     std::atomic<bool> m_failed{false};
 
     std::mutex m_mutex; ///< guards what follows
@@ -178,22 +176,14 @@ QByteArray headerText(const QStringList& header)
     return text;
 }
 
-/// Opening a pipe would wait for somebody who reads it.
-bool isPipe(const QString& path)
-{
-    struct stat status = {};
-    return stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISFIFO(status.st_mode);
-}
-
 } // namespace
 
 WriteOutcome writeResultFile(const QString& path, const QStringList& header,
                              const MapResults& results, double valence1, double valence2,
                              const std::function<void(double part)>& progress, Workers& workers)
 {
-    QFile file(path);
-    if (path.isEmpty() || isPipe(path) ||
-        !file.open(QIODevice::WriteOnly | QIODevice::Text | QIODevice::Unbuffered))
+    SafeFile file(path);
+    if (!file.open())
         return WriteOutcome::CannotOpen;
     constexpr std::size_t waitingForEach = 4;
     OrderedWriter writer(file, waitingForEach * workers.size());
@@ -209,7 +199,5 @@ WriteOutcome writeResultFile(const QString& path, const QStringList& header,
         if (worker == 0 && progress)
             progress(static_cast<double>(block + 1) / static_cast<double>(text.blocks()));
     });
-    file.close();
-    const bool written = !writer.failed() && file.error() == QFileDevice::NoError;
-    return written ? WriteOutcome::Written : WriteOutcome::CannotWrite;
+    return !writer.failed() && file.commit() ? WriteOutcome::Written : WriteOutcome::CannotWrite;
 }

@@ -2,20 +2,15 @@
 
 #include "analysis/MapCalculation.h"
 #include "analysis/Workers.h"
+#include "system/SafeFile.h"
 
 #include <QString>
 #include <QStringList>
 #include <functional>
 
-enum class WriteOutcome {
-    Written,
-    CannotOpen,
-    CannotWrite, ///< a full disk or the like; what was written up to then stays
-};
-
 /// Writes the results of a map as text: the header lines and an empty line, then for each row of
 /// the grid a line for each pixel (positions, a, valence, t) and an empty line. Pixels without
-/// result are written with zeros. An existing file is overwritten.
+/// result are written with zeros. An existing file is replaced when the new one is whole.
 /// @param header              without line ends; encoded as the toolkit's text stream does
 /// @param valence1, valence2  of Ref 1 and Ref 2
 /// @param progress            gets the part of the work done so far, 0 to 1, in the asking thread

@@ -10,6 +10,10 @@
 #include <limits>
 #include <random>
 
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
 namespace
 {
 
@@ -88,6 +92,7 @@ private slots:
     void emptyMap_data();
     void emptyMap();
     void overwrites();
+    void killedInTheMiddle();
     void cannotOpen_data();
     void cannotOpen();
     void fullDisk();
@@ -206,6 +211,29 @@ void tst_ResultFile::overwrites()
     writeResultFile(path(), {}, large, 2, 3);
     writeResultFile(path(), {}, small, 2, 3);
     QCOMPARE(contents(path()), expected);
+}
+
+/// The writer is killed when it has shown some progress: the earlier results are whole.
+void tst_ResultFile::killedInTheMiddle()
+{
+    QVERIFY(writeResultFile(path(), {}, resultsOf(1, 1, {{1, 2, 1, 1}}), 2, 3) ==
+            WriteOutcome::Written);
+    const QByteArray earlier = contents(path());
+    const MapResults results = resultsOf(300, 300, std::vector<Pixel>(90000, {1, 2, 1, 1}));
+    const pid_t child = fork();
+    if (child == 0) {
+        Workers one(1);
+        const auto die = [](double part) {
+            if (part > 0.5)
+                raise(SIGKILL);
+        };
+        writeResultFile(path(), {}, results, 2, 3, die, one);
+        _exit(0);
+    }
+    int status = 0;
+    QCOMPARE(waitpid(child, &status, 0), child);
+    QVERIFY(WIFSIGNALED(status));
+    QCOMPARE(contents(path()), earlier);
 }
 
 void tst_ResultFile::cannotOpen_data()
