@@ -4,75 +4,86 @@
 #include "display/PopBase.h"
 
 #include <QApplication>
-#include <QDir>
+#include <QHash>
 #include <QTranslator>
 
+#include <algorithm>
 #include <cstdio>
 
-// Makes the pictures of the guide: runs jobs in the real panel, one after the other, and saves the
-// main window, the graph window and each graph.
+// Makes a picture of the guide: runs jobs in the real panel, one after the other, and saves the
+// main window, the graph window or a graph.
 
 namespace
 {
 
 constexpr QSize graphWindow(1200, 960);
 constexpr QSize singleGraph(560, 420);
+constexpr int longestPalette = 256;
 
-// Names of the graphs' files, in the order of their panels.
-const char* const graphNames[] = {"ref1",        "ref2",        "target", "muts", "lcf-vs-4ps",
-                                  "histogram-a", "histogram-t", "t-a",    "m2-m3"};
+// Names of the graphs, in the order of their panels.
+const QStringList graphNames = {
+    QStringLiteral("ref1"),        QStringLiteral("ref2"),       QStringLiteral("target"),
+    QStringLiteral("muts"),        QStringLiteral("lcf-vs-4ps"), QStringLiteral("histogram-a"),
+    QStringLiteral("histogram-t"), QStringLiteral("t-a"),        QStringLiteral("m2-m3")};
 
-/// Saves pictures of widgets into a folder, "name-language.png".
-class Album
+/// The colours that an image has most of, as many as a palette holds.
+QVector<QRgb> commonColours(const QImage& image)
 {
-public:
-    Album(const QString& folder, const QString& language) : m_folder(folder), m_language(language)
-    {
-        QDir().mkpath(folder);
-    }
+    QHash<QRgb, int> counts;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            ++counts[image.pixel(x, y)];
+    QVector<QRgb> colours = counts.keys().toVector();
+    std::sort(colours.begin(), colours.end(), [&counts](QRgb a, QRgb b) {
+        return counts[a] != counts[b] ? counts[a] > counts[b] : a < b;
+    });
+    return colours.mid(0, longestPalette);
+}
 
-    void save(QWidget* widget, const QString& name)
-    {
-        QApplication::processEvents(); // texts change the layout
-        const QString path =
-            m_folder.filePath(name + QLatin1Char('-') + m_language + QStringLiteral(".png"));
-        if (widget->grab().save(path, "PNG", 0)) // as small as it gets
-            return;
-        std::fprintf(stderr, "%s cannot be written\n", qPrintable(path));
-        m_complete = false;
-    }
-
-    bool isComplete() const { return m_complete; }
-
-private:
-    QDir m_folder;
-    QString m_language;
-    bool m_complete = true;
-};
-
-void saveWindows(Album& album, Body& body)
+/// Saves what a widget shows, with a palette: a third of the bytes, and nobody sees it.
+bool save(QWidget* widget, const QString& path)
 {
-    const FourPs* panel = body.panel();
-    panel->DispCondsB->setChecked(true);
+    QApplication::processEvents(); // texts change the layout
+    const QImage image = widget->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    return image.convertToFormat(QImage::Format_Indexed8, commonColours(image), Qt::AvoidDither)
+        .save(path, "PNG", 0); // as small as it gets
+}
+
+bool saveWindow(Body& body, const QString& path)
+{
+    body.panel()->DispCondsB->setChecked(true);
     body.show();
     QApplication::processEvents();
     body.resize(body.sizeHint()); // the picture may be larger than the screen
-    album.save(&body, QStringLiteral("window"));
-    panel->displays->show();
-    panel->displays->resize(graphWindow);
-    QApplication::processEvents();
-    album.save(panel->displays, QStringLiteral("graphs"));
+    return save(&body, path);
 }
 
-void saveGraphs(Album& album, const FourPs* panel)
+bool saveGraphs(const FourPs* panel, const QString& path)
 {
-    for (int position = 0; position < panel->displays->panels.size(); ++position) {
-        DispABase* graph = panel->displays->panel(position);
-        graph->popDock();
-        graph->pop->resize(singleGraph);
-        album.save(graph->pop.get(), QString::fromLatin1(graphNames[position]));
-        graph->popDock();
-    }
+    panel->displays->show();
+    panel->displays->resize(graphWindow);
+    return save(panel->displays, path);
+}
+
+bool saveGraph(const FourPs* panel, int position, const QString& path)
+{
+    DispABase* graph = panel->displays->panel(position);
+    graph->popDock();
+    graph->pop->resize(singleGraph);
+    const bool saved = save(graph->pop.get(), path);
+    graph->popDock();
+    return saved;
+}
+
+/// @param what  "window", "graphs" or the name of a graph; nothing is saved for any other
+bool savePicture(const QString& what, Body& body, const QString& path)
+{
+    if (what == QLatin1String("window"))
+        return saveWindow(body, path);
+    if (what == QLatin1String("graphs"))
+        return saveGraphs(body.panel(), path);
+    const int position = graphNames.indexOf(what);
+    return position >= 0 && saveGraph(body.panel(), position, path);
 }
 
 /// Runs a job in the panel; false, with the reason on the standard error, where it cannot be used.
@@ -95,22 +106,20 @@ int main(int argc, char* argv[])
 {
     const QApplication application(argc, argv);
     const QStringList arguments = QApplication::arguments();
-    if (arguments.size() < 4) {
-        std::fprintf(stderr, "drovik-pictures FOLDER en|ja JOB...\n");
+    if (arguments.size() < 5) {
+        std::fprintf(stderr, "drovik-pictures PICTURE.png window|graphs|GRAPH en|ja JOB...\n");
         return 2;
     }
-    const bool japanese = arguments[2] == QLatin1String("ja");
     QTranslator catalogue;
-    if (japanese && catalogue.load(QStringLiteral(":velk_ja_JP")))
+    if (arguments[3] == QLatin1String("ja") && catalogue.load(QStringLiteral(":velk_ja_JP")))
         QApplication::installTranslator(&catalogue);
     Body body;
-    for (const QString& job : arguments.mid(3)) {
+    for (const QString& job : arguments.mid(4)) {
         if (!load(job, body.panel()))
             return 2;
     }
-    Album album(arguments[1], arguments[2]);
-    saveWindows(album, body);
-    if (!japanese) // alone, graphs hardly differ between the languages
-        saveGraphs(album, body.panel());
-    return album.isComplete() ? 0 : 1;
+    if (savePicture(arguments[2], body, arguments[1]))
+        return 0;
+    std::fprintf(stderr, "%s cannot be made\n", qPrintable(arguments[1]));
+    return 1;
 }
