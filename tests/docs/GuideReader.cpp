@@ -4,6 +4,29 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
+
+namespace
+{
+
+/// The last lines of a text that ends with a line end.
+QString lastLines(const QString& text, int count)
+{
+    const QStringList lines = text.trimmed().split(QLatin1Char('\n'));
+    return lines.mid(lines.size() - count).join(QLatin1Char('\n'));
+}
+
+/// What drovik-batch prints of a job; empty where the exit status is not 0.
+QString batchOutput(const QString& job)
+{
+    QProcess process;
+    process.start(QStringLiteral(BATCH_PROGRAM), {job});
+    if (!process.waitForFinished() || process.exitCode() != 0)
+        return {};
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+} // namespace
 
 GuideReader::GuideReader(const QString& examples) : m_examples(examples) {}
 
@@ -11,7 +34,7 @@ GuideReader::~GuideReader() = default;
 
 bool GuideReader::take(const GuideStep& step)
 {
-    if (step.kind == GuideStep::See)
+    if (step.kind != GuideStep::Do)
         return true;
     const QString verb = step.words.value(0);
     if (verb == QLatin1String("start"))
@@ -29,10 +52,10 @@ QString GuideReader::screen(const GuideStep& step) const
 {
     const QString name = step.words.value(0);
     const int count = step.shown.count(QLatin1Char('\n')) + 1;
-    if (name == QLatin1String("Message")) {
-        const QStringList lines = user::messages(*m_panel);
-        return lines.mid(lines.size() - count).join(QLatin1Char('\n'));
-    }
+    if (name == QLatin1String("Message"))
+        return lastLines(user::messages(*m_panel).join(QLatin1Char('\n')), count);
+    if (name == QLatin1String("batch"))
+        return lastLines(batchOutput(QDir(m_examples).filePath(step.words.value(1))), count);
     if (name == QLatin1String("file")) {
         QFile written(m_results.filePath(step.words.value(1)));
         if (!written.open(QIODevice::ReadOnly))

@@ -17,13 +17,13 @@ public:
     explicit GuideReader(const QString& examples);
     ~GuideReader();
 
-    /// Takes a step. Of "see" nothing is done.
+    /// Takes a step. Of "see" and "run" nothing is done.
     /// @return false for a step that nobody can take: a control or file that does not exist
     bool take(const GuideStep& step);
 
     /// What the control of a "see" shows: a field its text, the message pane as many of its last
-    /// lines as the page has, a written file as many of its first ones. Null for a control that
-    /// does not exist.
+    /// lines as the page has, drovik-batch with a job likewise, a written file as many of its first
+    /// ones. Null for a control that does not exist.
     QString screen(const GuideStep& step) const;
 
 private:

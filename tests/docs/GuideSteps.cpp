@@ -25,7 +25,7 @@ QString blockAfter(const QStringList& lines, int from)
 
 QVector<GuideStep> guideSteps(const QString& page)
 {
-    static const QRegularExpression comment(QStringLiteral("^<!-- (do|see): (.+) -->$"));
+    static const QRegularExpression comment(QStringLiteral("^<!-- (do|see|run): (.+) -->$"));
     const QStringList lines = page.split(QLatin1Char('\n'));
     QVector<GuideStep> steps;
     for (int i = 0; i < lines.size(); ++i) {
@@ -35,10 +35,12 @@ QVector<GuideStep> guideSteps(const QString& page)
         GuideStep step;
         step.line = i + 1;
         step.words = match.captured(2).split(QLatin1Char(' '));
-        if (match.captured(1) == QLatin1String("see")) {
-            step.kind = GuideStep::See;
+        if (match.captured(1) != QLatin1String("do"))
             step.shown = blockAfter(lines, i + 1);
-        }
+        if (match.captured(1) == QLatin1String("see"))
+            step.kind = GuideStep::See;
+        else if (match.captured(1) == QLatin1String("run"))
+            step.kind = GuideStep::Run;
         steps.append(step);
     }
     return steps;

@@ -34,6 +34,7 @@ QStringList pages(const QString& language)
 QStringList allPages()
 {
     QStringList found = pages(QStringLiteral("en")) + pages(QStringLiteral("ja"));
+    found.append(QStringLiteral("../README.md"));
     for (const QString& name : QDir(docs).entryList({QStringLiteral("*.md")}, QDir::Files))
         found.append(name);
     return found;
