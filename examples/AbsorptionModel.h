@@ -14,7 +14,7 @@ enum class State { Two, Three };
 /// Energies at which both states absorb exactly alike, besides all energies well below the edge.
 constexpr double isosbestic[] = {8381.0, 8404.5, 8460.0, 8475.0};
 
-/// The energy of the largest difference between them, and that difference over the height of the
+/// The energy of the example's V point, and the difference of the states over the height of the
 /// step there.
 constexpr double contrastEnergy = 8390.0;
 constexpr double contrast = 0.2;
