@@ -20,7 +20,13 @@ constexpr double missingPixel = -1.0;
 class BlockValues
 {
 public:
-    BlockValues(const MapImage& image, int gridColumns) : m_image(image), m_columns(gridColumns) {}
+    /// @param gridSize  pixels of the grid
+    BlockValues(const MapImage& image, int gridColumns, std::size_t gridSize)
+        : m_image(image), m_columns(gridColumns)
+    {
+        if (image.columns != gridColumns || image.size < gridSize)
+            m_copy.resize(kernelBlock); // no memory is asked for once the calculation runs
+    }
 
     /// The values of the grid's pixels first to first + count - 1 [count]; the image's own array
     /// where that holds them in this order.
@@ -29,7 +35,6 @@ public:
         const bool sameGrid = m_image.columns == m_columns;
         if (sameGrid && first + count <= m_image.size)
             return m_image.mut + first;
-        m_copy.resize(count);
         for (std::size_t i = 0; i < count; ++i)
             m_copy[i] = pixel(first + i);
         return m_copy.data();
@@ -88,11 +93,12 @@ private:
 class BlockSource
 {
 public:
-    explicit BlockSource(const MapTask& task) : m_v(task.images[task.choice.vPoint], task.columns)
+    BlockSource(const MapTask& task, std::size_t gridSize)
+        : m_v(task.images[task.choice.vPoint], task.columns, gridSize)
     {
         const std::size_t needed = task.method == Method::ThreePoint ? 2 : 3;
         for (const std::size_t row : task.choice.normalization)
-            m_points.emplace_back(task.images[row], task.columns);
+            m_points.emplace_back(task.images[row], task.columns, gridSize);
         while (m_points.size() < needed)
             m_points.push_back(m_v);
         m_inputs.t.resize(m_points.size());
@@ -136,6 +142,13 @@ bool makeRoom(MapResults& results, std::size_t count)
 
 } // namespace
 
+std::size_t mapBytes(int columns, int rows, const MapResults& earlier)
+{
+    const std::size_t count = pixelCount(columns, rows);
+    const std::size_t there = std::min(earlier.a.capacity(), earlier.t.capacity());
+    return count <= there ? 0 : count * 2 * sizeof(double);
+}
+
 bool mapFits(int columns, int rows, std::size_t measured, const MapResults& earlier)
 {
     constexpr std::size_t always = std::size_t{4} << 20; // 64 MiB of results
@@ -152,15 +165,11 @@ bool calculateMap(const MapTask& task, MapResults& results, const MapBlockSink& 
 {
     const std::size_t count = pixelCount(task.columns, task.rows);
     const std::size_t measured = task.positions ? task.positions->size() : 0;
-    if (!mapFits(task.columns, task.rows, measured, results) || !makeRoom(results, count))
+    if (!mapFits(task.columns, task.rows, measured, results))
         return false;
-    results.columns = task.columns;
-    results.rows = task.rows;
-    results.positions = task.positions;
-
     const Kernel kernel(task);
-    std::vector<BlockSource> sources(workers.size(), BlockSource(task));
-    workers.run((count + taskSize - 1) / taskSize, [&](std::size_t number, unsigned worker) {
+    std::vector<BlockSource> sources(workers.size(), BlockSource(task, count));
+    const Workers::Task calculate = [&](std::size_t number, unsigned worker) {
         const std::size_t end = std::min((number + 1) * taskSize, count);
         for (std::size_t first = number * taskSize; first < end; first += kernelBlock) {
             const BlockResults out{results.a.data() + first, results.t.data() + first,
@@ -169,6 +178,13 @@ bool calculateMap(const MapTask& task, MapResults& results, const MapBlockSink& 
             if (sink)
                 sink(worker, out.a, out.t, out.count);
         }
-    });
+    };
+    if (!makeRoom(results, count))
+        return false;
+    // From here on nothing can fail: the earlier results are there until they are written over.
+    results.columns = task.columns;
+    results.rows = task.rows;
+    results.positions = task.positions;
+    workers.run((count + taskSize - 1) / taskSize, calculate);
     return true;
 }

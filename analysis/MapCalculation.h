@@ -67,11 +67,15 @@ using MapBlockSink =
 /// @param measured  records of the image that owns the grid
 bool mapFits(int columns, int rows, std::size_t measured, const MapResults& earlier);
 
+/// Bytes that the results of a grid which fits take beside those of the earlier ones.
+std::size_t mapBytes(int columns, int rows, const MapResults& earlier);
+
 /// Fills the results with a and t of every pixel of the grid.
 ///
 /// The target's value at a used row is the row's image at index y * (columns of that image) + x,
 /// and -1 where the image has no such pixel. Map values keep the blank. The results are the same
 /// for any number of threads, bit by bit.
-/// @return false, and the results as they were, where the grid does not fit in memory
+/// @return false, and the results as they were, where the grid does not fit in memory; they also
+/// are where memory for the calculation itself is refused, with an exception
 bool calculateMap(const MapTask& task, MapResults& results, const MapBlockSink& sink = {},
                   Workers& workers = Workers::shared());

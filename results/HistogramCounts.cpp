@@ -73,6 +73,11 @@ bool HistogramSettings::acceptable() const
     return !(boxes >= maxBoxes + 1.0);
 }
 
+std::size_t HistogramSettings::bytes() const
+{
+    return static_cast<std::size_t>(std::max(truncated(boxes), 0)) * sizeof(int);
+}
+
 bool HistogramCounts::reset(const HistogramSettings& settings)
 {
     if (!settings.acceptable())

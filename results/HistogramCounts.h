@@ -14,6 +14,9 @@ struct HistogramSettings {
     /// False for a number of bins that nobody can want: it would take the memory, and minutes to
     /// draw.
     bool acceptable() const;
+
+    /// Memory of the bins; to be asked of acceptable settings.
+    std::size_t bytes() const;
 };
 
 /// A histogram: equal bins between two settings that are the centres of the first and the last bin.

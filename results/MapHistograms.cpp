@@ -1,16 +1,23 @@
 #include "results/MapHistograms.h"
 
+#include "analysis/AvailableMemory.h"
+#include "analysis/MapKernels.h"
+#include "results/ThreadedCounts.h"
+
 #include <vector>
 
 namespace
 {
 
-/// What one thread counts.
-struct Part {
-    HistogramCounts valence;
-    HistogramCounts thickness;
-    std::vector<double> values;
-};
+/// Whether the bins of both histograms fit in memory beside the results.
+bool binsFit(const MapTask& task, const MapResults& earlier, const MapHistograms& histograms)
+{
+    constexpr std::size_t always = std::size_t{1} << 20;
+    const std::size_t bytes =
+        histograms.valenceSettings.bytes() + histograms.thicknessSettings.bytes();
+    return bytes <= always ||
+           bytes + mapBytes(task.columns, task.rows, earlier) <= availableMemory();
+}
 
 } // namespace
 
@@ -19,8 +26,9 @@ MapOutcome checkMap(const MapTask& task, const MapResults& earlier, const MapHis
     if (!histograms.valenceSettings.acceptable() || !histograms.thicknessSettings.acceptable())
         return MapOutcome::TooManyBoxes;
     const std::size_t measured = task.positions ? task.positions->size() : 0;
-    return mapFits(task.columns, task.rows, measured, earlier) ? MapOutcome::Calculated
-                                                               : MapOutcome::GridTooLarge;
+    if (!mapFits(task.columns, task.rows, measured, earlier))
+        return MapOutcome::GridTooLarge;
+    return binsFit(task, earlier, histograms) ? MapOutcome::Calculated : MapOutcome::TooManyBoxes;
 }
 
 MapOutcome calculateMap(const MapTask& task, MapResults& results, const MapHistograms& histograms,
@@ -29,26 +37,19 @@ MapOutcome calculateMap(const MapTask& task, MapResults& results, const MapHisto
     const MapOutcome outcome = checkMap(task, results, histograms);
     if (outcome != MapOutcome::Calculated)
         return outcome;
-    std::vector<Part> parts(workers.size());
-    for (Part& part : parts) {
-        part.valence.reset(histograms.valenceSettings);
-        part.thickness.reset(histograms.thicknessSettings);
-    }
+    ThreadedCounts valence(histograms.valenceSettings, workers.size());
+    ThreadedCounts thickness(histograms.thicknessSettings, workers.size());
+    std::vector<std::vector<double>> valences(workers.size(), std::vector<double>(kernelBlock));
     const auto count = [&](unsigned worker, const double* a, const double* t, std::size_t n) {
-        Part& part = parts[worker];
-        part.values.resize(n);
+        std::vector<double>& values = valences[worker];
         for (std::size_t i = 0; i < n; ++i)
-            part.values[i] = meanValence(histograms.valence1, histograms.valence2, a[i]);
-        part.valence.add(part.values.data(), n);
-        part.thickness.add(t, n);
+            values[i] = meanValence(histograms.valence1, histograms.valence2, a[i]);
+        valence.add(worker, values.data(), n);
+        thickness.add(worker, t, n);
     };
     if (!calculateMap(task, results, count, workers))
         return MapOutcome::GridTooLarge;
-    histograms.valence.reset(histograms.valenceSettings);
-    histograms.thickness.reset(histograms.thicknessSettings);
-    for (const Part& part : parts) {
-        histograms.valence.merge(part.valence);
-        histograms.thickness.merge(part.thickness);
-    }
+    histograms.valence = valence.take();
+    histograms.thickness = thickness.take();
     return MapOutcome::Calculated;
 }

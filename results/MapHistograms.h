@@ -16,7 +16,7 @@ struct MapHistograms {
 enum class MapOutcome {
     Calculated,
     GridTooLarge, ///< the results do not fit in memory, or hardly any pixel was measured
-    TooManyBoxes, ///< a histogram's number of bins is refused
+    TooManyBoxes, ///< a histogram's number of bins is refused, or its bins do not fit in memory
 };
 
 /// What a calculation would come to, found out without one.
@@ -24,6 +24,7 @@ MapOutcome checkMap(const MapTask& task, const MapResults& earlier,
                     const MapHistograms& histograms);
 
 /// Calculates a map and counts the valence and the thickness ratio of every pixel in the
-/// histograms, which are reset to the settings. Refusals leave results and histograms as they were.
+/// histograms, which take the settings. The counts are the same for any number of threads. Refusals
+/// leave results and histograms as they were.
 MapOutcome calculateMap(const MapTask& task, MapResults& results, const MapHistograms& histograms,
                         Workers& workers = Workers::shared());

@@ -1,12 +1,12 @@
 #include "analysis/AvailableMemory.h"
 #include "analysis/GroupMemory.h"
+#include "tests/support/AddressLimit.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <limits>
-#include <sys/resource.h>
 #include <unistd.h>
 
 namespace
@@ -31,25 +31,6 @@ private:
 };
 
 constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
-
-/// Gives the process a limit of its address space while it lives.
-class AddressLimit
-{
-public:
-    explicit AddressLimit(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_AS, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        if (setrlimit(RLIMIT_AS, &limit) != 0)
-            qFatal("the limit is refused");
-    }
-    ~AddressLimit() { setrlimit(RLIMIT_AS, &m_before); }
-    AddressLimit(const AddressLimit&) = delete;
-    AddressLimit& operator=(const AddressLimit&) = delete;
-
-private:
-    rlimit m_before{};
-};
 
 } // namespace
 

@@ -1,6 +1,7 @@
 #include "analysis/FourPoint.h"
 #include "analysis/MapCalculation.h"
 #include "analysis/ThreePoint.h"
+#include "tests/support/AddressLimit.h"
 #include "tests/support/PlainMapMethods.h"
 #include "tests/support/Random.h"
 
@@ -212,6 +213,9 @@ private slots:
     void emptyGrid();
     void hugeGridIsRefused();
     void gridOutOfProportionIsRefused();
+    void gridFitsInPlaceOfTheEarlierOne();
+    void memoryIsKeptOrGivenBack();
+    void energiesOfZero();
     void sinkSeesEveryPixelOnce();
     void sameForAnyNumberOfThreads_data();
     void sameForAnyNumberOfThreads();
@@ -413,6 +417,65 @@ void tst_MapCalculation::gridOutOfProportionIsRefused()
     QVERIFY(mapFits(2048, 2048, 0, none));
     QVERIFY(!mapFits(4096, 2048, 8 * 1024 * 64 - 1, none));
     QVERIFY(mapFits(4096, 2048, 8 * 1024 * 64, none));
+}
+
+void tst_MapCalculation::gridFitsInPlaceOfTheEarlierOne()
+{
+    constexpr int columns = 2000;
+    constexpr int rows = 1000; // 32 megabytes of results
+    MapResults earlier;
+    QVERIFY(earlier.a.resize(columns * rows));
+    QVERIFY(earlier.t.resize(columns * rows));
+    QCOMPARE(mapBytes(columns, rows, earlier), std::size_t{0});
+    QCOMPARE(mapBytes(columns, rows, MapResults()), std::size_t{32000000});
+    QCOMPARE(mapBytes(columns, rows + 1, earlier), std::size_t{32032000});
+    const AddressLimit limit(AddressLimit::beside(10000000));
+    QVERIFY(mapFits(columns, rows, 0, earlier));
+    QVERIFY(!mapFits(columns, rows + 1, 0, earlier));
+    QVERIFY(!mapFits(columns, rows, 0, MapResults()));
+    QVERIFY(mapFits(columns, rows / 10, 0, MapResults()));
+}
+
+void tst_MapCalculation::memoryIsKeptOrGivenBack()
+{
+    const Case large = regularCase(Method::ThreePoint, 3, 100, 100);
+    MapResults results;
+    QVERIFY(calculateMap(large.task(), results));
+    const double* a = results.a.data();
+    const double* t = results.t.data();
+    const Case half = regularCase(Method::ThreePoint, 3, 100, 50);
+    QVERIFY(calculateMap(half.task(), results));
+    QCOMPARE(static_cast<const double*>(results.a.data()), a); // the same place is used again
+    QCOMPARE(static_cast<const double*>(results.t.data()), t);
+    QCOMPARE(difference(half, results), QString());
+    const Case small = regularCase(Method::ThreePoint, 3, 10, 10);
+    QVERIFY(calculateMap(small.task(), results));
+    QVERIFY(results.a.capacity() < 5000); // what is much too large goes back to the system
+    QVERIFY(results.t.capacity() < 5000);
+    QCOMPARE(difference(small, results), QString());
+    QVERIFY(calculateMap(large.task(), results));
+    QCOMPARE(difference(large, results), QString());
+}
+
+// As in rows whose energies are not typed. The second pivot is exactly zero then, and counts as 1.
+void tst_MapCalculation::energiesOfZero()
+{
+    Case test;
+    test.method = Method::FourPointLeastSquares;
+    test.columns = 1;
+    test.rows = 1;
+    // The sums of the references are 2 T + 1: half as thick as their sum, as thick as their mean.
+    const std::array<double, 3> targets = {1.0, 2.0, 4.0};
+    for (const double target : targets) {
+        test.points.push_back(row(0.0, target, target + 1.0));
+        test.images.push_back({{target}, 1});
+    }
+    test.points.push_back(row(8390.0, 0.9, 0.4, true));
+    test.images.push_back({{0.75}, 1});
+    MapResults results;
+    QVERIFY(calculateMap(test.task(), results));
+    QVERIFY2(std::abs(results.t[0] - 1.0) < 1e-12, qPrintable(QString::number(results.t[0])));
+    QCOMPARE(difference(test, results), QString());
 }
 
 void tst_MapCalculation::sinkSeesEveryPixelOnce()
