@@ -3,8 +3,10 @@
 #include "bench/BenchSpectrum.h"
 #include "bench/PairedTimes.h"
 #include "display/PopBase.h"
+#include "results/HistogramGraph.h"
 #include "results/ThicknessGraph.h"
 #include "tests/support/CanvasActions.h"
+#include "tests/support/PlainBars.h"
 
 #include <benchmark/benchmark.h>
 
@@ -139,6 +141,47 @@ BENCHMARK(thicknessGraph)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
     ->Iterations(15);
+
+/// A repaint of "Histgram of a" with as many bins as are allowed, and with every bar drawn.
+void manyBins(benchmark::State& state)
+{
+    HistogramCounts histogram;
+    histogram.reset({1.5, 3.5, 1e7, false});
+    std::mt19937_64 random(20180917);
+    for (int& count : histogram.counts)
+        count = static_cast<int>(random() % 40);
+    histogram.maxCount = 39;
+    const bool mirrored = state.range(0) != 0; // without, no bar has a pixel
+    const AxisEnds range = mirrored ? AxisEnds{3.5, 1.5} : valenceRange;
+    const AxisTitles titles{QStringLiteral("Valence"), QStringLiteral("Num.")};
+    Graph program;
+    QObject::connect(&program, &DispABase::draw, &program, [&](QStylePainter* painter) {
+        drawValenceHistogram(&program, painter, titles, histogram, range, valences);
+    });
+    Graph plainly;
+    QObject::connect(&plainly, &DispABase::draw, &plainly, [&](QStylePainter* painter) {
+        drawValenceHistogram(&plainly, painter, titles, histogram, range, valences);
+        plain::drawBars(plainly.DispA->coord, histogram, *painter, QColor(255, 200, 200));
+        plainly.DispA->drawFrame(painter, true);
+    });
+    if (program.picture() != plainly.picture()) {
+        state.SkipWithError("the pictures differ");
+        return;
+    }
+    PairedTimes times;
+    for (auto _ : state)
+        times.run(
+            state, [&] { program.picture(); }, [&] { plainly.picture(); }, [] {});
+    times.report(state);
+}
+
+BENCHMARK(manyBins)
+    ->ArgName("mirrored")
+    ->Arg(0)
+    ->Arg(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(5);
 
 /// The panel with four spectra, 20 display-only ones, all of 1000 points, and the graph window.
 struct Session {

@@ -1,3 +1,4 @@
+#include "results/HistogramBars.h"
 #include "results/HistogramGraph.h"
 #include "tests/support/GraphPanel.h"
 #include "tests/support/Random.h"
