@@ -47,11 +47,14 @@ public:
     double lastA() const { return m_lastA; }
     double lastValence() const { return m_lastValence; }
     const MapResults& lastMap() const { return mapResults; }
+    /// Of each linear combination fit since "LCF vs 4PS" was emptied, oldest first.
+    const std::vector<LCFvs4PSPoint>& fits() const { return lcfVs4ps; }
     const ThicknessRatios& thicknessRatioFigures() const { return m_ratios; }
 
 signals:
     void messageAppended(const QString& line); ///< after each line of the message pane
     void refused(const QString& line);         ///< the line is a refusal, no result
+    void written(const QString& path);         ///< a result or histogram file, whole
     /// What a long operation does and how much is done: 0 at its beginning, 1 at its end.
     void progress(const QString& text, double part);
 

@@ -76,6 +76,10 @@ void FourPs::write()
         refuse(tr("Can't open the file [%1]").arg(path));
     if (outcome == WriteOutcome::CannotWrite)
         refuse(QStringLiteral("Can't write the file [%1]").arg(path));
-    histA->writeFile(path, QStringLiteral("HGAlpha"));
-    histT->writeFile(path, QStringLiteral("HGThick"));
+    if (outcome == WriteOutcome::Written)
+        emit written(path);
+    for (const auto& [histogram, tag] : {std::pair(histA.get(), QStringLiteral("HGAlpha")),
+                                         std::pair(histT.get(), QStringLiteral("HGThick"))})
+        if (histogram->writeFile(path, tag))
+            emit written(HistogramCounts::fileBeside(path, tag));
 }

@@ -1,5 +1,8 @@
 #include "batch/JobFile.h"
 
+#include "batch/Nesting.h"
+#include "system/ReadableFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -66,6 +69,7 @@ private:
     void readKeys(const toml::table& table, const QString& where, const Keys& keys);
     Handler table(const Keys& keys);
     Handler number(QString& text);
+    Handler number(QString& text, int& line);
     Handler flag(std::optional<bool>& value);
     Handler flag(bool& value);
     Handler filePath(JobFilePath& file);
@@ -126,6 +130,14 @@ JobReader::Handler JobReader::number(QString& text)
     };
 }
 
+JobReader::Handler JobReader::number(QString& text, int& line)
+{
+    return [this, &text, &line](const toml::node& node, const QString& name) {
+        line = lineOf(node.source());
+        number(text)(node, name);
+    };
+}
+
 JobReader::Handler JobReader::flag(std::optional<bool>& value)
 {
     return [this, &value](const toml::node& node, const QString& name) {
@@ -177,7 +189,7 @@ JobPoint JobReader::readPoint(const toml::table& table)
 {
     JobPoint point;
     readKeys(table, QStringLiteral(" in [[point]]"),
-             {{"energy", number(point.energy)},
+             {{"energy", number(point.energy, point.line)},
               {"use", flag(point.use)},
               {"t_ratio", flag(point.tRatio)},
               {"v_point", flag(point.vPoint)},
@@ -248,9 +260,9 @@ void JobReader::read(const toml::table& root)
                      {"target", filePath(job.spectra[Job::Target])},
                      {"blank", filePath(job.spectra[Job::Blank])},
                      {"map_result", filePath(job.mapResult)}};
-    const Keys edge{{"energy", number(job.edge)},
-                    {"pre_edge_end", number(job.preEdgeEnd)},
-                    {"post_edge_start", number(job.postEdgeStart)}};
+    const Keys edge{{"energy", number(job.edge, job.edgeLine)},
+                    {"pre_edge_end", number(job.preEdgeEnd, job.preEdgeEndLine)},
+                    {"post_edge_start", number(job.postEdgeStart, job.postEdgeStartLine)}};
     const Keys valences{{"ref1", number(job.valence1)}, {"ref2", number(job.valence2)}};
     const Keys conditions{
         {"thickness",
@@ -285,10 +297,14 @@ QString errorText(const QString& file, const JobError& error)
 
 std::optional<Job> parseJob(const QByteArray& text, const QString& folder, JobError& error)
 {
+    const std::string_view toml(text.constData(), static_cast<std::size_t>(text.size()));
+    if (const int line = lineOfDeepNesting(toml); line > 0) {
+        error = {line, QStringLiteral("is nested too deeply for a job")};
+        return std::nullopt;
+    }
     JobReader reader(folder);
     try {
-        reader.read(
-            toml::parse(std::string_view(text.constData(), static_cast<std::size_t>(text.size()))));
+        reader.read(toml::parse(toml));
     } catch (const toml::parse_error& syntax) {
         error = {lineOf(syntax.source()), textOf(syntax.description()).simplified()};
         return std::nullopt;
@@ -302,16 +318,19 @@ std::optional<Job> parseJob(const QByteArray& text, const QString& folder, JobEr
 
 std::optional<Job> readJob(const QString& path, JobError& error)
 {
-    const QFileInfo info(path);
-    QFile file(path);
-    if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {
-        error = {0, QStringLiteral("cannot be opened as a file")};
+    QFile file;
+    if (const QString reason = openReadable(path, file); !reason.isEmpty()) {
+        error = {0, QStringLiteral("cannot be opened: ") + reason};
         return std::nullopt;
     }
     const QByteArray text = file.read(largestJob + 1);
+    if (file.error() != QFileDevice::NoError) {
+        error = {0, QStringLiteral("cannot be read: ") + file.errorString()};
+        return std::nullopt;
+    }
     if (text.size() > largestJob) {
         error = {0, QStringLiteral("is larger than 1 MiB and no job")};
         return std::nullopt;
     }
-    return parseJob(text, info.absolutePath(), error);
+    return parseJob(text, QFileInfo(path).absolutePath(), error);
 }

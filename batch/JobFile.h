@@ -18,6 +18,7 @@ struct JobFilePath {
 /// A row of the point table. Numbers are kept as the texts that a user would type.
 struct JobPoint {
     QString energy; ///< eV
+    int line = 0;   ///< of the energy
     bool use = true;
     bool tRatio = false;
     bool vPoint = false;
@@ -33,10 +34,14 @@ struct Job {
     QString edge;          ///< eV
     QString preEdgeEnd;    ///< eV, against the edge
     QString postEdgeStart; ///< eV, against the edge
+    int edgeLine = 0;      ///< of the job file; 0 where it is not given
+    int preEdgeEndLine = 0;
+    int postEdgeStartLine = 0;
     QString valence1;
     QString valence2;
 
-    /// Rows 1 to n of the point table; then the other rows are empty and not used.
+    /// Rows 1 to n of the point table; then the other rows are empty and not used. Without any the
+    /// table is as the form has it.
     std::optional<std::vector<JobPoint>> points;
 
     std::optional<ThicknessType> thickness;
@@ -61,8 +66,9 @@ struct JobError {
 /// "file:line: reason", without the line where there is none.
 QString errorText(const QString& file, const JobError& error);
 
-/// Reads the text of a job file (TOML, UTF-8). Keys that are not known, values of another type than
-/// expected, and more rows than the table has are errors; the first one in the text is reported.
+/// Reads the text of a job file (TOML, UTF-8). Nesting that no job has, keys that are not known,
+/// values of another type than expected, and more rows than the table has are errors; the first one
+/// in the text is reported.
 /// @param folder  what relative paths of spectra start from
 /// @param error   is set where nothing comes back
 std::optional<Job> parseJob(const QByteArray& text, const QString& folder, JobError& error);

@@ -2,10 +2,12 @@
 
 #include "app/FourPs.h"
 #include "input/AEPoint.h"
+#include "system/ReadableFile.h"
 
-#include <QFileInfo>
-
+#include <algorithm>
+#include <cmath>
 #include <functional>
+#include <utility>
 
 namespace
 {
@@ -76,15 +78,18 @@ void setConditions(const Job& job, FourPs& panel)
 /// Names a file in a selector, if the job gives one.
 /// @param valid    whether what the selector's owner has read is of use
 /// @param missing  what there is none of otherwise
+/// @param refusal  is set while the file is named, where it is not taken
 std::optional<JobError> nameFile(const JobFilePath& given, AFileSelect* select,
-                                 const std::function<bool()>& valid, const QString& missing)
+                                 const std::function<bool()>& valid, const QString& missing,
+                                 const QString& refusal)
 {
     if (given.path.isEmpty())
         return std::nullopt;
-    const QFileInfo file(given.path);
-    if (!file.isFile() || !file.isReadable())
-        return JobError{given.line, QStringLiteral("cannot open %1").arg(given.path)};
+    if (const QString reason = whyUnreadable(given.path); !reason.isEmpty())
+        return JobError{given.line, QStringLiteral("cannot open %1: %2").arg(given.path, reason)};
     select->setFile(given.path);
+    if (!refusal.isEmpty())
+        return JobError{given.line, refusal};
     if (!valid())
         return JobError{given.line, QStringLiteral("no %1 in %2").arg(missing, given.path)};
     return std::nullopt;
@@ -92,26 +97,62 @@ std::optional<JobError> nameFile(const JobFilePath& given, AFileSelect* select,
 
 std::optional<JobError> nameFiles(const Job& job, const FourPs& panel)
 {
+    QString refusal;
+    QObject naming; // the connections end with it
+    const auto keep = [&refusal](const QString& reason) { refusal = reason; };
     for (std::size_t i = 0; i < job.spectra.size(); ++i) {
         AXafsFileSelect* const select = panel.xafsSelects[static_cast<int>(i)];
         const auto valid = [select] { return select->isValid(); };
-        if (auto error = nameFile(job.spectra[i], select, valid, QStringLiteral("spectrum")))
+        if (auto error =
+                nameFile(job.spectra[i], select, valid, QStringLiteral("spectrum"), refusal))
             return error;
     }
     for (std::size_t i = 0; job.points && i < job.points->size(); ++i) {
         const AEPoint* const row = panel.ePoints[static_cast<int>(i)];
         const auto valid = [row] { return row->mapData().valid; };
+        QObject::connect(row, &AEPoint::refusedData, &naming, keep);
         if (auto error = nameFile((*job.points)[i].map, row->MapFile, valid,
-                                  QStringLiteral("2D data with axes")))
+                                  QStringLiteral("2D data with axes"), refusal))
             return error;
     }
     return std::nullopt;
 }
 
-void runMap(const Job& job, const FourPs& panel)
+/// A refused map leaves the earlier result file alone: "Write" would fill it with nothing.
+void runMap(const Job& job, FourPs& panel, RunReport& report)
 {
     panel.SaveFSelect->FileName->setText(job.mapResult.path);
-    (job.mapResult.path.isEmpty() ? panel.CalcMapB : panel.WriteB)->click();
+    panel.CalcMapB->click();
+    if (report.refused)
+        return;
+    const PixelArray<double>& a = panel.lastMap().a;
+    report.results.anyFinitePixel =
+        std::any_of(a.begin(), a.end(), [](double value) { return std::isfinite(value); });
+    if (job.mapResult.path.isEmpty())
+        return;
+    panel.write();
+    report.resultNotWritten = !report.written.contains(job.mapResult.path);
+}
+
+void runTarget(FourPs& panel, RunReport& report)
+{
+    const bool refused = std::exchange(report.refused, false);
+    panel.CalcTargetB->click();
+    if (!report.refused) {
+        report.results.a = panel.lastA();
+        report.results.valence = panel.lastValence();
+    }
+    report.refused = report.refused || refused;
+}
+
+void runLcf(FourPs& panel, RunReport& report)
+{
+    const std::size_t before = panel.fits().size();
+    panel.LCFB->click();
+    if (panel.fits().size() > before) {
+        report.results.lcfA = panel.fits().back().lcfA;
+        report.results.lcfValence = panel.fits().back().lcfValence;
+    }
 }
 
 } // namespace
@@ -136,12 +177,14 @@ RunReport runJob(const Job& job, FourPs& panel)
     QObject::connect(&panel, &FourPs::messageAppended, &run,
                      [&report](const QString& line) { report.messages += line; });
     QObject::connect(&panel, &FourPs::refused, &run, [&report] { report.refused = true; });
+    QObject::connect(&panel, &FourPs::written, &run,
+                     [&report](const QString& path) { report.written += path; });
     if (job.calculateMap)
-        runMap(job, panel);
+        runMap(job, panel, report);
     if (job.calculateTarget)
-        panel.CalcTargetB->click();
+        runTarget(panel, report);
     if (job.calculateLcf)
-        panel.LCFB->click();
+        runLcf(panel, report);
     const MapResults& map = panel.lastMap();
     report.map = QStringLiteral("%1 x %2 pixels").arg(map.columns).arg(map.rows);
     report.calcRes = panel.CalcRes->text();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "batch/JobFile.h"
+#include "batch/JobChecks.h"
 
 #include <QStringList>
 
@@ -15,6 +15,9 @@ struct RunReport {
     QString lcfRes;       ///< text of the field LCFRes
     QString map;          ///< size of the map, "24 x 16 pixels"
     bool refused = false; ///< a calculation was refused; its line is among the messages
+    JobResults results;
+    QStringList written;           ///< the result file and histogram files
+    bool resultNotWritten = false; ///< there is a map and a path for it, but no file
 };
 
 /// Makes the settings of a job in a panel, through its widgets as a user would: texts are typed,
@@ -22,7 +25,8 @@ struct RunReport {
 /// @return nothing, or the first file that cannot be read with its line in the job
 std::optional<JobError> applyJob(const Job& job, FourPs& panel);
 
-/// Presses the panel's buttons for the calculations that the job asks for.
+/// Presses the panel's buttons for the calculations that the job asks for. A map that is refused
+/// leaves its result file as it was.
 RunReport runJob(const Job& job, FourPs& panel);
 
 /// The report as printed: the message lines, then "Map: ...", "CalcRes: ..." and "LCFRes: ..." for

@@ -1,22 +1,55 @@
 #include "app/FourPs.h"
 #include "batch/PanelDriver.h"
+#include "batch/PanelFacts.h"
+#include "batch/ResultPath.h"
 #include "system/Signals.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QTextStream>
 
+#include <exception>
+#include <new>
+
 namespace
 {
 
-enum ExitStatus { Done = 0, Refused = 1, BadJob = 2 };
+enum ExitStatus { Done = 0, Doubtful = 1, Failed = 2 };
 
-int complain(const QString& text)
+void say(const QString& text)
 {
     QTextStream stream(stderr);
     stream.setCodec("UTF-8");
     stream << text << '\n';
-    return BadJob;
+}
+
+int complain(const QString& text)
+{
+    say(text);
+    return Failed;
+}
+
+void warn(const QString& path, const std::vector<JobError>& doubts)
+{
+    for (const JobError& doubt : doubts)
+        say(errorText(path, {doubt.line, QStringLiteral("warning: ") + doubt.reason}));
+}
+
+int report(const QString& path, const Job& job, const RunReport& run)
+{
+    QTextStream stream(stdout);
+    stream.setCodec("UTF-8");
+    stream << reportText(job, run);
+    stream.flush();
+    warn(path, doubtsAfter(run.results));
+    for (const QString& file : run.written)
+        say(QStringLiteral("Written: ") + file);
+    if (stream.status() != QTextStream::Ok)
+        return complain(QStringLiteral("The report cannot be written."));
+    if (run.resultNotWritten)
+        return complain(errorText(
+            path, {job.mapResult.line, QStringLiteral("cannot write %1").arg(job.mapResult.path)}));
+    return run.refused || !areFinite(run.results) ? Doubtful : Done;
 }
 
 int analyse(const QString& path)
@@ -25,34 +58,22 @@ int analyse(const QString& path)
     const std::optional<Job> job = readJob(path, error);
     if (!job)
         return complain(errorText(path, error));
+    if (const std::optional<JobError> wrong = checkResultPath(*job, path))
+        return complain(errorText(path, *wrong));
     FourPs panel;
     if (const std::optional<JobError> unreadable = applyJob(*job, panel))
         return complain(errorText(path, *unreadable));
-    const RunReport report = runJob(*job, panel);
-    QTextStream stream(stdout);
-    stream.setCodec("UTF-8");
-    stream << reportText(*job, report);
-    stream.flush();
-    if (stream.status() != QTextStream::Ok)
-        return complain(QStringLiteral("The report cannot be written."));
-    return report.refused ? Refused : Done;
+    warn(path, doubtsBefore(factsOf(*job, panel)));
+    return report(path, *job, runJob(*job, panel));
 }
 
-} // namespace
-
-/// Runs a job in the panel of the main program, without a window and in English.
-int main(int argc, char* argv[])
+int run()
 {
-    reportFailedWrites();
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("drovik-batch"));
-    QApplication::setApplicationVersion(QStringLiteral(DROVIK_VERSION));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Valence from X-ray absorption spectra: runs a job without a window.\n\n"
-        "Exit status: 0 done, 1 a calculation was refused, 2 a bad job, an unreadable file or a "
-        "report that cannot be written."));
+        "Exit status: 0 done, 1 a calculation was refused or its result is no finite number, 2 a "
+        "bad job, an unreadable file, or a report or result file that cannot be written."));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("JOB.toml"),
@@ -67,4 +88,23 @@ int main(int argc, char* argv[])
     if (jobs.size() != 1)
         return complain(QStringLiteral("One job file is expected: drovik-batch JOB.toml"));
     return analyse(jobs.constFirst());
+}
+
+} // namespace
+
+/// Runs a job in the panel of the main program, without a window and in English.
+int main(int argc, char* argv[])
+{
+    reportFailedWrites();
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("drovik-batch"));
+    QApplication::setApplicationVersion(QStringLiteral(DROVIK_VERSION));
+    try {
+        return run();
+    } catch (const std::bad_alloc&) {
+        return complain(QStringLiteral("There is not enough memory."));
+    } catch (const std::exception& failure) {
+        return complain(QString::fromLocal8Bit(failure.what()));
+    }
 }

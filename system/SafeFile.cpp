@@ -128,17 +128,31 @@ bool SafeFile::openDirectly(int descriptor)
     m_file = std::move(file);
     // A device may take its time.
     fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
-    return !S_ISREG(status.st_mode) || ftruncate(descriptor, 0) == 0;
+    return true;
+}
+
+/// A file that is written directly loses what it held not before something is written.
+void SafeFile::begin()
+{
+    m_begun = true;
+    struct stat status = {};
+    const int descriptor = m_file->handle();
+    if (m_beside == nullptr && fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
+        m_failed = ftruncate(descriptor, 0) != 0;
 }
 
 bool SafeFile::write(const char* text, qint64 size)
 {
+    if (!m_begun)
+        begin();
     m_failed = m_failed || m_file->write(text, size) != size;
     return !m_failed;
 }
 
 bool SafeFile::commit()
 {
+    if (!m_begun)
+        begin();
     m_failed = !m_file->flush() || m_failed;
     if (m_beside)
         return !m_failed && putInPlace();

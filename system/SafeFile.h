@@ -32,6 +32,7 @@ public:
     SafeFile(const SafeFile&) = delete;
     SafeFile& operator=(const SafeFile&) = delete;
 
+    /// Nothing of the place changes yet.
     /// @return false where nothing can be written: no folder, no permission, a folder, a pipe
     bool open();
 
@@ -45,11 +46,13 @@ public:
 private:
     bool openBeside(const QString& folder);
     bool openDirectly(int descriptor);
+    void begin();
     bool putInPlace();
 
     QString m_path;
     QString m_place;         ///< m_path behind all links
     bool m_replaces = false; ///< there is an earlier file
+    bool m_begun = false;
     bool m_failed = false;
     unsigned m_mode = 0; ///< permissions of the file to come
     unsigned m_owner = 0;

@@ -5,7 +5,11 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <algorithm>
 #include <functional>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 using Action = std::function<void(FourPs&)>;
 Q_DECLARE_METATYPE(Action)
@@ -24,8 +28,10 @@ struct Output {
 };
 
 /// Runs the real program as a machine without any display would.
+/// @param starter  a command that starts the program with limits of its own
 Output runBatch(const QStringList& arguments, const QString& runtimeDir,
-                const QString& locale = QStringLiteral("C.UTF-8"), const QString& outputFile = {})
+                const QString& locale = QStringLiteral("C.UTF-8"), const QString& outputFile = {},
+                const QStringList& starter = {})
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char* const name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
@@ -36,11 +42,27 @@ Output runBatch(const QStringList& arguments, const QString& runtimeDir,
     process.setProcessEnvironment(environment);
     if (!outputFile.isEmpty())
         process.setStandardOutputFile(outputFile);
-    process.start(QStringLiteral(BATCH_PROGRAM), arguments);
+    const QStringList command = starter + QStringList{QStringLiteral(BATCH_PROGRAM)} + arguments;
+    process.start(command.constFirst(), command.mid(1));
     if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
         return {};
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
+}
+
+QByteArray contents(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
+}
+
+void copyMapExample(const QTemporaryDir& dir)
+{
+    const QDir example(examples + QStringLiteral("/nickel-map"));
+    for (const QString& name :
+         example.entryList({QStringLiteral("*.dat"), QStringLiteral("*.toml")}))
+        QVERIFY(QFile::copy(example.filePath(name), dir.filePath(name)));
+    QFile::remove(dir.filePath(QStringLiteral("map-result.dat")));
 }
 
 /// The numbers of a result line, in their order.
@@ -150,6 +172,16 @@ private slots:
     void exampleIsRecovered();
     void mapExampleIsRecovered();
     void refusedMap();
+    void mapTooLarge();
+    void refusedMapLeavesItsFile();
+    void limitOfFileSize();
+    void nothingReadIsWritten();
+    void doubts_data();
+    void doubts();
+    void unreadablePermission();
+    void noMemory();
+    void deepJobOnASmallStack_data();
+    void deepJobOnASmallStack();
     void onlyWhatTheJobAsksFor();
     void refusals_data();
     void refusals();
@@ -249,13 +281,10 @@ void tst_Batch::exampleIsRecovered()
 void tst_Batch::mapExampleIsRecovered()
 {
     const QTemporaryDir dir;
-    const QDir example(examples + QStringLiteral("/nickel-map"));
-    for (const QString& name :
-         example.entryList({QStringLiteral("*.dat"), QStringLiteral("*.toml")}))
-        QVERIFY(QFile::copy(example.filePath(name), dir.filePath(name)));
-    QFile::remove(dir.filePath(QStringLiteral("map-result.dat")));
+    copyMapExample(dir);
     const Output output = run({dir.filePath(QStringLiteral("map-job.toml"))});
-    QCOMPARE(output.errors, QString());
+    QCOMPARE(output.errors, QStringLiteral("Written: ") +
+                                dir.filePath(QStringLiteral("map-result.dat")) + QLatin1Char('\n'));
     QCOMPARE(output.status, 0);
     const QStringList lines = output.text.split(QLatin1Char('\n'));
     QCOMPARE(lines.size(), 3);
@@ -289,7 +318,8 @@ void tst_Batch::refusedMap()
         write(QStringLiteral("missing.toml"), "calculate = [\"map\"]\n" + point + "\"no.dat\"\n");
     const Output noFile = run({missing});
     QCOMPARE(noFile.errors, missing + QStringLiteral(":5: cannot open ") +
-                                m_dir.filePath(QStringLiteral("no.dat")) + QLatin1Char('\n'));
+                                m_dir.filePath(QStringLiteral("no.dat")) +
+                                QStringLiteral(": there is no such file\n"));
     QCOMPARE(noFile.status, 2);
     write(QStringLiteral("plain.dat"), "1 2 3 4\n");
     const QString plain = write(QStringLiteral("plain.toml"), point + "\"plain.dat\"\n");
@@ -297,6 +327,210 @@ void tst_Batch::refusedMap()
     QCOMPARE(noAxes.errors, plain + QStringLiteral(":4: no 2D data with axes in ") +
                                 m_dir.filePath(QStringLiteral("plain.dat")) + QLatin1Char('\n'));
     QCOMPARE(noAxes.status, 2);
+}
+
+void tst_Batch::mapTooLarge()
+{
+    write(QStringLiteral("huge.dat"),
+          "# AXIS 0 x mm 0 0.5 1\n# AXIS 1 y mm 0 0.5 1\n0 0 " + QByteArray(64 << 20, '5'));
+    const QString job =
+        write(QStringLiteral("huge.toml"), "[[point]]\nenergy = 8390\nv_point = true\n"
+                                           "map = \"huge.dat\"\n");
+    const Output output = run({job});
+    QCOMPARE(output.errors, job + QStringLiteral(":4: The 2D data file [") +
+                                m_dir.filePath(QStringLiteral("huge.dat")) +
+                                QStringLiteral("] is too large.\n"));
+    QCOMPARE(output.text, QString());
+    QCOMPARE(output.status, 2);
+}
+
+void tst_Batch::refusedMapLeavesItsFile()
+{
+    const QString result = write(QStringLiteral("kept.dat"), "earlier");
+    const QString job = write(QStringLiteral("kept.toml"),
+                              "calculate = [\"map\"]\n" + files + "map_result = \"kept.dat\"\n");
+    const Output output = run({job});
+    QCOMPARE(output.text, QStringLiteral("V Point is not selected\nMap: 0 x 0 pixels\n"));
+    QCOMPARE(output.errors, QString());
+    QCOMPARE(output.status, 1);
+    QCOMPARE(contents(result), QByteArray("earlier"));
+}
+
+/// As under `ulimit -f`, which ends a program that does not expect it.
+void tst_Batch::limitOfFileSize()
+{
+    const QTemporaryDir dir;
+    copyMapExample(dir);
+    const QString result = dir.filePath(QStringLiteral("map-result.dat"));
+    QFile earlier(result);
+    QVERIFY(earlier.open(QIODevice::WriteOnly) && earlier.write("earlier") == 7);
+    earlier.close();
+    const QStringList before = QDir(dir.path()).entryList(QDir::Files | QDir::Hidden);
+    const QString job = dir.filePath(QStringLiteral("map-job.toml"));
+    const Output output = runBatch({job}, m_dir.path(), QStringLiteral("C.UTF-8"), {},
+                                   {QStringLiteral("prlimit"), QStringLiteral("--fsize=4096")});
+    QCOMPARE(output.status, 2);
+    QCOMPARE(output.text.section(QLatin1Char('\n'), 1),
+             QStringLiteral("Can't write the file [%1]\nMap: 24 x 16 pixels\n").arg(result));
+    QCOMPARE(output.errors, QStringLiteral("%1:15: cannot write %2\n").arg(job, result));
+    QCOMPARE(contents(result), QByteArray("earlier"));
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), before);
+}
+
+/// Refused before anything else: the files named here hold no data.
+void tst_Batch::nothingReadIsWritten()
+{
+    write(QStringLiteral("read.dat"), "measured");
+    const QByteArray text = "[files]\nref1 = \"read.dat\"\nmap_result = \"./read.dat\"\n";
+    const QString job = write(QStringLiteral("over.toml"), text);
+    const Output output = run({job});
+    QCOMPARE(output.errors, job + QStringLiteral(":3: map_result would be written over ref1: ") +
+                                m_dir.filePath(QStringLiteral("./read.dat\n")));
+    QCOMPARE(output.text, QString());
+    QCOMPARE(output.status, 2);
+    QCOMPARE(contents(m_dir.filePath(QStringLiteral("read.dat"))), QByteArray("measured"));
+}
+
+void tst_Batch::doubts_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("expected");
+    QTest::addColumn<int>("status");
+    const auto row = [](const char* name, const QByteArray& text, const char* expected,
+                        int status) {
+        QTest::newRow(name) << text << QString::fromUtf8(expected) << status;
+    };
+    const QByteArray target = "calculate = [\"target\"]\n" + files;
+    const QByteArray points = "[[point]]\nenergy = 8313\n[[point]]\nenergy = 8404.5\n[[point]]\n"
+                              "v_point = true\nenergy = ";
+    row("keV", target + points + "8.39\n[conditions]\nreferences_minus_victreen = false\n",
+        "JOB:13: warning: energy 8.39 looks like keV; energies are in eV\n"
+        "JOB: warning: a = * of the point method is far outside 0 to 1\n",
+        0);
+    row("beyond the spectra",
+        target + "[[point]]\nenergy = 8381\n" + points +
+            "9999\n[conditions]\nreferences_minus_victreen = false\n",
+        "JOB:15: warning: energy 9999 is outside ref1 (8000 to 9250 eV), ref2 (8000 to 9250 eV), "
+        "target (8000 to 9250 eV), blank (8000 to 9250 eV)\n"
+        "JOB: warning: the result of the point method is no finite number\n",
+        1);
+    row("edge and range of another element",
+        target + points + "8390\n[edge]\nenergy = 11103\npost_edge_start = 20\n",
+        "JOB:15: warning: edge 11103 is outside ref1 (8000 to 9250 eV), ref2 (8000 to 9250 eV)\n"
+        "JOB:16: warning: the post-edge line of ref1 goes through 0 points; it needs 3\n"
+        "JOB:16: warning: the post-edge line of ref2 goes through 0 points; it needs 3\n"
+        "JOB: warning: the result of the point method is no finite number\n",
+        1);
+    row("falling spectrum",
+        "calculate = [\"target\"]\n[files]\nref1 = \"ref1.dat\"\nref2 = \"ref2.dat\"\n"
+        "blank = \"blank.dat\"\ntarget = \"falling.dat\"\n" +
+            points + "8390\n",
+        "JOB:6: warning: the energies of target fall at 9248 eV; from row to row they are taken to "
+        "rise\n",
+        0);
+    row("fit without a target",
+        "calculate = [\"lcf\"]\n[files]\nref1 = \"ref1.dat\"\nref2 = \"ref2.dat\"\n"
+        "[[point]]\nenergy = 8313\nt_ratio = true\nv_point = true\n"
+        "[[point]]\nenergy = 8400\nt_ratio = true\n",
+        "JOB: warning: the linear combination fit has no target\n"
+        "JOB: warning: the result of the linear combination fit is no finite number\n",
+        1);
+}
+
+void tst_Batch::doubts()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, expected);
+    QFETCH(int, status);
+    const QByteArray rising = contents(m_dir.filePath(QStringLiteral("target.dat")));
+    const int head = rising.indexOf('\n', rising.indexOf("Offset")) + 1;
+    QByteArrayList rows = rising.mid(head).trimmed().split('\n');
+    std::reverse(rows.begin(), rows.end());
+    write(QStringLiteral("falling.dat"), rising.left(head) + rows.join('\n') + '\n');
+    const QString job = write(QStringLiteral("doubts.toml"), text);
+    const Output output = run({job});
+    QString errors = output.errors;
+    errors.replace(QRegularExpression(QStringLiteral("a = [0-9.e+-]+ of")),
+                   QStringLiteral("a = * of"));
+    QCOMPARE(errors, expected.replace(QStringLiteral("JOB"), job));
+    QCOMPARE(output.status, status);
+}
+
+void tst_Batch::unreadablePermission()
+{
+    const QTemporaryDir dir;
+    const QString job = dir.filePath(QStringLiteral("job.toml"));
+    QFile file(job);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("[files]\nref1 = \"job.toml\"\n") > 0);
+    file.close();
+    QCOMPARE(chmod(QFile::encodeName(dir.path()).constData(), 0755), 0);
+    QCOMPARE(chmod(QFile::encodeName(job).constData(), 0), 0);
+    QStringList plainUser;
+    if (geteuid() == 0)
+        plainUser = QStringList{QStringLiteral("setpriv"), QStringLiteral("--reuid=65534"),
+                                QStringLiteral("--clear-groups")};
+    const Output output = runBatch({job}, dir.path(), QStringLiteral("C.UTF-8"), {}, plainUser);
+    QCOMPARE(output.errors.section(QLatin1Char('\n'), -2),
+             job + QStringLiteral(": cannot be opened: there is no permission to read it\n"));
+    QCOMPARE(output.status, 2);
+}
+
+/// In as little memory as the program starts with, a large job does not fit.
+void tst_Batch::noMemory()
+{
+#ifdef __SANITIZE_ADDRESS__
+    QSKIP("the sanitizer takes all addresses");
+#endif
+    const auto runWithin = [this](int megabytes, const QString& job) {
+        return runBatch(
+            {job}, m_dir.path(), QStringLiteral("C.UTF-8"), {},
+            {QStringLiteral("prlimit"), QStringLiteral("--as=%1000000").arg(megabytes)});
+    };
+    const QString small = write(QStringLiteral("small.toml"), "a0 = []\n");
+    QByteArray keys;
+    for (int i = 0; i < 100000; ++i)
+        keys += "a" + QByteArray::number(i) + "=[]\n";
+    const QString large = write(QStringLiteral("large.toml"), keys);
+    constexpr int most = 1000;
+    int megabytes = 20;
+    while (megabytes < most && runWithin(megabytes, small).status != 2)
+        megabytes += 4;
+    QVERIFY(megabytes < most);
+    const Output output = runWithin(megabytes, large);
+    QCOMPARE(output.errors, QStringLiteral("There is not enough memory.\n"));
+    QCOMPARE(output.text, QString());
+    QCOMPARE(output.status, 2);
+    QVERIFY(runWithin(most, large).errors.startsWith(large + QStringLiteral(":1: unknown key")));
+}
+
+void tst_Batch::deepJobOnASmallStack_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<int>("line");
+    constexpr int megabyte = 1 << 20;
+    const auto times = [](const char* text, int size) {
+        return QByteArray(text).repeated(size / static_cast<int>(qstrlen(text)));
+    };
+    QTest::newRow("dotted key") << "\n" + times("a.", megabyte - 10) + "a = 1\n" << 2;
+    QTest::newRow("header") << "\n[" + times("a.", megabyte - 10) + "a]\n" << 2;
+    QTest::newRow("header of a list") << "\n[[" + times("a.", megabyte - 10) + "a]]\n" << 2;
+    QTest::newRow("lists") << "\na = " + times("[", megabyte - 10) << 2;
+    QTest::newRow("lists over lines") << "a = " + times("[\n", megabyte - 10) << 17;
+    QTest::newRow("tables in lines") << "\na = " + times("{a=", megabyte - 10) << 2;
+    QTest::newRow("lists of tables") << "\na = " + times("[{a=", megabyte - 10) << 2;
+    QTest::newRow("quoted parts") << "\n" + times("\"a.b\".", megabyte - 20) + "a = 1\n" << 2;
+}
+
+void tst_Batch::deepJobOnASmallStack()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(int, line);
+    const QString job = write(QStringLiteral("deep.toml"), text);
+    const Output output = runBatch({job}, m_dir.path(), QStringLiteral("C.UTF-8"), {},
+                                   {QStringLiteral("prlimit"), QStringLiteral("--stack=1048576")});
+    QCOMPARE(output.errors,
+             QStringLiteral("%1:%2: is nested too deeply for a job\n").arg(job).arg(line));
+    QCOMPARE(output.status, 2);
 }
 
 void tst_Batch::onlyWhatTheJobAsksFor()
@@ -359,15 +593,17 @@ void tst_Batch::badJobs_data()
                                << QStringLiteral("JOB:3: edge is a table: [edge]\n");
     QTest::newRow("missing spectrum")
         << QByteArray("[files]\nref1 = \"ref1.dat\"\nref2 = \"ref3.dat\"\n")
-        << QStringLiteral("JOB:3: cannot open DIR/ref3.dat\n");
+        << QStringLiteral("JOB:3: cannot open DIR/ref3.dat: there is no such file\n");
     QTest::newRow("no data") << QByteArray("[files]\nref1 = \"ref1.dat\"\nref2 = \"bad.toml\"\n")
                              << QStringLiteral("JOB:3: no spectrum in DIR/bad.toml\n");
     QTest::newRow("folder") << QByteArray("[files]\nblank = \".\"\n")
-                            << QStringLiteral("JOB:2: cannot open DIR/.\n");
-    QTest::newRow("nowhere") << QByteArray("[files]\n\ntarget = \"/none/100%1 \\\"x\\\".dat\"\n")
-                             << QStringLiteral("JOB:3: cannot open /none/100%1 \"x\".dat\n");
+                            << QStringLiteral("JOB:2: cannot open DIR/.: it is a folder\n");
+    QTest::newRow("nowhere")
+        << QByteArray("[files]\n\ntarget = \"/none/100%1 \\\"x\\\".dat\"\n")
+        << QStringLiteral("JOB:3: cannot open /none/100%1 \"x\".dat: there is no such file\n");
     QTest::newRow("device") << QByteArray("[files]\nref1 = \"/dev/zero\"\n")
-                            << QStringLiteral("JOB:2: cannot open /dev/zero\n");
+                            << QStringLiteral(
+                                   "JOB:2: cannot open /dev/zero: it is no regular file\n");
 }
 
 void tst_Batch::badJobs()
@@ -392,8 +628,9 @@ void tst_Batch::badCalls_data()
     QTest::newRow("two jobs") << QStringList{QStringLiteral("a"), QStringLiteral("b")} << one;
     QTest::newRow("unknown option")
         << QStringList{QStringLiteral("--fast")} << QStringLiteral("Unknown option 'fast'.\n");
-    QTest::newRow("no such job") << QStringList{QStringLiteral("/none/job.toml")}
-                                 << QStringLiteral("/none/job.toml: cannot be opened as a file\n");
+    QTest::newRow("no such job")
+        << QStringList{QStringLiteral("/none/job.toml")}
+        << QStringLiteral("/none/job.toml: cannot be opened: there is no such file\n");
 }
 
 void tst_Batch::badCalls()
@@ -420,8 +657,10 @@ void tst_Batch::helpAndVersion()
     QCOMPARE(help.status, 0);
     QVERIFY(help.text.contains(QStringLiteral("JOB.toml")));
     const QString words = help.text.simplified(); // the lines are broken to the terminal's width
-    QVERIFY(words.contains(
-        QStringLiteral("2 a bad job, an unreadable file or a report that cannot be written.")));
+    QVERIFY(words.contains(QStringLiteral(
+        "Exit status: 0 done, 1 a calculation was refused or its result is no finite "
+        "number, 2 a bad job, an unreadable file, or a report or result file that "
+        "cannot be written.")));
     const Output version = run({QStringLiteral("--version")});
     QCOMPARE(version.status, 0);
     QVERIFY(QRegularExpression(QStringLiteral("^drovik-batch [0-9]+\\.[0-9]+\\.[0-9]+\n$"))

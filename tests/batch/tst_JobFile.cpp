@@ -93,15 +93,20 @@ void tst_JobFile::everySettingIsTaken()
     QCOMPARE(job.edge, QStringLiteral("7120"));
     QCOMPARE(job.preEdgeEnd, QStringLiteral("-30"));
     QCOMPARE(job.postEdgeStart, QStringLiteral("100.5"));
+    QCOMPARE(job.edgeLine, 7);
+    QCOMPARE(job.preEdgeEndLine, 8);
+    QCOMPARE(job.postEdgeStartLine, 9);
     QCOMPARE(job.valence1, QStringLiteral("2"));
     QCOMPARE(job.valence2, QStringLiteral("2.5"));
     QVERIFY(job.points);
     QCOMPARE(job.points->size(), std::size_t(2));
     const JobPoint& first = job.points->at(0);
     QCOMPARE(first.energy, QStringLiteral("7090"));
+    QCOMPARE(first.line, 14);
     QVERIFY(first.use && first.tRatio && !first.vPoint);
     const JobPoint& second = job.points->at(1);
     QCOMPARE(second.energy, QStringLiteral("7130.2"));
+    QCOMPARE(second.line, 17);
     QVERIFY(!second.use && !second.tRatio && second.vPoint);
     QCOMPARE(job.thickness, std::optional(ThicknessType::Mean));
     QCOMPARE(job.referencesMinusVictreen, std::optional(false));
@@ -144,6 +149,9 @@ void tst_JobFile::numbersKeepTheirDigits_data()
     QTest::newRow("more than six digits")
         << QByteArray("8350.12345") << QStringLiteral("8350.12345");
     QTest::newRow("not exact in binary") << QByteArray("0.1") << QStringLiteral("0.1");
+    QTest::newRow("sixteen digits")
+        << QByteArray("1.234567890123456") << QStringLiteral("1.234567890123456");
+    QTest::newRow("small") << QByteArray("0.0000001") << QStringLiteral("1e-07");
     QTest::newRow("exponent") << QByteArray("8.35e3") << QStringLiteral("8350");
     QTest::newRow("underscores") << QByteArray("8_350") << QStringLiteral("8350");
 }
@@ -212,6 +220,10 @@ void tst_JobFile::errorsHaveLineAndReason_data()
     row("the first of several errors", "[files]\nref3 = 1\n[edge]\nenergy = \"x\"\n",
         "job:2: unknown key \"ref3\" in [files]; known are: ref1, ref2, target, blank, "
         "map_result");
+    row("the first of two, visited last", "[valences]\nref9 = 1\n[edge]\nstart = 2\n",
+        "job:2: unknown key \"ref9\" in [valences]; known are: ref1, ref2");
+    row("the first of two in a line", "edge = {start = 1, energy = \"x\"}\n",
+        "job:1: energy is a finite number");
     row("no table", "files = 3\n", "job:1: files is a table: [files]");
     row("text for a number", "[edge]\nenergy = \"8350\"\n", "job:2: energy is a finite number");
     row("not a number", "[edge]\nenergy = nan\n", "job:2: energy is a finite number");
@@ -292,13 +304,14 @@ void tst_JobFile::unreadableJobs()
         JobError error;
         return readJob(path, error) ? QString() : errorText(QStringLiteral("job"), error);
     };
-    const QString cannot = QStringLiteral("job: cannot be opened as a file");
-    QCOMPARE(reasonOf(dir.filePath(QStringLiteral("none.toml"))), cannot);
-    QCOMPARE(reasonOf(dir.path()), cannot);
-    QCOMPARE(reasonOf(QStringLiteral("/dev/zero")), cannot);
+    QCOMPARE(reasonOf(dir.filePath(QStringLiteral("none.toml"))),
+             QStringLiteral("job: cannot be opened: there is no such file"));
+    QCOMPARE(reasonOf(dir.path()), QStringLiteral("job: cannot be opened: it is a folder"));
+    const QString irregular = QStringLiteral("job: cannot be opened: it is no regular file");
+    QCOMPARE(reasonOf(QStringLiteral("/dev/zero")), irregular);
     const QString pipe = dir.filePath(QStringLiteral("pipe"));
     QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    QCOMPARE(reasonOf(pipe), cannot);
+    QCOMPARE(reasonOf(pipe), irregular);
     QFile large(dir.filePath(QStringLiteral("large.toml")));
     QVERIFY(large.open(QIODevice::WriteOnly));
     large.write(QByteArray((1 << 20) + 1, '\n'));

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "batch/JobFile.h"
+
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+/// A spectrum that the calculations of a job use.
+struct SpectrumFacts {
+    QString name; ///< "ref1"
+    int line = 0; ///< of the job file
+    double energyMin = 0.0;
+    double energyMax = 0.0;            ///< eV
+    std::optional<double> fallsAt;     ///< eV; the first energy that is below the one before
+    std::optional<int> preEdgePoints;  ///< below the end of the pre-edge range, if a line through
+                                       ///< them is used
+    std::optional<int> postEdgePoints; ///< above the start of the post-edge range, likewise
+};
+
+/// A row of the point table whose energy counts.
+struct RowFacts {
+    int line = 0;        ///< of the job file; 0 where the job does not give it
+    double energy = 0.0; ///< eV
+};
+
+/// What a job amounts to when its settings are made and its files are read.
+struct JobFacts {
+    std::vector<SpectrumFacts> spectra;
+    std::vector<RowFacts> rows;
+    double edge = 0.0; ///< eV
+    int edgeLine = 0;
+    int preEdgeEndLine = 0;
+    int postEdgeStartLine = 0;
+    std::vector<QString> missingForLcf; ///< names of the spectra that the fit lacks
+    std::optional<int> lcfPoints; ///< of the target in the range of the fit, if there is to be one
+};
+
+/// What the calculations of a job found. What was not asked for, or refused, is not there.
+struct JobResults {
+    std::optional<double> a; ///< of the point method
+    std::optional<double> valence;
+    std::optional<double> lcfA;
+    std::optional<double> lcfValence;
+    std::optional<bool> anyFinitePixel; ///< of the map
+};
+
+/// What a physicist would doubt before the calculation: energies that look like keV or that a
+/// spectrum does not reach, spectra whose energies fall or that have no range in common, an edge
+/// outside a spectrum whose lines are used, fits through too few points. Each with its line in the
+/// job, 0 where it has none; empty where there is nothing to doubt.
+std::vector<JobError> doubtsBefore(const JobFacts& facts);
+
+/// What a physicist would doubt of the results: `a` far outside 0 to 1, what is no finite number.
+std::vector<JobError> doubtsAfter(const JobResults& results);
+
+/// Whether all results that are there are finite numbers.
+bool areFinite(const JobResults& results);

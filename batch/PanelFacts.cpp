@@ -1,0 +1,143 @@
+#include "batch/PanelFacts.h"
+
+#include "app/FourPs.h"
+#include "input/AEPoint.h"
+#include "input/NumberText.h"
+#include "results/LinearCombinationFit.h"
+
+#include <algorithm>
+#include <array>
+
+namespace
+{
+
+constexpr std::array<const char*, 4> names{"ref1", "ref2", "target", "blank"};
+
+/// What is taken from a spectrum.
+struct Use {
+    bool any = false;
+    bool preLine = false;
+    bool postLine = false;
+};
+
+class FactFinder
+{
+public:
+    FactFinder(const Job& job, const FourPs& panel)
+        : m_job(job), m_panel(panel), m_points(job.calculateTarget || job.calculateMap)
+    {
+        PointRows rows;
+        for (const AEPoint* point : panel.ePoints)
+            rows.push_back(point->row());
+        if (job.calculateLcf)
+            m_range = lcfRange(rows);
+        m_rowsInUse =
+            std::count_if(rows.begin(), rows.end(), [](const PointRow& row) { return row.use; });
+    }
+
+    JobFacts facts() const
+    {
+        JobFacts facts;
+        facts.edge = numberFromText(m_panel.EdgeE->text());
+        facts.edgeLine = m_job.edgeLine;
+        facts.preEdgeEndLine = m_job.preEdgeEndLine;
+        facts.postEdgeStartLine = m_job.postEdgeStartLine;
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            const bool read = m_panel.xafsSelects[static_cast<int>(i)]->isValid();
+            if (read && useOf(i).any)
+                facts.spectra.push_back(spectrum(i));
+            if (!read && m_range && i != Job::Blank)
+                facts.missingForLcf.push_back(QLatin1String(names[i]));
+        }
+        facts.rows = rows();
+        facts.lcfPoints = lcfPoints();
+        return facts;
+    }
+
+private:
+    const AXafsData& data(std::size_t i) const
+    {
+        return *m_panel.xafsSelects[static_cast<int>(i)]->data();
+    }
+
+    Use useOf(std::size_t i) const
+    {
+        const bool reference = i == Job::Ref1 || i == Job::Ref2;
+        const bool inPoints = m_points && (i != Job::Target || m_job.calculateTarget);
+        const bool lines =
+            inPoints && ((reference && m_panel.UseVicCB->isChecked()) ||
+                         (i == Job::Target && m_panel.UseVicForTargetCB->isChecked()));
+        const bool pre = m_panel.TheVicIs1->isChecked();
+        // Three points need no thickness ratio.
+        const bool jump = inPoints && reference && m_rowsInUse > 3 && m_panel.TRVic2->isChecked();
+        const bool fit = m_range && i != Job::Blank;
+        return {inPoints || fit, fit || jump || (lines && pre), fit || jump || (lines && !pre)};
+    }
+
+    SpectrumFacts spectrum(std::size_t i) const
+    {
+        const AXafsData& record = data(i);
+        const SpectrumPoints& points = record.points;
+        SpectrumFacts facts;
+        facts.name = QLatin1String(names[i]);
+        facts.line = m_job.spectra[i].line;
+        facts.energyMin = record.energyMin;
+        facts.energyMax = record.energyMax;
+        const auto falls = [](const SpectrumPoint& a, const SpectrumPoint& b) {
+            return b.energy < a.energy;
+        };
+        const auto place = std::adjacent_find(points.begin(), points.end(), falls);
+        if (place != points.end())
+            facts.fallsAt = std::next(place)->energy;
+        const Use use = useOf(i);
+        const auto count = [&points](auto condition) {
+            return static_cast<int>(std::count_if(points.begin(), points.end(), condition));
+        };
+        if (use.preLine)
+            facts.preEdgePoints =
+                count([&](const SpectrumPoint& p) { return p.energy < record.preEdgeEnd; });
+        if (use.postLine)
+            facts.postEdgePoints =
+                count([&](const SpectrumPoint& p) { return p.energy > record.postEdgeStart; });
+        return facts;
+    }
+
+    std::vector<RowFacts> rows() const
+    {
+        std::vector<RowFacts> found;
+        for (int i = 0; i < m_panel.ePoints.size(); ++i) {
+            const AEPoint* const point = m_panel.ePoints[i];
+            const bool counts =
+                (m_points && point->UseCB->isChecked()) || (m_range && point->TRatCB->isChecked());
+            const auto row = static_cast<std::size_t>(i);
+            const bool given = m_job.points && row < m_job.points->size();
+            if (counts && !point->Energy->text().isEmpty())
+                found.push_back({given ? (*m_job.points)[row].line : 0, point->energy()});
+        }
+        return found;
+    }
+
+    std::optional<int> lcfPoints() const
+    {
+        if (!m_range || !m_panel.TargetFile->isValid())
+            return std::nullopt;
+        const SpectrumPoints& points = data(Job::Target).points;
+        return static_cast<int>(
+            std::count_if(points.begin(), points.end(), [this](const SpectrumPoint& point) {
+                return m_range->contains(point.energy);
+            }));
+    }
+
+    const Job& m_job;
+    const FourPs& m_panel;
+    bool m_points; ///< a point method is asked for
+    std::ptrdiff_t m_rowsInUse = 0;
+    std::optional<LcfRange> m_range; ///< of the fit, if it is asked for and not refused
+};
+
+} // namespace
+
+JobFacts factsOf(const Job& job, const FourPs& panel)
+{
+    return FactFinder(job, panel).facts();
+}

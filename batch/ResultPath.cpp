@@ -1,0 +1,86 @@
+#include "batch/ResultPath.h"
+
+#include "results/HistogramCounts.h"
+#include "system/SafeFile.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <sys/stat.h>
+
+namespace
+{
+
+struct ReadFile {
+    QString what;
+    QString path;
+};
+
+std::vector<ReadFile> filesReadBy(const Job& job, const QString& jobPath)
+{
+    std::vector<ReadFile> files{{QStringLiteral("the job itself"), jobPath}};
+    const std::array<const char*, 4> names{"ref1", "ref2", "target", "blank"};
+    for (std::size_t i = 0; i < names.size(); ++i)
+        files.push_back({QLatin1String(names[i]), job.spectra[i].path});
+    for (std::size_t i = 0; job.points && i < job.points->size(); ++i)
+        files.push_back(
+            {QStringLiteral("the map of [[point]] %1").arg(i + 1), (*job.points)[i].map.path});
+    return files;
+}
+
+/// One file by whatever names and links.
+bool areSame(const QString& path, const QString& other)
+{
+    struct stat a = {};
+    struct stat b = {};
+    return stat(QFile::encodeName(path).constData(), &a) == 0 &&
+           stat(QFile::encodeName(other).constData(), &b) == 0 && a.st_dev == b.st_dev &&
+           a.st_ino == b.st_ino;
+}
+
+/// What of the files that the job reads would be lost; empty if nothing.
+QString lostBy(const QString& written, const std::vector<ReadFile>& files)
+{
+    for (const ReadFile& file : files)
+        if (!written.isEmpty() && !file.path.isEmpty() && areSame(written, file.path))
+            return file.what;
+    return {};
+}
+
+QString whyUnwritable(const QString& path)
+{
+    const QFileInfo file(path);
+    const QString folder = file.absolutePath();
+    if (!QFileInfo(folder).isDir())
+        return QStringLiteral("there is no folder %1").arg(folder);
+    if (!file.exists())
+        return QStringLiteral("no file can be made in %1").arg(folder);
+    return file.isFile() ? QStringLiteral("there is no permission to write it")
+                         : QStringLiteral("it is no regular file");
+}
+
+} // namespace
+
+std::optional<JobError> checkResultPath(const Job& job, const QString& jobPath)
+{
+    const QString path = job.mapResult.path;
+    const auto wrong = [&](const QString& reason) { return JobError{job.mapResult.line, reason}; };
+    if (path.isEmpty())
+        return std::nullopt;
+    if (QFileInfo(path).isDir())
+        return wrong(QStringLiteral("map_result is a folder: %1").arg(path));
+    const std::vector<ReadFile> files = filesReadBy(job, jobPath);
+    if (const QString lost = lostBy(path, files); !lost.isEmpty())
+        return wrong(QStringLiteral("map_result would be written over %1: %2").arg(lost, path));
+    for (const QString& tag : {QStringLiteral("HGAlpha"), QStringLiteral("HGThick")}) {
+        const QString beside = HistogramCounts::fileBeside(path, tag);
+        if (const QString lost = lostBy(beside, files); !lost.isEmpty())
+            return wrong(
+                QStringLiteral("the histogram file beside map_result would be written over %1: %2")
+                    .arg(lost, beside));
+    }
+    if (job.calculateMap && !SafeFile(path).open())
+        return wrong(
+            QStringLiteral("map_result %1 cannot be written: %2").arg(path, whyUnwritable(path)));
+    return std::nullopt;
+}
