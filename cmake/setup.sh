@@ -22,10 +22,11 @@ as_root() {
     fi
 }
 
+# missing_packages PACKAGE...: those that are not installed, a line each.
 missing_packages() {
     local installed package
-    installed=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' "${packages[@]}" 2>/dev/null || true)
-    for package in "${packages[@]}"; do
+    installed=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' "$@" 2>/dev/null || true)
+    for package in "$@"; do
         grep -qx "installed $package" <<<"$installed" || printf '%s\n' "$package"
     done
 }
@@ -37,7 +38,7 @@ install_packages() {
         return
     fi
     local missing
-    mapfile -t missing < <(missing_packages)
+    mapfile -t missing < <(missing_packages "${packages[@]}")
     [ "${#missing[@]}" -gt 0 ] || return 0
     if [ "$(id -u)" != 0 ] && ! command -v sudo >/dev/null; then
         say "Packages are missing and there is no sudo. As root: apt-get install ${missing[*]}"
