@@ -3,8 +3,10 @@
 #include "app/FourPs.h"
 #include "input/AEPoint.h"
 #include "input/AXafsFileSelect.h"
+#include "tests/support/CanvasActions.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -13,10 +15,12 @@
 #include <QUrl>
 #include <QWheelEvent>
 
-Monkey::Monkey(quint32 seed, const QString& folder) : m_random(seed), m_files(seed, folder)
+Monkey::Monkey(quint32 seed, const QString& folder)
+    : m_random(seed), m_files(seed, folder), m_out(folder + QStringLiteral("/out"))
 {
-    for (AFileSelect* select : m_body.panel()->findChildren<AFileSelect*>())
-        select->SelectB->disconnect(select);
+    m_maps = std::make_unique<GivenMaps>(panel());
+    QObject::connect(&m_watch, &QTimer::timeout, &m_body, [this] { leaveLoop(); });
+    m_watch.start();
     m_body.show();
     m_body.panel()->displays->show();
     idle();
@@ -28,17 +32,20 @@ void Monkey::act()
         int weight;
         void (Monkey::*act)();
     } table[] = {{30, &Monkey::click}, {10, &Monkey::drag},      {8, &Monkey::wheel},
-                 {20, &Monkey::key},   {6, &Monkey::typeNumber}, {6, &Monkey::drop},
+                 {16, &Monkey::key},   {6, &Monkey::typeNumber}, {6, &Monkey::drop},
                  {3, &Monkey::choose}, {4, &Monkey::window},     {3, &Monkey::focus},
-                 {10, &Monkey::idle}};
+                 {3, &Monkey::write},  {3, &Monkey::dialog},     {8, &Monkey::idle}};
+    keepInside();
+    m_acting = true;
     int choice = below(100);
     for (const auto& entry : table) {
         choice -= entry.weight;
         if (choice < 0) {
             (this->*entry.act)();
-            return;
+            break;
         }
     }
+    m_acting = false;
 }
 
 QWidget* Monkey::anyWindow()
@@ -47,7 +54,7 @@ QWidget* Monkey::anyWindow()
         return popup;
     QWidgetList windows;
     for (QWidget* window : QApplication::topLevelWidgets()) {
-        if (window->isVisible())
+        if (window->isVisible() && !qobject_cast<QDialog*>(window))
             windows.append(window);
     }
     if (windows.isEmpty()) {
@@ -158,6 +165,12 @@ void Monkey::key()
         widget = anyWidget();
     const int key = keys[below(static_cast<int>(sizeof keys / sizeof *keys))];
     const Qt::KeyboardModifiers modifiers = anyModifiers();
+    if (!qobject_cast<QDialog*>(widget->window()))
+        keyTo(widget, key, modifiers);
+}
+
+void Monkey::keyTo(QPointer<QWidget> widget, int key, Qt::KeyboardModifiers modifiers)
+{
     const QString text = key < 0x80 ? QString(QChar(key)) : QString();
     QKeyEvent press(QEvent::KeyPress, key, modifiers, text);
     QApplication::sendEvent(widget, &press);
@@ -170,7 +183,8 @@ void Monkey::typeNumber()
 {
     const QList<QLineEdit*> edits = m_body.panel()->findChildren<QLineEdit*>();
     QLineEdit* edit = edits.at(below(edits.size()));
-    if (edit->isReadOnly() || edit->parentWidget() == m_body.panel()->SaveFSelect)
+    if (edit->isReadOnly() || edit->parentWidget() == panel().SaveFSelect ||
+        qobject_cast<QDialog*>(edit->window()))
         return;
     static const char* const texts[] = {"2",   "3",  "8350", "8390", "-50",   "100",
                                         "1.5", "0",  "nan",  "inf",  "1e308", "",
@@ -253,5 +267,99 @@ void Monkey::focus()
 
 void Monkey::idle()
 {
+    m_acting = false;
     QApplication::processEvents();
+}
+
+/// Types a result file's path, and often presses "Write".
+void Monkey::write()
+{
+    QLineEdit* field = panel().SaveFSelect->FileName;
+    field->setFocus();
+    field->selectAll();
+    field->insert(m_files.targets.at(below(m_files.targets.size())));
+    keyTo(field, Qt::Key_Return, Qt::NoModifier);
+    if (chance(70))
+        panel().WriteB->click();
+}
+
+QList<QFileDialog*> Monkey::openDialogs()
+{
+    QList<QFileDialog*> dialogs;
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        auto* dialog = qobject_cast<QFileDialog*>(window);
+        if (dialog && dialog->isVisible())
+            dialogs.append(dialog);
+    }
+    return dialogs;
+}
+
+/// Opens a dialog by "Sel.", or does something to one that is open.
+void Monkey::dialog()
+{
+    const QList<QFileDialog*> dialogs = openDialogs();
+    if (dialogs.isEmpty() || chance(20)) {
+        const QList<AFileSelect*> selectors = panel().findChildren<AFileSelect*>();
+        selectors.at(below(selectors.size()))->SelectB->click();
+        return;
+    }
+    QFileDialog* dialog = dialogs.at(below(dialogs.size()));
+    dialog->setOption(QFileDialog::ReadOnly); // nothing is renamed or deleted
+    static const int keys[] = {Qt::Key_Tab,      Qt::Key_Backtab, Qt::Key_Left, Qt::Key_Right,
+                               Qt::Key_Up,       Qt::Key_Down,    Qt::Key_Home, Qt::Key_End,
+                               Qt::Key_PageDown, Qt::Key_A,       Qt::Key_5,    Qt::Key_Escape};
+    const int choice = below(10);
+    if (choice < 4)
+        answer(dialog);
+    else if (choice == 4)
+        dialog->close();
+    else if (QWidget* inside = dialog->focusWidget())
+        keyTo(inside, keys[below(12)], Qt::NoModifier);
+}
+
+/// Types a name and ends with the Enter key. Of a file that does not exist the dialog says so in a
+/// box that waits.
+void Monkey::answer(QFileDialog* dialog)
+{
+    auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    const bool save = dialog->acceptMode() == QFileDialog::AcceptSave;
+    name->setFocus();
+    name->selectAll();
+    name->insert(save ? m_files.targets.at(below(m_files.targets.size())) : anyFile());
+    keyTo(name, Qt::Key_Return, Qt::NoModifier);
+    ++m_dialogsAnswered;
+}
+
+/// Before anything is pressed: results are written nowhere else.
+void Monkey::keepInside()
+{
+    QLineEdit* field = panel().SaveFSelect->FileName;
+    const QString path = QDir::cleanPath(QDir(m_out).absoluteFilePath(field->text()));
+    if (!field->text().isEmpty() && !path.startsWith(m_out + QLatin1Char('/')))
+        field->setText(m_files.targets.first());
+}
+
+/// Gives up whatever waits for an answer in the middle of an event: a box, a menu, a drag.
+void Monkey::leaveLoop()
+{
+    QWidget* waiting = QApplication::activeModalWidget();
+    if (!waiting && m_acting)
+        waiting = QApplication::activePopupWidget() ? QApplication::activePopupWidget() : &m_body;
+    if (waiting)
+        keyTo(waiting, Qt::Key_Escape, Qt::NoModifier);
+}
+
+void Monkey::calmDown()
+{
+    keepInside();
+    for (QFileDialog* dialog : openDialogs())
+        dialog->reject();
+    while (QWidget* popup = QApplication::activePopupWidget())
+        popup->close();
+    for (const DispABase* graph : qAsConst(panel().displays->panels))
+        canvas::release(graph->DispA, QPointF(1, 1)); // of whatever is held
+    m_body.showNormal();
+    panel().displays->showNormal();
+    idle();
+    m_watch.stop();
 }
