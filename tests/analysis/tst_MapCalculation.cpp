@@ -207,6 +207,7 @@ private slots:
     void rowsWithoutData();
     void unusedRowsDoNotCount();
     void blankOfMapValuesStays();
+    void tooFewNormalizationPoints_data();
     void tooFewNormalizationPoints();
     void positionsOfTheVPoint();
     void emptyGrid_data();
@@ -216,6 +217,7 @@ private slots:
     void gridFitsInPlaceOfTheEarlierOne();
     void memoryIsKeptOrGivenBack();
     void energiesOfZero();
+    void measuredPixelsAllowAGrid();
     void sinkSeesEveryPixelOnce();
     void sameForAnyNumberOfThreads_data();
     void sameForAnyNumberOfThreads();
@@ -340,10 +342,21 @@ void tst_MapCalculation::blankOfMapValuesStays()
     QVERIFY(std::abs(with.t[0] - without.t[0]) < 1e-12);
 }
 
+void tst_MapCalculation::tooFewNormalizationPoints_data()
+{
+    QTest::addColumn<int>("method");
+    QTest::addColumn<int>("rows");
+    QTest::newRow("three-point") << static_cast<int>(Method::ThreePoint) << 3;
+    QTest::newRow("exact") << static_cast<int>(Method::FourPointExact) << 4;
+    QTest::newRow("exact, three rows") << static_cast<int>(Method::FourPointExact) << 3;
+}
+
 void tst_MapCalculation::tooFewNormalizationPoints()
 {
-    Case test = regularCase(Method::ThreePoint, 3, 2, 2);
-    test.points[1].vPoint = true; // the last one counts, and only one normalization point is left
+    QFETCH(int, method);
+    QFETCH(int, rows);
+    Case test = regularCase(static_cast<Method>(method), static_cast<std::size_t>(rows), 2, 2);
+    test.points[1].vPoint = true; // the last one counts, and a normalization point is missing
     MapResults results;
     QVERIFY(calculateMap(test.task(), results));
     QCOMPARE(results.size(), std::size_t{4});
@@ -476,6 +489,21 @@ void tst_MapCalculation::energiesOfZero()
     QVERIFY(calculateMap(test.task(), results));
     QVERIFY2(std::abs(results.t[0] - 1.0) < 1e-12, qPrintable(QString::number(results.t[0])));
     QCOMPARE(difference(test, results), QString());
+}
+
+void tst_MapCalculation::measuredPixelsAllowAGrid()
+{
+    MapTask task = regularCase(Method::ThreePoint, 3, 2, 2).task();
+    task.columns = 4096;
+    task.rows = 1025; // a few thousand pixels more than need no measurement
+    auto positions = std::make_shared<MapPositions>();
+    task.positions = positions;
+    MapResults results;
+    QVERIFY(!calculateMap(task, results));
+    QVERIFY(positions->resize(4096 * 1025 / 16));
+    std::fill(positions->begin(), positions->end(), MapPosition{});
+    QVERIFY(calculateMap(task, results));
+    QCOMPARE(results.size(), std::size_t{4096} * 1025);
 }
 
 void tst_MapCalculation::sinkSeesEveryPixelOnce()

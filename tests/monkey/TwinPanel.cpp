@@ -104,8 +104,8 @@ void TwinPanel::giveTexts()
     for (int i = 0; i < qMin(used.size(), fresh.size()); ++i)
         fresh[i]->setText(used[i]->text());
     // What stands in the fields of the edge counts when they are left.
-    for (const FourPs* panel :
-         {const_cast<const FourPs*>(&m_used), const_cast<const FourPs*>(&m_fresh)})
+    const FourPs* const both[] = {&m_used, &m_fresh};
+    for (const FourPs* panel : both)
         QTest::keyClick(panel->EdgeE, Qt::Key_Return);
 }
 
@@ -126,8 +126,8 @@ void TwinPanel::compareTexts()
     const int linesFresh = user::messages(m_fresh).size();
     QObject listening;
     QObject::connect(&m_used, &FourPs::refused, &listening, [this] { m_calculated = false; });
-    for (const FourPs* panel :
-         {const_cast<const FourPs*>(&m_used), const_cast<const FourPs*>(&m_fresh)}) {
+    const FourPs* const both[] = {&m_used, &m_fresh};
+    for (const FourPs* panel : both) {
         for (QPushButton* button : {panel->CalcTargetB, panel->CalcMapB, panel->LCFB})
             button->click();
     }

@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <QVector>
 
+#include <algorithm>
+
 /// Writes down which files the rows of the table were given: what a row holds is seen nowhere.
 class GivenMaps
 {
