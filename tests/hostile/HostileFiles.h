@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <QtGlobal>
 
 /// Files that nobody should give to a program.
 namespace hostile
@@ -57,6 +58,12 @@ constexpr bool memoryIsPadded()
 #else
     return false;
 #endif
+}
+
+/// Two seconds for any file, with room for what the sanitizers cost.
+constexpr qint64 patienceMs()
+{
+    return memoryIsPadded() ? 40000 : 2000;
 }
 
 } // namespace hostile
