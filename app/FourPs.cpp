@@ -161,6 +161,7 @@ void FourPs::connectInputs()
     for (AXafsFileSelect* select : qAsConst(xafsSelects)) {
         connect(select, &AFileSelect::newDir, this, &FourPs::receiveNewDir);
         connect(select, &AFileSelect::newFilePath, this, &FourPs::receiveNewFile);
+        connect(select, &AXafsFileSelect::refusedData, this, &FourPs::refuse);
     }
     connect(DispFSelect, &AFileSelect::newDir, this, &FourPs::receiveNewDir);
     connect(DispFSelect, &AFileSelect::newFilePaths, this, &FourPs::receiveNewDispFiles);

@@ -9,6 +9,7 @@
 #include "results/ThicknessGraph.h"
 #include "ui_FourPs.h"
 
+#include <QByteArrayList>
 #include <QFrame>
 #include <QVector>
 
@@ -146,7 +147,7 @@ private:
     std::unique_ptr<MarkLines> m_edgeLines;  ///< edge lines, for the three previews
 
     MapResults mapResults;        ///< of the last map calculation
-    QStringList mapHeader;        ///< header lines of the 2D data that own its grid
+    QByteArrayList mapHeader;     ///< header lines of the 2D data that own its grid
     std::uint64_t m_mapCount = 0; ///< map calculations so far
     ThicknessGraph m_thicknessGraph;
 

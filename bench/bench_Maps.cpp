@@ -191,7 +191,8 @@ void writeResults(benchmark::State& state)
         QFile::remove(path); // overwriting would wait for the disk
         QFile::remove(plainPath);
         times.run(
-            state, [&] { writeResultFile(path, run.imageV.header, program.results, 2.0, 3.0); },
+            state,
+            [&] { writeResultFile(path, program.data[2].header, program.results, 2.0, 3.0); },
             [&] { run.write(plainPath); });
     }
     times.report(state);

@@ -83,6 +83,6 @@ void AEPoint::loadData(const QString& path)
         Energy->setText(token);
         inNewEnergy();
     }
-    if (result.outcome == MapReadResult::Refused)
+    if (!result.reason.isEmpty())
         emit refusedData(result.reason);
 }

@@ -1,10 +1,10 @@
 #include "input/AXafsData.h"
 
 #include "input/SpectrumReader.h"
-#include "input/TextSource.h"
 
 #include <QDebug>
-#include <QFile>
+
+#include <utility>
 
 namespace
 {
@@ -17,18 +17,31 @@ void widen(double value, double& min, double& max)
         max = value;
 }
 
+/// Why a file was not taken; empty for one that was read and for one that cannot be opened, of
+/// which nothing is said.
+QString refusalText(ReadOutcome outcome, const QString& path)
+{
+    if (outcome == ReadOutcome::TooLarge)
+        return QStringLiteral("The spectrum file [%1] is too large.").arg(path);
+    if (outcome == ReadOutcome::Unreadable)
+        return QStringLiteral("The spectrum file [%1] cannot be read.").arg(path);
+    return {};
+}
+
 } // namespace
 
 bool AXafsData::read(const QString& path)
 {
-    QFile file;
-    if (!openRegularFile(file, path)) {
+    SpectrumPoints found;
+    const ReadOutcome outcome = readSpectrum(path, found);
+    refusal = refusalText(outcome, path);
+    if (outcome == ReadOutcome::CannotOpen)
         qDebug() << "Can't open a XAFS file" << path;
+    if (outcome != ReadOutcome::Read)
         return false;
-    }
     clear();
     fileName = path;
-    points = readSpectrum(file);
+    points = std::move(found);
     if (points.empty())
         return false;
     for (const SpectrumPoint& point : points) {

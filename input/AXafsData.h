@@ -12,6 +12,7 @@ class AXafsData
 public:
     bool valid = false;      ///< the last file opened held data
     QString fileName;        ///< path of the file last opened
+    QString refusal;         ///< one line of plain English: why the last file was not taken
     double angleMin = 1e300; ///< degrees
     double angleMax = -1e300;
     double energyMin = 1e300; ///< eV
@@ -30,8 +31,8 @@ public:
     VictreenLine postVic;
 
     /// Reads a spectrum file and fits the Victreen lines. True if the file could be opened and held
-    /// data. A file that cannot be opened leaves the record as it was; one without data leaves it
-    /// cleared and not valid.
+    /// data. A file that cannot be opened, or is refused, leaves the record as it was; one without
+    /// data leaves it cleared and not valid.
     bool read(const QString& path);
 
     /// Refits the four lines from the points and the bounds; nothing happens without points.

@@ -54,6 +54,8 @@ void AXafsFileSelect::newFile(const QString& path)
         setEdgeParameters(m_preEdgeEnd, m_edge, m_postEdgeStart);
     }
     m_data->read(path);
+    if (!m_data->refusal.isEmpty())
+        emit refusedData(m_data->refusal);
 }
 
 void AXafsFileSelect::draw(QStylePainter* painter)

@@ -42,8 +42,11 @@ public:
     /// Draws the spectrum in this panel from now on.
     void setPreview(DispABase* panel);
 
+signals:
+    void refusedData(const QString& reason); ///< the file was not taken
+
 public slots:
-    /// Reads the file; a file that cannot be read shows nothing.
+    /// Reads the file; a file that cannot be opened shows nothing.
     void newFile(const QString& path);
     void draw(QStylePainter* painter);
     // The preview reacts to no mouse; the slots are where it would.

@@ -1,12 +1,13 @@
 #include "input/MapAssembly.h"
 
 #include "input/MapLines.h"
+#include "text/TextBytes.h"
 
 #include <utility>
 
 bool MapAssembly::append(const MapChunk& chunk, std::size_t bytes)
 {
-    for (const QString& line : chunk.header)
+    for (const QByteArray& line : chunk.header)
         readHeaderLine(line);
     const bool first = m_data.mut.empty();
     return m_positions.append(chunk.positions) && (!first || expectMore(chunk.mut.size(), bytes)) &&
@@ -52,20 +53,20 @@ bool MapAssembly::fits() const
            m_memory;
 }
 
-void MapAssembly::readHeaderLine(const QString& line)
+void MapAssembly::readHeaderLine(const QByteArray& line)
 {
     constexpr std::size_t bytesOfString = 64;
-    m_headerBytes += bytesOfString + 2 * static_cast<std::size_t>(line.size());
+    m_headerBytes += bytesOfString + static_cast<std::size_t>(line.size());
     m_data.header.append(line);
-    const QStringList tokens = leadingTokens(line);
-    const QString keyword = tokens.value(1).toUpper();
-    if (tokens.size() >= 8 && keyword == QLatin1String("AXIS")) {
-        const int axis = tokens[2].toInt();
+    const MapTokens tokens = mapTokens({line.constData(), static_cast<std::size_t>(line.size())});
+    const QString keyword = textFromUtf8(tokens[1]).toUpper();
+    if (!tokens[7].empty() && keyword == QLatin1String("AXIS")) {
+        const int axis = textFromUtf8(tokens[2]).toInt();
         if (axis == 0)
-            m_data.columns = tokens[7].toInt();
+            m_data.columns = textFromUtf8(tokens[7]).toInt();
         else if (axis == 1)
-            m_data.rows = tokens[7].toInt();
+            m_data.rows = textFromUtf8(tokens[7]).toInt();
     }
-    if (tokens.size() >= 4 && keyword == QLatin1String("ENERGY"))
-        m_energies.append(tokens[3]);
+    if (!tokens[3].empty() && keyword == QLatin1String("ENERGY"))
+        m_energies.append(textFromUtf8(tokens[3]));
 }

@@ -27,7 +27,7 @@ public:
 private:
     bool expectMore(std::size_t records, std::size_t bytes);
     bool fits() const;
-    void readHeaderLine(const QString& line);
+    void readHeaderLine(const QByteArray& line);
 
     std::size_t m_fileSize;
     std::size_t m_memory;

@@ -2,14 +2,14 @@
 
 #include "analysis/MapCalculation.h"
 
-#include <QString>
+#include <QByteArray>
 #include <vector>
 
 /// What a piece of a 2D data file holds, in the order of the file.
 struct MapChunk {
     PixelArray<double> mut;
     MapPositions positions;
-    std::vector<QString> header; ///< lines beginning with "#", without line end
+    std::vector<QByteArray> header; ///< lines beginning with "#", without line end
 
     void clear()
     {

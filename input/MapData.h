@@ -2,12 +2,14 @@
 
 #include "analysis/MapCalculation.h"
 
-#include <QStringList>
+#include <QByteArrayList>
 
 /// The 2D data of one energy: a value for each position of a scanned grid.
 struct MapData {
     bool valid = false; ///< both axis sizes are positive and there is a record
-    QStringList header; ///< lines beginning with "#" as they stand in the file, without line end
+    /// Lines beginning with "#", byte by byte as they stand in the file, without line end; a file
+    /// in UTF-16 or UTF-32 is converted to UTF-8.
+    QByteArrayList header;
     int columns = 0; ///< size of the first axis, which runs fastest; 0 until a header line sets it
     int rows = 0;    ///< size of the second axis
 

@@ -1,19 +1,17 @@
 #include "input/MapLines.h"
 
 #include "input/NumberText.h"
+#include "text/LineTokens.h"
+#include "text/TextBytes.h"
 
-#include <QTextCodec>
-
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <string>
 
 namespace
 {
-
-constexpr int tokensNeeded = 8;
 
 /// Bytes of the shortest record, "1 1 1" and a line feed.
 constexpr std::size_t shortestRecord = 6;
@@ -31,7 +29,7 @@ bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-bool isBlank(char c)
+bool isUsualBlank(char c)
 {
     return c == ' ' || c == '\t';
 }
@@ -53,7 +51,7 @@ public:
 
     void skipBlanks()
     {
-        while (isBlank(*m_p))
+        while (isUsualBlank(*m_p))
             ++m_p;
     }
 
@@ -90,7 +88,7 @@ public:
     bool atLineEnd() const { return *m_p == '\n' || (*m_p == '\r' && m_p[1] == '\n'); }
 
 private:
-    bool endsToken() const { return isBlank(*m_p) || atLineEnd(); }
+    bool endsToken() const { return isUsualBlank(*m_p) || atLineEnd(); }
 
     void readDigits(std::uint64_t& mantissa)
     {
@@ -133,36 +131,25 @@ bool readRecord(const char*& p, const char* last, MapPosition& position, double&
     return true;
 }
 
-/// Text of a line as the toolkit's text stream reads it. False where the bytes are not valid.
-bool decodeLine(const char* first, const char* last, MapEncoding encoding, QString& text)
+double number(std::string_view token)
 {
-    const auto size = static_cast<int>(last - first);
-    if (encoding != MapEncoding::Utf8) {
-        text = QString::fromLatin1(first, size);
-    } else {
-        // Only the start of a file may hold a byte order mark; here it is a character.
-        QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-        constexpr int utf8 = 106;
-        text = QTextCodec::codecForMib(utf8)->toUnicode(first, size, &state);
-        if (state.invalidChars > 0 || state.remainingChars > 0)
-            return false;
-    }
-    text.remove(QLatin1Char('\r'));
-    return true;
+    return numberFromToken(token.data(), token.data() + token.size());
 }
 
-/// ASCII without the characters that switch an encoding with several sets from one to another.
-bool isPlainAscii(const char* first, const char* last)
+/// Sorts any line into the chunk. False where the memory is refused.
+bool readAnyLine(std::string_view line, MapChunk& chunk)
 {
-    constexpr char shiftOut = 0x0e;
-    constexpr char shiftIn = 0x0f;
-    constexpr char escape = 0x1b;
-    unsigned unknown = 0;
-    for (; first != last; ++first)
-        unknown |= static_cast<unsigned>(*first < 0) | static_cast<unsigned>(*first == shiftOut) |
-                   static_cast<unsigned>(*first == shiftIn) |
-                   static_cast<unsigned>(*first == escape);
-    return unknown == 0;
+    const MapTokens tokens = mapTokens(line);
+    if (!tokens[0].empty() && tokens[0].front() == '#') {
+        chunk.header.emplace_back(line.data(), static_cast<int>(line.size()));
+        return true;
+    }
+    if (tokens[2].empty())
+        return true;
+    const double incident = tokens[3].empty() ? 1.0 : number(tokens[3]);
+    const double mut = pixelMut(number(tokens[2]), incident);
+    const MapPosition position{number(tokens[0]), number(tokens[1])};
+    return chunk.mut.append(&mut, 1) && chunk.positions.append(&position, 1);
 }
 
 } // namespace
@@ -176,49 +163,23 @@ double pixelMut(double transmitted, double incident)
     return std::log(incident / transmitted);
 }
 
-QStringList leadingTokens(const QString& line)
+MapTokens mapTokens(std::string_view line)
 {
-    QStringList tokens;
-    const QChar* p = line.constBegin();
-    const QChar* const end = line.constEnd();
-    const auto isSpace = [](QChar c) { return c.isSpace(); };
-    while (tokens.size() < tokensNeeded) {
-        const QChar* const first = std::find_if_not(p, end, isSpace);
-        if (first == end)
-            break;
-        p = std::find_if(first, end, isSpace);
-        tokens.append(QString(first, static_cast<int>(p - first)));
-    }
-    return tokens;
+    MapTokens result;
+    LineTokens tokens(line);
+    for (std::string_view& token : result)
+        token = tokens.next();
+    return result;
 }
 
-bool readMapLine(const QString& line, MapChunk& chunk)
+bool readMapLines(const char* first, const char* last, MapChunk& chunk)
 {
-    const QStringList tokens = leadingTokens(line);
-    if (!tokens.isEmpty() && tokens[0].startsWith(QLatin1Char('#'))) {
-        chunk.header.push_back(line);
-        return true;
-    }
-    if (tokens.size() < 3)
-        return true;
-    const double incident = tokens.size() > 3 ? numberFromText(tokens[3]) : 1.0;
-    const double mut = pixelMut(numberFromText(tokens[2]), incident);
-    const MapPosition position{numberFromText(tokens[0]), numberFromText(tokens[1])};
-    return chunk.mut.append(&mut, 1) && chunk.positions.append(&position, 1);
-}
-
-MapLinesResult readMapLines(const char* first, const char* last, MapEncoding encoding,
-                            MapChunk& chunk)
-{
-    if (encoding == MapEncoding::Other ||
-        (encoding == MapEncoding::Ascii && !isPlainAscii(first, last)))
-        return MapLinesResult::NeedsToolkit;
     const std::size_t atMost =
         chunk.mut.size() + static_cast<std::size_t>(last - first) / shortestRecord + 1;
     if (!chunk.mut.reserve(atMost) || !chunk.positions.reserve(atMost))
-        return MapLinesResult::NoMemory;
+        return false;
     std::size_t count = chunk.mut.size();
-    QString text;
+    std::string scratch;
     for (const char* p = first; p != last; ++p) {
         if (*p == '\n')
             continue;
@@ -227,16 +188,15 @@ MapLinesResult readMapLines(const char* first, const char* last, MapEncoding enc
             continue;
         }
         const char* const end = lineEnd(p, last);
-        if (!decodeLine(p, end, encoding, text))
-            return MapLinesResult::NeedsToolkit;
+        const std::string_view line(p, static_cast<std::size_t>(end - p));
         chunk.mut.resize(count);
         chunk.positions.resize(count);
-        if (!readMapLine(text, chunk))
-            return MapLinesResult::NoMemory;
+        if (!readAnyLine(withoutReturns(line, scratch), chunk))
+            return false;
         count = chunk.mut.size();
         p = end;
     }
     chunk.mut.resize(count);
     chunk.positions.resize(count);
-    return MapLinesResult::Read;
+    return true;
 }

@@ -2,9 +2,8 @@
 
 #include "input/MapChunk.h"
 
-#include <QString>
-#include <QStringList>
-#include <cstddef>
+#include <array>
+#include <string_view>
 
 /// Lines of a 2D data file.
 
@@ -12,29 +11,15 @@
 /// I is 0, otherwise ln(I0 / I), whatever that gives for negative intensities.
 double pixelMut(double transmitted, double incident);
 
-/// The first tokens of a line, at most eight; no line needs more.
-QStringList leadingTokens(const QString& line);
+/// The tokens that a line can mean something with.
+using MapTokens = std::array<std::string_view, 8>;
 
-/// Sorts one line, without its end, into the chunk. False where the memory is refused.
-bool readMapLine(const QString& line, MapChunk& chunk);
+/// The first tokens of a line in UTF-8, without carriage returns; empty where there are no more.
+MapTokens mapTokens(std::string_view line);
 
-/// How the bytes of a file become text.
-enum class MapEncoding {
-    Utf8,   ///< invalid bytes are left to the toolkit
-    Latin1, ///< each byte a character
-    Ascii,  ///< of the others only plain ASCII is known
-    Other,  ///< all is left to the toolkit
-};
-
-enum class MapLinesResult {
-    Read,
-    NeedsToolkit, ///< what the bytes mean depends on more than their line
-    NoMemory,
-};
-
-/// Sorts whole lines into the chunk; equal to readMapLine() for each of them, decoded, without
-/// carriage returns.
+/// Sorts whole lines into the chunk: header lines as they stand in the file, without carriage
+/// returns; records as numbers.
 /// @param first, last  bytes; a line feed stands before last, and sixteen readable bytes from last
 ///                     on
-MapLinesResult readMapLines(const char* first, const char* last, MapEncoding encoding,
-                            MapChunk& chunk);
+/// @return false where the memory is refused
+bool readMapLines(const char* first, const char* last, MapChunk& chunk);

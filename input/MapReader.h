@@ -2,21 +2,21 @@
 
 #include "analysis/Workers.h"
 #include "input/MapData.h"
+#include "system/ReadOutcome.h"
 
 #include <QString>
 #include <QStringList>
 #include <cstddef>
 #include <functional>
 
+class ByteSource;
+
 /// What became of a 2D data file.
 struct MapReadResult {
-    enum Outcome {
-        Read,       ///< the record holds the file's data; MapData::valid tells whether they suffice
-        CannotOpen, ///< the record is not valid and keeps its earlier contents
-        Refused,    ///< as CannotOpen, because the file does not fit in memory; see reason
-    };
-    Outcome outcome = CannotOpen;
-    QString reason;       ///< one line of plain English for a refused file
+    /// Read: the record holds the file's data; MapData::valid tells whether they suffice. Otherwise
+    /// the record is not valid and keeps its earlier contents.
+    ReadOutcome outcome = ReadOutcome::CannotOpen;
+    QString reason;       ///< one line of plain English; empty where nothing is to be said
     QStringList energies; ///< token 3 of each "ENERGY" line, in the order of the file
 };
 
@@ -29,12 +29,16 @@ struct MapReadOptions {
     std::size_t chunkBytes = std::size_t{1} << 20; ///< the file is read in pieces of this size
 };
 
-/// Reads a file of 2D data.
+/// Reads 2D data; the reason is left to whoever knows the file's name.
 ///
 /// Each line is simplified and split at blanks. One whose first token begins with "#" is a header
 /// line: "# AXIS n .. .. .. .. size" sets an axis size, "# ENERGY .. e" gives an energy (case does
 /// not matter). Of the others three tokens are a record of two positions and I (with I0 = 1), four
 /// or more one of two positions, I and I0; fewer are ignored. What is not a number counts as 0.
 /// Positions equal to those of a map that is still in memory are shared with it.
+MapReadResult readMapData(const ByteSource& file, MapData& data, const MapReadOptions& options = {},
+                          Workers& workers = Workers::shared());
+
+/// Reads 2D data by the path of their file; a file that cannot be opened has no reason.
 MapReadResult readMapData(const QString& path, MapData& data, const MapReadOptions& options = {},
                           Workers& workers = Workers::shared());

@@ -1,5 +1,7 @@
 #include "input/NumberText.h"
 
+#include "text/TextBytes.h"
+
 #include <charconv>
 #include <optional>
 #include <system_error>
@@ -40,5 +42,5 @@ double numberFromToken(const char* first, const char* last)
 {
     if (const std::optional<double> value = plainDecimal(first, last))
         return *value;
-    return numberFromText(QString::fromUtf8(first, static_cast<int>(last - first)));
+    return numberFromText(textFromUtf8({first, static_cast<std::size_t>(last - first)}));
 }

@@ -10,5 +10,5 @@ double numberFromText(const QString& text);
 QString textFromNumber(double value);
 
 /// As numberFromText for a token of UTF-8, without building a string where it is a plain decimal
-/// number. Equal to numberFromText(QString::fromUtf8(first, last - first)) on every input.
+/// number. Equal to numberFromText() of its text on every input.
 double numberFromToken(const char* first, const char* last);

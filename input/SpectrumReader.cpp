@@ -1,16 +1,31 @@
 #include "input/SpectrumReader.h"
 
+#include "analysis/AvailableMemory.h"
 #include "input/NumberText.h"
-#include "input/TextSource.h"
-#include "input/TokenScanner.h"
+#include "system/InputFile.h"
+#include "text/LineReader.h"
+#include "text/LineTokens.h"
+#include "text/TextBytes.h"
 
+#include <QFile>
+
+#include <array>
 #include <cmath>
+#include <cstring>
+#include <limits>
+#include <new>
 
 namespace
 {
 
-/// A line of more tokens after the start is a row of data.
-constexpr int headerTokens = 4;
+/// A line of so many tokens after the start is a row of data; what follows them is not needed.
+constexpr std::size_t rowTokens = 5;
+
+/// The file is read in pieces of this size.
+constexpr std::size_t pieceBytes = std::size_t{1} << 16;
+
+/// A file up to this size is read without asking how much memory there is.
+constexpr std::int64_t smallFile = std::int64_t{1} << 24;
 
 /// Bragg's law with the constants in which the energies of all results are defined: hc in
 /// keV angstrom, and pi to ten decimals.
@@ -35,62 +50,105 @@ double number(std::string_view text)
 
 } // namespace
 
-void SpectrumReader::token(std::string_view text)
+bool SpectrumReader::readLines(const char* first, const char* last)
 {
-    if (m_started && m_line.tokens > headerTokens)
-        return; // a row has all that it needs
-    if (m_started)
-        dataToken(text);
-    if (!m_started || m_line.tokens < headerTokens)
-        headerToken(text);
-    if (m_line.tokens <= headerTokens)
-        ++m_line.tokens;
-}
-
-void SpectrumReader::headerToken(std::string_view text)
-{
-    if (m_line.spacingMarked && !m_line.spacing)
-        m_line.spacing = number(text);
-    else if (text == "D=")
-        m_line.spacingMarked = true;
-    if (text == "Offset")
-        m_line.offset = true;
-}
-
-void SpectrumReader::dataToken(std::string_view text)
-{
-    if (m_line.tokens == 1)
-        m_line.angle = number(text);
-    else if (m_line.tokens == 3)
-        m_line.incident = number(text);
-    else if (m_line.tokens == 4)
-        m_line.transmitted = number(text);
-}
-
-void SpectrumReader::closeLine()
-{
-    if (m_started && m_line.tokens > headerTokens) {
-        addPoint();
-    } else {
-        m_started = m_started || m_line.offset;
-        m_spacing = m_line.spacing.value_or(m_spacing);
+    while (first != last) {
+        const void* const feed = std::memchr(first, '\n', static_cast<std::size_t>(last - first));
+        const char* const end = static_cast<const char*>(feed);
+        const std::string_view line(first, static_cast<std::size_t>(end - first));
+        if (!readLine(withoutReturns(line, m_scratch)))
+            return false;
+        first = end + 1;
     }
-    m_line = Line();
+    return true;
 }
 
-void SpectrumReader::addPoint()
+bool SpectrumReader::readLine(std::string_view line)
 {
-    m_points.push_back({m_line.angle, photonEnergy(m_line.angle, m_spacing),
-                        absorption(m_line.incident, m_line.transmitted)});
+    if (!m_started) {
+        readHeaderLine(line);
+        return true;
+    }
+    std::array<std::string_view, rowTokens> row;
+    LineTokens tokens(line);
+    for (std::string_view& token : row)
+        token = tokens.next();
+    if (row.back().empty()) {
+        readHeaderLine(line);
+        return true;
+    }
+    if (!hasRoom())
+        return false;
+    const double angle = number(row[1]);
+    m_points.push_back(
+        {angle, photonEnergy(angle, m_spacing), absorption(number(row[3]), number(row[4]))});
+    return true;
 }
 
-SpectrumPoints readSpectrum(QIODevice& file)
+void SpectrumReader::readHeaderLine(std::string_view line)
 {
-    TextSource source(file);
-    SpectrumReader reader;
-    TokenScanner<SpectrumReader> scanner(reader);
-    for (std::string_view piece; source.next(piece);)
-        scanner.feed(piece);
-    scanner.finish();
-    return reader.takePoints();
+    LineTokens tokens(line);
+    bool spacingFound = false;
+    for (std::string_view token = tokens.next(); !token.empty();) {
+        const std::string_view following = tokens.next();
+        m_started = m_started || token == "Offset";
+        if (token == "D=" && !spacingFound && !following.empty()) {
+            m_spacing = number(following);
+            spacingFound = true;
+        }
+        token = following;
+    }
+}
+
+/// For another point. A list that is full moves to one of twice its size, and both are there then.
+bool SpectrumReader::hasRoom() const
+{
+    return m_points.size() < m_points.capacity() ||
+           3 * m_points.capacity() * sizeof(SpectrumPoint) <= m_memory;
+}
+
+ReadOutcome readSpectrum(const ByteSource& file, SpectrumPoints& points, std::size_t memory)
+{
+    if (memory == 0)
+        memory =
+            file.size() > smallFile ? availableMemory() : std::numeric_limits<std::size_t>::max();
+    if (file.size() > largestSpectrum || static_cast<std::size_t>(file.size()) > memory)
+        return ReadOutcome::TooLarge;
+    const TextBytes text(file, memory);
+    if (text.outcome() != ReadOutcome::Read)
+        return text.outcome();
+    SpectrumReader reader(memory);
+    LineReader lines(text.bytes(), pieceBytes);
+    LineRange all;
+    all.begin = text.start();
+    lines.start(all);
+    const char* first = nullptr;
+    const char* last = nullptr;
+    for (;;) {
+        switch (lines.next(first, last)) {
+        case LinesResult::Lines:
+            if (!reader.readLines(first, last))
+                return ReadOutcome::TooLarge;
+            break;
+        case LinesResult::End:
+            points = reader.takePoints();
+            return ReadOutcome::Read;
+        case LinesResult::TooLarge:
+            return ReadOutcome::TooLarge;
+        case LinesResult::Unreadable:
+            return ReadOutcome::Unreadable;
+        }
+    }
+}
+
+ReadOutcome readSpectrum(const QString& path, SpectrumPoints& points)
+{
+    const std::unique_ptr<InputFile> file = InputFile::open(QFile::encodeName(path).constData());
+    if (!file)
+        return ReadOutcome::CannotOpen;
+    try {
+        return readSpectrum(*file, points);
+    } catch (const std::bad_alloc&) {
+        return ReadOutcome::TooLarge;
+    }
 }

@@ -1,53 +1,54 @@
 #pragma once
 
 #include "analysis/Spectrum.h"
+#include "system/ReadOutcome.h"
 
-#include <optional>
+#include <QString>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
 #include <string_view>
 #include <utility>
 
-class QIODevice;
+class ByteSource;
 
-/// A beamline's spectrum file, token by token: a header, a line with the token "Offset", then a row
+/// A beamline's spectrum file, line by line: a header, a line with the token "Offset", then a row
 /// for each step of the monochromator with the Bragg angle (token 1, degrees) and the incident and
 /// transmitted intensities (tokens 3 and 4). The token after "D=" is the lattice spacing.
-///
-/// Only what a line can still mean is kept of it, so that a line may have any length.
 class SpectrumReader
 {
 public:
-    void token(std::string_view text);
-    void endLine()
-    {
-        if (m_line.tokens > 0)
-            closeLine();
-    }
+    /// @param memory  bytes that the points may take while they are read
+    explicit SpectrumReader(std::size_t memory) : m_memory(memory) {}
+
+    /// Reads whole lines, each with its line feed.
+    /// @return false where the points do not fit in memory
+    bool readLines(const char* first, const char* last);
 
     /// Hands over the points read so far, in the file's order; none without a start marker.
     SpectrumPoints takePoints() { return std::move(m_points); }
 
 private:
-    /// What is known of the line so far.
-    struct Line {
-        int tokens = 0; ///< counted up to five
-        bool offset = false;
-        bool spacingMarked = false;    ///< "D=" was found
-        std::optional<double> spacing; ///< the number after the first "D="
-        double angle = 0.0;            ///< degrees
-        double incident = 0.0;
-        double transmitted = 0.0;
-    };
+    bool readLine(std::string_view line);
+    void readHeaderLine(std::string_view line);
+    bool hasRoom() const;
 
-    void headerToken(std::string_view text);
-    void dataToken(std::string_view text);
-    void closeLine();
-    void addPoint();
-
-    Line m_line;
+    std::size_t m_memory;
     bool m_started = false;
     double m_spacing = 3.1355316; ///< of the crystal's lattice planes, angstrom; Si(111)
     SpectrumPoints m_points;
+    std::string m_scratch;
 };
 
-/// All points of a spectrum file, in the file's order; empty where it holds no data.
-SpectrumPoints readSpectrum(QIODevice& file);
+/// A file larger than this, a gigabyte, is no spectrum.
+constexpr std::int64_t largestSpectrum = std::int64_t{1} << 30;
+
+/// Reads all points of a spectrum file, in the file's order.
+/// @param points  are set where the file was read; none where it holds no data
+/// @param memory  bytes that the points may take; 0 for what is available
+/// @return Read, TooLarge or Unreadable
+ReadOutcome readSpectrum(const ByteSource& file, SpectrumPoints& points, std::size_t memory = 0);
+
+/// Reads a spectrum file by its path.
+ReadOutcome readSpectrum(const QString& path, SpectrumPoints& points);

@@ -4,7 +4,6 @@
 #include "results/NumberField.h"
 #include "system/SafeFile.h"
 
-#include <QTextStream>
 
 #include <algorithm>
 #include <atomic>
@@ -163,22 +162,15 @@ private:
     bool m_writing = false;
 };
 
-/// The header as a text stream of the toolkit writes it.
-QByteArray headerText(const QStringList& header)
+/// The header lines and an empty line; nothing without header.
+QByteArray headerText(const QByteArrayList& header)
 {
-    QByteArray text;
-    QTextStream out(&text);
-    for (const QString& line : header)
-        out << line << '\n';
-    if (!header.isEmpty())
-        out << '\n';
-    out.flush();
-    return text;
+    return header.isEmpty() ? QByteArray() : header.join('\n') + "\n\n";
 }
 
 } // namespace
 
-WriteOutcome writeResultFile(const QString& path, const QStringList& header,
+WriteOutcome writeResultFile(const QString& path, const QByteArrayList& header,
                              const MapResults& results, double valence1, double valence2,
                              const std::function<void(double part)>& progress, Workers& workers)
 {

@@ -5,16 +5,16 @@
 #include "system/SafeFile.h"
 
 #include <QString>
-#include <QStringList>
+#include <QByteArrayList>
 #include <functional>
 
 /// Writes the results of a map as text: the header lines and an empty line, then for each row of
 /// the grid a line for each pixel (positions, a, valence, t) and an empty line. Pixels without
 /// result are written with zeros. An existing file is replaced when the new one is whole.
-/// @param header              without line ends; encoded as the toolkit's text stream does
+/// @param header              without line ends; written byte by byte
 /// @param valence1, valence2  of Ref 1 and Ref 2
 /// @param progress            gets the part of the work done so far, 0 to 1, in the asking thread
-WriteOutcome writeResultFile(const QString& path, const QStringList& header,
+WriteOutcome writeResultFile(const QString& path, const QByteArrayList& header,
                              const MapResults& results, double valence1, double valence2,
                              const std::function<void(double part)>& progress = {},
                              Workers& workers = Workers::shared());

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <QByteArray>
-#include <QTextCodec>
 
-#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -26,15 +24,10 @@ inline QByteArray bytes(const std::uint8_t* data, std::size_t size)
     return {reinterpret_cast<const char*>(data), static_cast<int>(size)};
 }
 
-/// A text file: its size decides the encoding of the locale that it is read in. One in some hundred
-/// is made longer than two of the pieces in which files are read; its checksum decides which, so
-/// that no kind of input is always long, and slow.
+/// A text file. One in some hundred is made longer than two of the pieces in which files are read;
+/// its checksum decides which, so that no kind of input is always long, and slow.
 inline QByteArray text(const std::uint8_t* data, std::size_t size)
 {
-    static const std::array<QTextCodec*, 4> codecs{
-        QTextCodec::codecForName("UTF-8"), QTextCodec::codecForName("ISO-8859-1"),
-        QTextCodec::codecForName("Shift_JIS"), QTextCodec::codecForName("EUC-JP")};
-    QTextCodec::setCodecForLocale(codecs.at(size % 8 < 4 ? size % 8 : 0));
     const QByteArray once = bytes(data, size);
     constexpr int severalPieces = 40000;
     constexpr int seldom = 499;

@@ -9,12 +9,12 @@
 namespace check
 {
 
-/// Bytes as a spectrum file, read in the locale's encoding; its points, fits and values.
-const char* spectrumDifference(QByteArray text);
+/// Bytes as a spectrum file; its points, fits and values.
+const char* spectrumDifference(const QByteArray& text);
 
 /// Bytes as a file of 2D data.
 /// @param chunkBytes  size of the pieces that the file is cut into; 0 for the usual one
-const char* mapDifference(QByteArray text, std::size_t chunkBytes);
+const char* mapDifference(const QByteArray& text, std::size_t chunkBytes);
 
 /// Bytes as a job file: taken or refused alike, the same settings, and a refusal with a line of the
 /// text and a reason of one line.

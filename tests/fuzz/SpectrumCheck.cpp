@@ -3,8 +3,7 @@
 #include "tests/fuzz/ReaderChecks.h"
 #include "tests/fuzz/SameNumber.h"
 #include "tests/model/LiteralSpectrum.h"
-
-#include <QBuffer>
+#include "tests/support/ArrayBytes.h"
 
 namespace
 {
@@ -50,20 +49,17 @@ const char* fitDifference(const AXafsData& data, const literal::Spectrum& expect
 
 } // namespace
 
-const char* check::spectrumDifference(QByteArray text)
+const char* check::spectrumDifference(const QByteArray& text)
 {
-    QBuffer file(&text);
-    file.open(QIODevice::ReadOnly);
     AXafsData data;
-    data.points = readSpectrum(file);
+    if (readSpectrum(ArrayBytes(text), data.points) != ReadOutcome::Read)
+        return "outcome";
 
-    QBuffer again(&text);
-    again.open(QIODevice::ReadOnly | QIODevice::Text);
     literal::Spectrum expected;
     expected.edge = data.edge = 8350.0;
     expected.preEdgeEnd = data.preEdgeEnd = 8300.0;
     expected.postEdgeStart = data.postEdgeStart = 8400.0;
-    expected.readOpened(QString(), again);
+    expected.readBytes(QString(), text);
 
     if (const char* difference = pointDifference(data.points, expected))
         return difference;

@@ -1,7 +1,8 @@
 #include "tests/model/LiteralImage.h"
 
+#include "tests/support/PlainText.h"
+
 #include <QFile>
-#include <QTextStream>
 
 #include <cmath>
 
@@ -13,12 +14,12 @@ void Image::load(const QString& path)
     valid = false;
     energies.clear();
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!file.open(QIODevice::ReadOnly))
         return;
-    loadOpened(file);
+    loadBytes(file.readAll());
 }
 
-void Image::loadOpened(QIODevice& device)
+void Image::loadBytes(const QByteArray& bytes)
 {
     valid = false;
     energies.clear();
@@ -26,9 +27,7 @@ void Image::loadOpened(QIODevice& device)
     records.clear();
     columns = 0;
     rows = 0;
-    QTextStream stream(&device);
-    while (!stream.atEnd()) {
-        const QString line = stream.readLine();
+    for (const QString& line : plain::text(bytes).split(QLatin1Char('\n'))) {
         const QStringList tokens = line.simplified().split(QLatin1Char(' '));
         if (tokens[0].startsWith(QLatin1Char('#')))
             takeHeader(line, tokens);

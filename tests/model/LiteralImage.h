@@ -30,8 +30,8 @@ public:
 
     /// An unreadable file makes the image invalid and leaves all else.
     void load(const QString& path);
-    /// What `load` does once the file is open.
-    void loadOpened(QIODevice& device);
+    /// What `load` does with the bytes of the file.
+    void loadBytes(const QByteArray& bytes);
     /// The mu-t of pixel i: -1 outside the image.
     double mutAt(qint64 i) const;
 

@@ -1,10 +1,10 @@
 #include "tests/model/LiteralSpectrum.h"
 
 #include "tests/model/LiteralSolver.h"
+#include "tests/support/PlainText.h"
 
 #include <QFile>
 #include <QStringList>
-#include <QTextStream>
 
 #include <cmath>
 
@@ -76,12 +76,12 @@ void fit(const QVector<SpectrumPoint>& selected, ThreeTerms& noC, ThreeTerms& wi
 bool Spectrum::read(const QString& path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!file.open(QIODevice::ReadOnly))
         return false;
-    return readOpened(path, file);
+    return readBytes(path, file.readAll());
 }
 
-bool Spectrum::readOpened(const QString& path, QIODevice& device)
+bool Spectrum::readBytes(const QString& path, const QByteArray& bytes)
 {
     fileName = path;
     angleMin = energyMin = mutMin = 1e300;
@@ -90,9 +90,8 @@ bool Spectrum::readOpened(const QString& path, QIODevice& device)
     valid = false;
     double d = 3.1355316;
     bool started = false;
-    QTextStream stream(&device);
-    while (!stream.atEnd()) {
-        const QStringList tokens = stream.readLine().simplified().split(QLatin1Char(' '));
+    for (const QString& line : plain::text(bytes).split(QLatin1Char('\n'))) {
+        const QStringList tokens = line.simplified().split(QLatin1Char(' '));
         if (started && tokens.size() > 4) {
             processRow(tokens, d);
             continue;

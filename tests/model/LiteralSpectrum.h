@@ -42,8 +42,8 @@ public:
     ThreeTerms postVicNoC;
 
     bool read(const QString& path);
-    /// What `read` does once the file is open.
-    bool readOpened(const QString& path, QIODevice& device);
+    /// What `read` does with the bytes of the file.
+    bool readBytes(const QString& path, const QByteArray& bytes);
     void fitVictreens();
     double preVicAt(double energy) const;
     double postVicAt(double energy) const;

@@ -43,8 +43,14 @@ struct MapFile {
         QFile file(path);
         if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
             return false;
-        *this = MapFile();
         QTextStream in(&file);
+        readFrom(in);
+        return true;
+    }
+
+    void readFrom(QTextStream& in)
+    {
+        *this = MapFile();
         const QRegularExpression blanks(QStringLiteral("\\s+"));
         while (!in.atEnd()) {
             const QString line = in.readLine();
@@ -59,7 +65,6 @@ struct MapFile {
                                 tokens[3].toDouble()});
         }
         valid = columns > 0 && rows > 0 && !records.isEmpty();
-        return true;
     }
 
 private:
