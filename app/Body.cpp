@@ -24,6 +24,12 @@ Body::~Body()
     delete m_panel; // while what shows its progress is still there
 }
 
+void Body::tellFailure(const QString& line)
+{
+    m_busy->show(QString(), 1.0);
+    m_panel->refuse(line);
+}
+
 void Body::showEvent(QShowEvent* event)
 {
     QMainWindow::showEvent(event);

@@ -21,6 +21,11 @@ public:
 
     FourPs* panel() const { return m_panel; }
 
+public slots:
+    /// An operation was broken off: nothing of it shows in the status bar any more, and the panel
+    /// tells why.
+    void tellFailure(const QString& line);
+
 protected:
     /// Opens no larger than the screen.
     void showEvent(QShowEvent* event) override;

@@ -60,6 +60,9 @@ signals:
     void progress(const QString& text, double part);
 
 public slots:
+    /// Tells in the message pane why something is not done.
+    void refuse(const QString& text);
+
     // Typed or dragged edge settings: refit every spectrum.
     void setEdge();
 
@@ -128,7 +131,6 @@ private:
 
     // Calculation.
     RunInputs runInputs() const;
-    void refuse(const QString& text);
     void refuseRun(Refusal refusal, int rowCount, const QString& noVPoint);
     double thicknessRatio(const PointRows& table);
     ThicknessType thicknessType() const;

@@ -68,10 +68,12 @@ void FourPs::calcTarget()
     if (!decision.method)
         return refuseRun(decision.refusal, choice.count, tr("V Point is not selected."));
     QString text;
-    m_lastA = *decision.method == Method::ThreePoint
-                  ? calcThreePoint(table, choice, text)
-                  : calcFourPoint(table, choice, *decision.method, text);
-    m_lastValence = meanValence(valence1(), valence2(), m_lastA);
+    const double a = *decision.method == Method::ThreePoint
+                         ? calcThreePoint(table, choice, text)
+                         : calcFourPoint(table, choice, *decision.method, text);
+    const double valence = meanValence(valence1(), valence2(), a);
+    m_lastA = a;
+    m_lastValence = valence;
     CalcRes->setText(text);
     appendMessage(text);
 }

@@ -33,12 +33,13 @@ void FourPs::lcf()
         return refuse(tr("Energy Range is not selected, which should by selected by CB of TR."));
     LinearCombination fit =
         fitLinearCombination(recordOf(RefFile1), recordOf(RefFile2), recordOf(TargetFile), *range);
-    appendMessage(tr("Result of LCF : %1 %2 %3").arg(fit.p1).arg(fit.p2).arg(fit.p3));
     const double valence = fit.valence(valence1(), valence2());
+    auto curve = std::make_unique<AXafsData>();
+    curve->points = std::move(fit.curve);
+    lcfVs4ps.push_back({m_lastA, m_lastValence, fit.share1(), valence});
+    lcfFit = std::move(curve); // point and curve are of one fit, whatever fails
+    appendMessage(tr("Result of LCF : %1 %2 %3").arg(fit.p1).arg(fit.p2).arg(fit.p3));
     LCFRes->setText(
         tr("a : (1-a) = %1 : %2,  Valence = %3").arg(fit.share1()).arg(fit.share2()).arg(valence));
-    lcfVs4ps.push_back({m_lastA, m_lastValence, fit.share1(), valence});
-    lcfFit = std::make_unique<AXafsData>();
-    lcfFit->points = std::move(fit.curve);
     repaintDisplays();
 }

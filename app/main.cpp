@@ -1,8 +1,8 @@
+#include "app/Application.h"
 #include "app/Body.h"
 #include "app/Language.h"
 #include "system/Signals.h"
 
-#include <QApplication>
 #include <QIcon>
 #include <QTranslator>
 
@@ -13,7 +13,7 @@ int main(int argc, char* argv[])
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
-    QApplication application(argc, argv);
+    Application application(argc, argv);
     // Where the program is installed, its window has the icon of its menu entry.
     const QString menuEntry = QStringLiteral("io.github.drovik.Drovik");
     QApplication::setDesktopFileName(menuEntry);
@@ -26,6 +26,7 @@ int main(int argc, char* argv[])
         QApplication::installTranslator(&catalogue);
     }
     Body body;
+    QObject::connect(&application, &Application::failed, &body, &Body::tellFailure);
     body.show();
     return QApplication::exec();
 }
