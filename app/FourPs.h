@@ -115,8 +115,18 @@ private:
     void buildMarkLines();
     void putInScrollArea(); ///< of use on screens smaller than the panel
 
+    /// Where the Victreen lines of all spectra end, eV.
+    struct EdgeBounds {
+        double preEdgeEnd;
+        double edge;
+        double postEdgeStart;
+
+        void fit(AXafsData& spectrum) const;
+    };
+
     // Inputs.
     PointRows rows() const;
+    EdgeBounds edgeBounds() const;
     double valence1() const;
     double valence2() const;
     QLineEdit* mutField(AEPoint* point, int select) const;

@@ -27,19 +27,28 @@ void FourPs::repaintDisplays()
     displays->update();
 }
 
-void FourPs::setEdge()
+FourPs::EdgeBounds FourPs::edgeBounds() const
 {
     const double edge = numberFromText(EdgeE->text());
-    const double preEdgeEnd = edge + numberFromText(PreEEndDE->text());
-    const double postEdgeStart = edge + numberFromText(PostEStartDE->text());
+    return {edge + numberFromText(PreEEndDE->text()), edge,
+            edge + numberFromText(PostEStartDE->text())};
+}
+
+void FourPs::EdgeBounds::fit(AXafsData& spectrum) const
+{
+    spectrum.preEdgeEnd = preEdgeEnd;
+    spectrum.edge = edge;
+    spectrum.postEdgeStart = postEdgeStart;
+    spectrum.fitVictreens();
+}
+
+void FourPs::setEdge()
+{
+    const EdgeBounds bounds = edgeBounds();
     for (AXafsFileSelect* select : qAsConst(xafsSelects))
-        select->setEdgeParameters(preEdgeEnd, edge, postEdgeStart);
-    for (const auto& spectrum : dispData) {
-        spectrum->preEdgeEnd = preEdgeEnd;
-        spectrum->edge = edge;
-        spectrum->postEdgeStart = postEdgeStart;
-        spectrum->fitVictreens();
-    }
+        select->setEdgeParameters(bounds.preEdgeEnd, bounds.edge, bounds.postEdgeStart);
+    for (const auto& spectrum : dispData)
+        bounds.fit(*spectrum);
     repaintDisplays();
 }
 
@@ -175,15 +184,24 @@ void FourPs::receiveNewDir(const QString& dir)
     mapFileSelect->setDir(dir);
 }
 
+// A new spectrum makes what is typed for the edge hold for all others, the first one of many: the
+// fields are the same when the next one comes.
 void FourPs::receiveNewDispFiles(const QStringList& paths)
 {
+    const EdgeBounds bounds = edgeBounds();
+    dispData.reserve(dispData.size() + static_cast<std::size_t>(paths.size()));
+    bool others = false;
     for (const QString& path : paths) {
         auto spectrum = std::make_unique<AXafsData>();
         if (!spectrum->read(path))
             continue;
-        dispData.push_back(std::move(spectrum));
+        bounds.fit(*spectrum);
+        if (!others)
+            setEdge();
+        others = true;
         SelectedFs->addItem(path);
-        setEdge();
+        dispData.push_back(std::move(spectrum)); // cannot fail: parallel to the list
+        repaintDisplays();
     }
 }
 

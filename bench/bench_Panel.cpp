@@ -55,6 +55,33 @@ BENCHMARK(newTarget)
     ->Unit(benchmark::kMillisecond)
     ->Repetitions(9);
 
+/// Display-only files that are chosen all at once.
+void displayFiles(benchmark::State& state)
+{
+    Session session(false);
+    FourPs* panel = session.body.panel();
+    QStringList paths;
+    for (std::int64_t i = 0; i < state.range(0); ++i)
+        paths << session.target;
+    for (auto _ : state) {
+        panel->receiveNewDispFiles(paths);
+        QApplication::processEvents();
+        state.PauseTiming();
+        while (panel->SelectedFs->count() > 0)
+            panel->removeAFile();
+        state.ResumeTiming();
+    }
+}
+
+BENCHMARK(displayFiles)
+    ->ArgName("files")
+    ->Arg(250)
+    ->Arg(500)
+    ->Arg(1000)
+    ->Arg(2000)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
+
 } // namespace
 
 int main(int argc, char* argv[])

@@ -1,9 +1,12 @@
+#include "display/DispABase.h"
 #include "input/NumberText.h"
+#include "tests/support/CanvasActions.h"
 #include "tests/support/PanelActions.h"
 
 #include <QButtonGroup>
 #include <QFile>
 #include <QFileDialog>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -110,6 +113,7 @@ private slots:
     void useVicSubtractsFromReferences();
     void useVicForTargetSubtractsFromTarget();
     void vicSideChangesAllColumnsButBlank();
+    void vicSideRefreshesATypedBlank();
     void refusalsInOrder();
     void rowCountRefusal_data();
     void rowCountRefusal();
@@ -120,15 +124,21 @@ private slots:
     void unreadableFileKeepsTheSpectrum();
     void emptyFileInvalidates();
     void displayFilesUnreadableAreSkipped();
+    void displayFilesAtOnceAreAsOneByOne();
+    void displayFileMakesTheTypedEdgeHold();
     void removeWithoutFiles();
     void removeChosenFile();
     void mapFilesGoToTheirRows();
     void directoryIsSharedButNotWithSave();
+    void directoryOfDisplayFilesIsShared();
     void messageIsOneSimplifiedLine();
     void messageNeverLandsInASelection();
+    void messagePaneFollows();
     void conditionsShowAndHide();
     void lcfWithoutFilesReportsNan();
     void lcfFindsTheFraction();
+    void fitStandsAtItsOwnAxis();
+    void onlyADoubleClickForgetsTheFits();
     void numbersIgnoreTheLocale();
     void graphWindowShows();
     void goesWithTheKeyboardInAField();
@@ -359,6 +369,15 @@ void tst_FourPs::vicSideChangesAllColumnsButBlank()
     }
 }
 
+void tst_FourPs::vicSideRefreshesATypedBlank()
+{
+    m_panel->DispCondsB->setChecked(true);
+    user::drop(m_panel->BlankFile, m_blank);
+    user::type(m_panel->ePoints[1]->MutBlank, QStringLiteral("7"));
+    user::click(m_panel->TheVicIs1);
+    QCOMPARE(m_panel->ePoints[1]->MutBlank->text(), QStringLiteral("0.125"));
+}
+
 void tst_FourPs::refusalsInOrder()
 {
     int before = lines();
@@ -503,6 +522,53 @@ void tst_FourPs::displayFilesUnreadableAreSkipped()
     QCOMPARE(lines(), before);
 }
 
+void tst_FourPs::displayFilesAtOnceAreAsOneByOne()
+{
+    const QStringList paths = {m_ref1, m_dir.filePath(QStringLiteral("missing.dat")), m_ref2,
+                               m_target, m_blank};
+    loadAll();
+    user::click(m_panel->ShowDAB);
+    m_panel->EdgeE->setText(QStringLiteral("8352")); // typed, the field not left
+    m_panel->DispFSelect->newFiles(paths);
+    FourPs plain;
+    plain.show();
+    user::drop(plain.RefFile1, m_ref1);
+    user::drop(plain.RefFile2, m_ref2);
+    user::drop(plain.TargetFile, m_target);
+    user::click(plain.ShowDAB);
+    plain.EdgeE->setText(QStringLiteral("8352"));
+    for (const QString& path : paths)
+        plain.DispFSelect->newFiles({path});
+    for (FourPs* panel : {m_panel.get(), &plain}) {
+        QCOMPARE(panel->SelectedFs->count(), 4);
+        panel->displays->resize(1100, 720);
+    }
+    QCoreApplication::processEvents();
+    for (int chosen = 0; chosen < 4; ++chosen) {
+        m_panel->SelectedFs->setCurrentIndex(chosen);
+        plain.SelectedFs->setCurrentIndex(chosen);
+        QCOMPARE(m_panel->SelectedFs->itemText(chosen), plain.SelectedFs->itemText(chosen));
+        QCOMPARE(canvas::picture(m_panel->displays->panel(Displays::DispMuts)->DispA),
+                 canvas::picture(plain.displays->panel(Displays::DispMuts)->DispA));
+    }
+}
+
+void tst_FourPs::displayFileMakesTheTypedEdgeHold()
+{
+    loadAll();
+    m_panel->EdgeE->setText(QStringLiteral("8352")); // typed, the field not left
+    m_panel->DispFSelect->newFiles({m_dir.filePath(QStringLiteral("missing.dat"))});
+    QCOMPARE(m_panel->RefFile1->data()->edge, 8350.0);
+    m_panel->DispFSelect->newFiles({m_ref1, m_ref2});
+    for (const AXafsFileSelect* select :
+         {m_panel->RefFile1, m_panel->RefFile2, m_panel->TargetFile}) {
+        QCOMPARE(select->data()->edge, 8352.0);
+        QCOMPARE(select->data()->preEdgeEnd, 8302.0);
+        QCOMPARE(select->data()->postVic.c,
+                 fitVictreenAbove(select->data()->points, 8452.0).full.c);
+    }
+}
+
 void tst_FourPs::removeWithoutFiles()
 {
     user::click(m_panel->RemoveAFile);
@@ -551,6 +617,16 @@ void tst_FourPs::directoryIsSharedButNotWithSave()
     QCOMPARE(m_panel->TargetFile->dialog()->directory().canonicalPath(), folder);
 }
 
+void tst_FourPs::directoryOfDisplayFilesIsShared()
+{
+    const QString folder = QFileInfo(m_ref1).canonicalPath();
+    QVERIFY(m_panel->RefFile1->dir() != folder);
+    m_panel->DispFSelect->newFiles({m_ref1});
+    for (const AXafsFileSelect* select : qAsConst(m_panel->xafsSelects))
+        QCOMPARE(select->dir(), folder);
+    QCOMPARE(m_panel->mapFileSelect->dir(), folder);
+}
+
 void tst_FourPs::messageIsOneSimplifiedLine()
 {
     const int before = lines();
@@ -566,6 +642,19 @@ void tst_FourPs::messageNeverLandsInASelection()
     m_panel->appendMessage(QStringLiteral("new"));
     QCOMPARE(lines(), before + 1);
     QCOMPARE(user::messages(*m_panel).last(), QStringLiteral("new"));
+}
+
+void tst_FourPs::messagePaneFollows()
+{
+    for (int i = 0; i < 200; ++i)
+        m_panel->appendMessage(QStringLiteral("line"));
+    const QScrollBar* bar = m_panel->Message->verticalScrollBar();
+    QVERIFY(bar->maximum() > 0);
+    m_panel->Message->moveCursor(QTextCursor::Start); // the reader looks at what was
+    QVERIFY(bar->value() < bar->maximum() / 2);
+    m_panel->appendMessage(QStringLiteral("the latest"));
+    QVERIFY(m_panel->Message->textCursor().atEnd());
+    QVERIFY(m_panel->Message->viewport()->rect().contains(m_panel->Message->cursorRect()));
 }
 
 void tst_FourPs::conditionsShowAndHide()
@@ -598,6 +687,51 @@ void tst_FourPs::lcfFindsTheFraction()
     QVERIFY2(match.hasMatch(), qPrintable(m_panel->LCFRes->text()));
     QVERIFY(std::abs(match.captured(1).toDouble() - 0.25) < 1e-3);
     QVERIFY(std::abs(match.captured(3).toDouble() - 2.75) < 1e-3);
+}
+
+// The latest result has a red ring: the fit along x, the point method along y.
+void tst_FourPs::fitStandsAtItsOwnAxis()
+{
+    m_panel->ePoints[0]->TRatCB->setChecked(true);
+    m_panel->ePoints[3]->TRatCB->setChecked(true);
+    loadAll();
+    const QRegularExpression valence(QStringLiteral("Valence = (\\S+?),?( |$)"));
+    const double points = valence.match(m_panel->CalcRes->text()).captured(1).toDouble();
+    m_panel->Valence2->setText(QStringLiteral("5"));
+    user::click(m_panel->LCFB); // the point method's valence is still that of 2 and 3
+    const double fit = valence.match(m_panel->LCFRes->text()).captured(1).toDouble();
+    QVERIFY2(std::abs(fit - 4.25) < 1e-2, qPrintable(m_panel->LCFRes->text()));
+    QVERIFY2(points > 2 && points < 3, qPrintable(m_panel->CalcRes->text()));
+    user::click(m_panel->ShowDAB);
+    DispArea* area = m_panel->displays->panel(Displays::DispLCFvs4PS)->DispA;
+    const QImage image = canvas::picture(area);
+    QRect ring;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixel(x, y) == QColor(Qt::red).rgb())
+                ring |= QRect(x, y, 1, 1);
+    QVERIFY(!ring.isEmpty());
+    QVERIFY(std::abs(ring.center().x() - area->coord.xToScreen(fit)) <= 3);
+    QVERIFY(std::abs(ring.center().y() - area->coord.yToScreen(points)) <= 3);
+}
+
+void tst_FourPs::onlyADoubleClickForgetsTheFits()
+{
+    m_panel->ePoints[0]->TRatCB->setChecked(true);
+    m_panel->ePoints[3]->TRatCB->setChecked(true);
+    loadAll();
+    user::click(m_panel->ShowDAB);
+    DispArea* area = m_panel->displays->panel(Displays::DispLCFvs4PS)->DispA;
+    const auto rings = [area] { return canvas::count(canvas::picture(area), Qt::red); };
+    QVERIFY(rings() > 0);
+    const QPointF middle = QRectF(area->rect()).center();
+    canvas::press(area, middle);
+    QVERIFY(rings() > 0);
+    canvas::move(area, middle);
+    canvas::release(area, middle);
+    QVERIFY(rings() > 0);
+    canvas::doubleClick(area, middle);
+    QCOMPARE(rings(), 0);
 }
 
 void tst_FourPs::numbersIgnoreTheLocale()
