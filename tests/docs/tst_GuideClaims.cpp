@@ -114,9 +114,9 @@ private slots:
         QVERIFY(shell.waitForFinished());
         QCOMPARE(shell.readAllStandardError(), QByteArray());
         QCOMPARE(shell.exitCode(), 0);
-        QFile made(dir.filePath(QStringLiteral("sample.dat")));
-        QVERIFY(made.open(QIODevice::ReadOnly));
-        const SpectrumPoints points = readSpectrum(made);
+        SpectrumPoints points;
+        QCOMPARE(readSpectrum(dir.filePath(QStringLiteral("sample.dat")), points),
+                 ReadOutcome::Read);
         const double energies[] = {8300.0, 8333.25, 8350.5, 9000.0};
         const double values[] = {0.1, 0.205, 1.25, -0.05};
         QCOMPARE(points.size(), std::size_t(4));
