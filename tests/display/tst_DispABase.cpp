@@ -4,6 +4,7 @@
 #include "tests/support/Exact.h"
 
 #include <QGridLayout>
+#include <QPaintEvent>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -28,6 +29,7 @@ private slots:
     void closingTheWindowDocks();
     void poppedOutCanvasKeepsItsView();
     void poppedOutCanvasComesToRest();
+    void poppedOutFrameIsRepaintedWithTheCanvas();
     void deletedWhilePoppedOut();
 };
 
@@ -333,6 +335,45 @@ void TestDispABase::poppedOutCanvasComesToRest()
     for (int i = 0; i < 50; ++i)
         QCoreApplication::processEvents();
     QVERIFY2(repaints >= 1 && repaints <= 2, qPrintable(QString::number(repaints)));
+}
+
+namespace
+{
+
+/// Tells whether a pixel of a widget was painted.
+class PaintWatch : public QObject
+{
+public:
+    PaintWatch(QWidget* widget, QPoint pixel) : m_pixel(pixel) { widget->installEventFilter(this); }
+
+    bool painted = false;
+
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint)
+            painted |= static_cast<QPaintEvent*>(event)->region().contains(m_pixel);
+        return false;
+    }
+
+private:
+    QPoint m_pixel;
+};
+
+} // namespace
+
+void TestDispABase::poppedOutFrameIsRepaintedWithTheCanvas()
+{
+    DispABase panel;
+    panel.show();
+    panel.popDock();
+    QVERIFY(QTest::qWaitForWindowExposed(panel.pop.get()));
+    for (int i = 0; i < 10; ++i)
+        QCoreApplication::processEvents();
+    PaintWatch corner(panel.pop.get(), QPoint(0, 0)); // of the frame, beside the canvas
+    QCoreApplication::processEvents();
+    QVERIFY(!corner.painted);
+    panel.DispA->update();
+    QTRY_VERIFY(corner.painted);
 }
 
 void TestDispABase::deletedWhilePoppedOut()

@@ -6,6 +6,8 @@
 
 #include <QLineEdit>
 
+#include <utility>
+
 namespace
 {
 
@@ -81,6 +83,7 @@ private slots:
     void zoomOverMargins_data();
     void zoomOverMargins();
     void wheelLeavesRangeSet();
+    void whatMovesTheViewRepaintsIt();
     void dragsALine();
     void dragsAHorizontalLine();
     void dragsARelativeLine();
@@ -423,6 +426,33 @@ void TestDispArea::wheelLeavesRangeSet()
     m_area->rangeSet = false;
     canvas::wheel(m_area.get(), QPointF(200, 150), QPoint(0, 120));
     QVERIFY(!m_area->rangeSet);
+}
+
+void TestDispArea::whatMovesTheViewRepaintsIt()
+{
+    m_area->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_area.get()));
+    QCoreApplication::processEvents();
+    int repaints = 0;
+    connect(m_area.get(), &DispArea::draw, this, [&repaints] { ++repaints; });
+    const auto repainted = [&repaints] {
+        QCoreApplication::processEvents();
+        return std::exchange(repaints, 0) > 0;
+    };
+    const QPointF place(200, 150);
+    canvas::move(m_area.get(), place, Qt::NoButton);
+    QVERIFY(!repainted()); // the view stays
+    canvas::wheel(m_area.get(), place, QPoint(0, 120));
+    QVERIFY(repainted());
+    canvas::press(m_area.get(), place, Qt::LeftButton, Qt::ShiftModifier);
+    QVERIFY(!repainted());
+    canvas::move(m_area.get(), place + QPointF(10, 5), Qt::LeftButton, Qt::ShiftModifier);
+    QVERIFY(repainted());
+    canvas::release(m_area.get(), place + QPointF(10, 5), Qt::LeftButton, Qt::ShiftModifier);
+    QVERIFY(!repainted());
+    canvas::send(m_area.get(), QEvent::MouseButtonDblClick, place, Qt::LeftButton, Qt::LeftButton,
+                 Qt::NoModifier);
+    QVERIFY(repainted());
 }
 
 void TestDispArea::dragsALine()

@@ -38,6 +38,8 @@ private slots:
     void sizesMakeItValid();
     void withoutAxisLinesItIsNotValid();
     void unreadableFileKeepsTheRecords();
+    void readingIsAtItsEndWhateverTheFile_data();
+    void readingIsAtItsEndWhateverTheFile();
 };
 
 void tst_AEPoint::formTexts()
@@ -164,6 +166,33 @@ void tst_AEPoint::unreadableFileKeepsTheRecords()
     QCOMPARE(point.mapData().mut.size(), std::size_t(1));
     QCOMPARE(point.mapData().columns, 1);
     QCOMPARE(point.mapData().header.size(), 2);
+}
+
+void tst_AEPoint::readingIsAtItsEndWhateverTheFile_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("map") << QStringLiteral("map.dat");
+    QTest::newRow("missing") << QStringLiteral("missing.dat");
+    QTest::newRow("empty") << QStringLiteral("empty.dat");
+    QTest::newRow("folder") << QStringLiteral("folder.dat");
+    QTest::newRow("no file") << QString();
+}
+
+void tst_AEPoint::readingIsAtItsEndWhateverTheFile()
+{
+    QFETCH(QString, name);
+    writeText(m_dir, "# AXIS 0 x s s 1 1 p\n# AXIS 1 y t s 1 1 p\n0 0 1 2\n");
+    QFile empty(m_dir.filePath(QStringLiteral("empty.dat")));
+    QVERIFY(empty.open(QIODevice::WriteOnly));
+    QDir(m_dir.path()).mkdir(QStringLiteral("folder.dat"));
+    AEPoint point;
+    QSignalSpy progress(&point, &AEPoint::progress);
+    point.loadData(name.isEmpty() ? name : m_dir.filePath(name));
+    QVERIFY(progress.count() >= 2);
+    for (const QList<QVariant>& step : qAsConst(progress))
+        QCOMPARE(step[0].toString(), QStringLiteral("Reading ") + name);
+    QCOMPARE(progress.first()[1].toDouble(), 0.0);
+    QCOMPARE(progress.last()[1].toDouble(), 1.0);
 }
 
 QTEST_MAIN(tst_AEPoint)

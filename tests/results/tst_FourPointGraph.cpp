@@ -61,6 +61,7 @@ private slots:
     void blankIsSubtracted();
     void rangeShowsAllThatCounts();
     void nothingTypedLeavesItWhite();
+    void oneReferenceIsEnough();
     void linesAndDots();
     void unusedRowsAreRings();
     void dotColorsFollowTheRows();
@@ -167,6 +168,21 @@ void TestFourPointGraph::nothingTypedLeavesItWhite()
     QCOMPARE(panel.coord().valid, 0);
     QCOMPARE(panel.xTitle, QStringLiteral("M2"));
     QCOMPARE(panel.yTitle, QStringLiteral("M3"));
+}
+
+void TestFourPointGraph::oneReferenceIsEnough()
+{
+    // A row of the table is a dot as soon as one of its references has a value.
+    GraphPanel first(painter({row(100, 2, 0, 0)}, 1.0));
+    QVERIFY(canvas::count(first.picture(), blue) > 0);
+    QCOMPARE(first.coord().valid, 1);
+    GraphPanel second(painter({row(100, 0, 2, 0)}, 1.0));
+    QVERIFY(canvas::count(second.picture(), blue) > 0);
+    QCOMPARE(second.coord().valid, 1);
+    GraphPanel last(painter({PointRow(), PointRow(), row(100, 0, -0.5, 0)}, 1.0));
+    QVERIFY(canvas::count(last.picture(), blue) > 0);
+    GraphPanel targetAlone(painter({row(100, 0, 0, 1)}, 1.0));
+    QVERIFY(targetAlone.isWhite());
 }
 
 void TestFourPointGraph::linesAndDots()
