@@ -87,6 +87,23 @@ bool isNeverSeen(const CatalogueEntry& entry)
     return hidden.contains(entry.source) || entry.translation.isEmpty();
 }
 
+/// Lines that the panel says in English in both languages, as they stand in the sources.
+QStringList untranslatedLines()
+{
+    static const QRegularExpression line(
+        QStringLiteral("QStringLiteral\\(\"((The|There|Can't) [^\"]+)\"\\)"));
+    QStringList found;
+    for (const char* const folder : {"app", "input"}) {
+        const QDir sources(docs + QStringLiteral("../") + QString::fromLatin1(folder));
+        for (const QString& name : sources.entryList({QStringLiteral("*.cpp")}, QDir::Files)) {
+            const QString text = readText(sources.filePath(name));
+            for (auto match = line.globalMatch(text); match.hasNext();)
+                found.append(match.next().captured(1));
+        }
+    }
+    return found;
+}
+
 } // namespace
 
 class tst_Guide : public QObject
@@ -179,6 +196,17 @@ private slots:
             for (const QString& part : quotedParts(english ? entry.source : entry.translation))
                 QVERIFY2(guide.contains(part), qPrintable(part));
         }
+    }
+
+    void everyUntranslatedLineIsExplained()
+    {
+        const QStringList lines = untranslatedLines();
+        QVERIFY(lines.contains(QStringLiteral("The map is too large.")));
+        for (const QString& page :
+             {QStringLiteral("en/messages.md"), QStringLiteral("ja/messages.md")})
+            for (const QString& line : lines)
+                for (const QString& part : quotedParts(line))
+                    QVERIFY2(readText(docs + page).contains(part), qPrintable(page + part));
     }
 };
 
