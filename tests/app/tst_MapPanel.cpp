@@ -1,5 +1,6 @@
 #include "app/Body.h"
 #include "input/NumberText.h"
+#include "tests/support/AddressLimit.h"
 #include "tests/support/Exact.h"
 #include "tests/support/PanelActions.h"
 #include "tests/support/PlainMapMethods.h"
@@ -85,6 +86,7 @@ private slots:
     void refusals();
     void refusalsKeepEarlierResults_data();
     void refusalsKeepEarlierResults();
+    void boxesBeyondTheMemory();
     void thicknessButtonRecalculates();
     void histogramsFollowTheSettings();
     void writesResultAndHistograms();
@@ -365,6 +367,26 @@ void tst_MapPanel::refusalsKeepEarlierResults()
     QCOMPARE(refused.count(), 1);
     QCOMPARE(contents(file("res.dat")), result);
     QCOMPARE(contents(file("res_HGThick.dat")), counts);
+}
+
+void tst_MapPanel::boxesBeyondTheMemory()
+{
+    loadReferences();
+    loadMaps(3);
+    useRows(3);
+    QCOMPARE(calc(), QStringList());
+    const std::vector<double> before(panel().lastMap().a.begin(), panel().lastMap().a.end());
+    panel().ePoints[0]->Mut1->setText(QStringLiteral("0.5")); // the next map would differ
+    panel().HgABoxes->setText(QStringLiteral("1e7"));
+    panel().HgTBoxes->setText(QStringLiteral("1e7"));
+    {
+        const AddressLimit limit(AddressLimit::beside(60000000)); // they take 80 megabytes
+        QCOMPARE(calc(),
+                 QStringList{QStringLiteral("The number of histogram boxes is too large.")});
+    }
+    QCOMPARE(std::vector<double>(panel().lastMap().a.begin(), panel().lastMap().a.end()), before);
+    QCOMPARE(calc(), QStringList());
+    QVERIFY(panel().lastMap().a[1] != before[1]);
 }
 
 void tst_MapPanel::thicknessButtonRecalculates()
