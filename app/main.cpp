@@ -1,14 +1,21 @@
 #include "app/Application.h"
 #include "app/Body.h"
+#include "app/DisplayCheck.h"
 #include "app/Language.h"
 #include "system/Signals.h"
 
 #include <QIcon>
 #include <QTranslator>
 
+#include <cstdio>
+
 int main(int argc, char* argv[])
 {
     reportFailedWrites();
+    if (const QString missing = missingDisplay(argc, argv); !missing.isEmpty()) {
+        std::fprintf(stderr, "drovik: %s\n", missing.toLocal8Bit().constData());
+        return 1;
+    }
     // On screens of many points an inch everything grows alike, not the letters alone.
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setHighDpiScaleFactorRoundingPolicy(

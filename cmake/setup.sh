@@ -5,7 +5,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 packages=(
     cmake ninja-build g++
-    qtbase5-dev qttools5-dev qttools5-dev-tools qtwayland5
+    qtbase5-dev qttools5-dev qttools5-dev-tools qtwayland5 libxcb1-dev
     libtomlplusplus-dev libbenchmark-dev libboost-dev librsvg2-bin
     xvfb xauth xdotool
     clang clang-tidy libclang-rt-14-dev cppcheck gcovr pkg-config
