@@ -493,7 +493,8 @@ void tst_MapCalculation::energiesOfZero()
 
 void tst_MapCalculation::measuredPixelsAllowAGrid()
 {
-    MapTask task = regularCase(Method::ThreePoint, 3, 2, 2).task();
+    const Case test = regularCase(Method::ThreePoint, 3, 2, 2);
+    MapTask task = test.task();
     task.columns = 4096;
     task.rows = 1025; // a few thousand pixels more than need no measurement
     auto positions = std::make_shared<MapPositions>();
