@@ -235,6 +235,8 @@ void TestChCoord::nearWindowEdges()
     coord.windowEdgeRatio = 0.25;
     QVERIFY(coord.nearWindowXEdge(99.9));
     QVERIFY(!coord.nearWindowXEdge(100));
+    QVERIFY(coord.nearWindowYEdge(74.9));
+    QVERIFY(!coord.nearWindowYEdge(75));
 }
 
 void TestChCoord::nearEdgesOfReversedAxes()
