@@ -98,6 +98,7 @@ private slots:
     void frameColors();
     void frameLabels_data();
     void frameLabels();
+    void eachEndHasItsLabel();
     void absurdCoordinates();
 
 private:
@@ -654,6 +655,26 @@ void putLabel(QPainter& painter, double x, double y, double width, double height
     painter.drawText(QRectF(x, y, width, height), flags, text);
 }
 
+/// Frame of a canvas of 400 x 300 pixels, with the labels of x0, y0, x1 and y1.
+QImage frameWithLabels(const QStringList& labels)
+{
+    // h = trunc(-255 / 10) = -25, b = trunc(-25 * 0.85) = -21, m = 40.
+    QImage expected(400, 300, QImage::Format_RGB32);
+    expected.fill(Qt::white);
+    QPainter painter(&expected);
+    painter.setPen(QColor(150, 150, 150));
+    painter.drawRect(40, 15, 340, 255);
+    painter.setPen(Qt::black);
+    const int right = Qt::AlignRight | Qt::AlignVCenter;
+    const int left = Qt::AlignLeft | Qt::AlignVCenter;
+    putLabel(painter, 0, 15 + 25, 38, -21, right, labels[3]);
+    putLabel(painter, 0, 270, 38, -21, right, labels[1]);
+    putLabel(painter, 40, 270 + 25, 80, -21, left, labels[0]);
+    putLabel(painter, 380 - 80, 270 + 25, 80, -21, right, labels[2]);
+    painter.end();
+    return expected;
+}
+
 } // namespace
 
 void TestDispArea::frameLabels()
@@ -666,21 +687,19 @@ void TestDispArea::frameLabels()
         m_area->coord.setRange(value, value, value, value);
         m_area->drawFrame(painter, true);
     });
-    // 400 x 300: h = trunc(-255 / 10) = -25, b = trunc(-25 * 0.85) = -21, m = 40.
-    QImage expected(400, 300, QImage::Format_RGB32);
-    expected.fill(Qt::white);
-    QPainter painter(&expected);
-    painter.setPen(QColor(150, 150, 150));
-    painter.drawRect(40, 15, 340, 255);
-    painter.setPen(Qt::black);
-    const int right = Qt::AlignRight | Qt::AlignVCenter;
-    const int left = Qt::AlignLeft | Qt::AlignVCenter;
-    putLabel(painter, 0, 15 + 25, 38, -21, right, onY);
-    putLabel(painter, 0, 270, 38, -21, right, onY);
-    putLabel(painter, 40, 270 + 25, 80, -21, left, onX);
-    putLabel(painter, 380 - 80, 270 + 25, 80, -21, right, onX);
-    painter.end();
-    QCOMPARE(canvas::picture(m_area.get()), expected);
+    QCOMPARE(canvas::picture(m_area.get()), frameWithLabels({onX, onY, onX, onY}));
+}
+
+void TestDispArea::eachEndHasItsLabel()
+{
+    connect(m_area.get(), &DispArea::draw, this, [&](QStylePainter* painter) {
+        painter->fillRect(m_area->rect(), Qt::white);
+        m_area->coord.setRange(1, 2, 3, 4);
+        m_area->drawFrame(painter, true);
+    });
+    const QStringList labels = {QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"),
+                                QStringLiteral("4")};
+    QCOMPARE(canvas::picture(m_area.get()), frameWithLabels(labels));
 }
 
 void TestDispArea::absurdCoordinates()
