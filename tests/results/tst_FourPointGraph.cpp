@@ -60,6 +60,7 @@ private slots:
     void withoutVPointOrTarget();
     void blankIsSubtracted();
     void rangeShowsAllThatCounts();
+    void rangeShowsThePureReferences();
     void nothingTypedLeavesItWhite();
     void oneReferenceIsEnough();
     void linesAndDots();
@@ -159,6 +160,19 @@ void TestFourPointGraph::rangeShowsAllThatCounts()
     range = fourPointRange(fourPointGeometry({row(1, 0, 3, 0)}, 1));
     QCOMPARE(range.x.from, -0.5); // a single value keeps a width
     QCOMPARE(range.x.to, 0.5);
+}
+
+/// Of the V point alone, at (6, 2), the pure references lie at (6, 6 / rho) and (2 rho, 2).
+void TestFourPointGraph::rangeShowsThePureReferences()
+{
+    PointRow v = row(1, 6, 2, 0);
+    v.vPoint = true;
+    PlaneRange range = fourPointRange(fourPointGeometry({v}, 10));
+    QCOMPARE(range.x.to, 21.0);
+    QCOMPARE(range.y.to, 2.1);
+    range = fourPointRange(fourPointGeometry({v}, 0.5));
+    QCOMPARE(range.x.to, 6.3);
+    QCOMPARE(range.y.to, 12.6);
 }
 
 void TestFourPointGraph::nothingTypedLeavesItWhite()
