@@ -1,4 +1,5 @@
 #include "analysis/FourPoint.h"
+#include "display/Pixel.h"
 #include "results/FourPointGraph.h"
 #include "tests/support/Exact.h"
 #include "tests/support/GraphPanel.h"
@@ -61,6 +62,8 @@ private slots:
     void blankIsSubtracted();
     void rangeShowsAllThatCounts();
     void rangeShowsThePureReferences();
+    void rangeLeavesOutWhatIsNotFinite();
+    void uprightLineStandsUpright();
     void nothingTypedLeavesItWhite();
     void oneReferenceIsEnough();
     void linesAndDots();
@@ -173,6 +176,24 @@ void TestFourPointGraph::rangeShowsThePureReferences()
     range = fourPointRange(fourPointGeometry({v}, 0.5));
     QCOMPARE(range.x.to, 6.3);
     QCOMPARE(range.y.to, 12.6);
+}
+
+void TestFourPointGraph::rangeLeavesOutWhatIsNotFinite()
+{
+    const double infinity = std::numeric_limits<double>::infinity();
+    const PlaneRange range = fourPointRange(
+        fourPointGeometry({row(1, 5, infinity, 0), row(2, infinity, 5, 0), row(3, 2, 1, 0)}, 1));
+    QCOMPARE(range.x.to, 2.1);
+    QCOMPARE(range.y.to, 1.05);
+}
+
+/// With a ratio of 0 the line of equal absorption is the axis of M3.
+void TestFourPointGraph::uprightLineStandsUpright()
+{
+    GraphPanel panel(painter({row(1, 6, 2, 0), row(2, 3, 1, 0)}, 0.0));
+    const QImage image = panel.picture();
+    const int axis = truncToInt(panel.coord().xToScreen(0.0));
+    QVERIFY(canvas::rowsOf(image, yellow, axis, 16, 269).size() > 200);
 }
 
 void TestFourPointGraph::nothingTypedLeavesItWhite()
