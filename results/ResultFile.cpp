@@ -2,16 +2,10 @@
 
 #include "analysis/PointRow.h"
 #include "results/NumberField.h"
+#include "system/OrderedHandOver.h"
 #include "system/SafeFile.h"
 
-
 #include <algorithm>
-#include <atomic>
-#include <condition_variable>
-#include <map>
-#include <memory>
-#include <mutex>
-#include <new>
 
 namespace
 {
@@ -84,84 +78,6 @@ private:
     std::size_t m_pixels = 0;
 };
 
-using Buffer = std::unique_ptr<PixelArray<char>>;
-
-/// Takes blocks of text from several threads and writes them to the file in order. A thread that
-/// brings the next block writes it, and those behind it that have come in the meantime; the others
-/// go on with their work.
-class OrderedWriter
-{
-public:
-    /// @param waiting  so many blocks may wait for one before them
-    OrderedWriter(SafeFile& file, std::size_t waiting) : m_file(file), m_maxWaiting(waiting) {}
-
-    bool failed() const { return m_failed; }
-    /// Nothing more is written; whoever waits goes on.
-    void fail()
-    {
-        m_failed = true;
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_room.notify_all();
-    }
-
-    void write(const char* text, std::size_t size)
-    {
-        if (!m_failed && !m_file.write(text, static_cast<qint64>(size)))
-            m_failed = true;
-    }
-
-    /// A buffer for a block's text, used before where there is one; null where memory is refused.
-    Buffer takeBuffer()
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_spare.empty())
-            return Buffer(new (std::nothrow) PixelArray<char>);
-        Buffer buffer = std::move(m_spare.back());
-        m_spare.pop_back();
-        return buffer;
-    }
-
-    /// Blocks are handed out in rising order: the one that all others wait for is always in work,
-    /// and it never waits itself.
-    void deliver(std::size_t block, Buffer text)
-    {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_room.wait(lock,
-                    [&] { return m_failed || block == m_next || m_waiting.size() < m_maxWaiting; });
-        if (m_failed)
-            return;
-        m_waiting.emplace(block, std::move(text));
-        while (!m_writing && !m_waiting.empty() && m_waiting.begin()->first == m_next)
-            writeNext(lock);
-    }
-
-private:
-    void writeNext(std::unique_lock<std::mutex>& lock)
-    {
-        Buffer text = std::move(m_waiting.begin()->second);
-        m_waiting.erase(m_waiting.begin());
-        m_writing = true;
-        lock.unlock();
-        write(text->data(), text->size());
-        lock.lock();
-        m_writing = false;
-        m_spare.push_back(std::move(text));
-        ++m_next;
-        m_room.notify_all();
-    }
-
-    SafeFile& m_file;
-    std::atomic<bool> m_failed{false};
-
-    std::mutex m_mutex; ///< guards what follows
-    std::condition_variable m_room;
-    std::size_t m_maxWaiting;
-    std::map<std::size_t, Buffer> m_waiting;
-    std::vector<Buffer> m_spare;
-    std::size_t m_next = 0; ///< block that the file needs next
-    bool m_writing = false;
-};
-
 /// The header lines and an empty line; nothing without header.
 QByteArray headerText(const QByteArrayList& header)
 {
@@ -177,19 +93,20 @@ WriteOutcome writeResultFile(const QString& path, const QByteArrayList& header,
     SafeFile file(path);
     if (!file.open())
         return WriteOutcome::CannotOpen;
-    constexpr std::size_t waitingForEach = 4;
-    OrderedWriter writer(file, waitingForEach * workers.size());
     const QByteArray head = headerText(header);
-    writer.write(head.constData(), static_cast<std::size_t>(head.size()));
-
     const ResultText text(results, valence1, valence2);
-    workers.run(text.blocks(), [&](std::size_t block, unsigned worker) {
-        Buffer buffer = writer.takeBuffer();
-        if (!buffer || writer.failed() || !text.write(block, *buffer))
-            return writer.fail();
-        writer.deliver(block, std::move(buffer));
+    using Buffer = PixelArray<char>;
+    const auto write = [&](const Buffer& buffer) {
+        return file.write(buffer.data(), static_cast<qint64>(buffer.size()));
+    };
+    const auto make = [&](std::size_t block, unsigned worker, Buffer& buffer) {
+        if (!text.write(block, buffer))
+            return false;
         if (worker == 0 && progress)
             progress(static_cast<double>(block + 1) / static_cast<double>(text.blocks()));
-    });
-    return !writer.failed() && file.commit() ? WriteOutcome::Written : WriteOutcome::CannotWrite;
+        return true;
+    };
+    const bool written = file.write(head.constData(), head.size()) &&
+                         runInOrder<Buffer>(workers, text.blocks(), make, write) && file.commit();
+    return written ? WriteOutcome::Written : WriteOutcome::CannotWrite;
 }
