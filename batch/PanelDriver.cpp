@@ -103,6 +103,7 @@ std::optional<JobError> nameFiles(const Job& job, const FourPs& panel)
     for (std::size_t i = 0; i < job.spectra.size(); ++i) {
         AXafsFileSelect* const select = panel.xafsSelects[static_cast<int>(i)];
         const auto valid = [select] { return select->isValid(); };
+        QObject::connect(select, &AXafsFileSelect::refusedData, &naming, keep);
         if (auto error =
                 nameFile(job.spectra[i], select, valid, QStringLiteral("spectrum"), refusal))
             return error;

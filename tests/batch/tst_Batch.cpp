@@ -173,6 +173,7 @@ private slots:
     void mapExampleIsRecovered();
     void refusedMap();
     void mapTooLarge();
+    void spectrumTooLarge();
     void refusedMapLeavesItsFile();
     void limitOfFileSize();
     void nothingReadIsWritten();
@@ -341,6 +342,17 @@ void tst_Batch::mapTooLarge()
                                 m_dir.filePath(QStringLiteral("huge.dat")) +
                                 QStringLiteral("] is too large.\n"));
     QCOMPARE(output.text, QString());
+    QCOMPARE(output.status, 2);
+}
+
+void tst_Batch::spectrumTooLarge()
+{
+    QFile file(m_dir.filePath(QStringLiteral("sparse.dat")));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(qint64{20} << 30));
+    const QString job = write(QStringLiteral("sparse.toml"), "\n[files]\nref1 = \"sparse.dat\"\n");
+    const Output output = run({job});
+    QCOMPARE(output.errors, job + QStringLiteral(":3: The spectrum file [") + file.fileName() +
+                                QStringLiteral("] is too large.\n"));
     QCOMPARE(output.status, 2);
 }
 
