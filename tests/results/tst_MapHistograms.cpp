@@ -145,6 +145,7 @@ private slots:
     void countsForAnyNumberOfThreads_data();
     void countsForAnyNumberOfThreads();
     void manyBinsAreThereOnce();
+    void tooManyBoxesOfEither();
     void binsBeyondTheMemoryAreRefused();
     void memoryRefusedAnywhereKeepsWhatIsThere();
 };
@@ -188,6 +189,22 @@ void tst_MapHistograms::manyBinsAreThereOnce()
     constexpr std::size_t smallThings = 1000000;
     QVERIFY2(memory::bytesAsked <= 2 * boxes * sizeof(int) + smallThings,
              qPrintable(QString::number(memory::bytesAsked)));
+}
+
+void tst_MapHistograms::tooManyBoxesOfEither()
+{
+    const Map map(6, 4);
+    Workers workers(2);
+    Kept kept;
+    const HistogramSettings few{1.5, 3.5, 41, false};
+    const HistogramSettings tooMany{1.5, 3.5, 10000001, false};
+    for (const auto& [ofA, ofT] : {std::pair(few, tooMany), std::pair(tooMany, few)}) {
+        const MapHistograms histograms{kept.valence, kept.thickness, ofA, ofT, 2.0, 3.0};
+        QCOMPARE(checkMap(map.task, kept.results, histograms), MapOutcome::TooManyBoxes);
+        QCOMPARE(calculateMap(map.task, kept.results, histograms, workers),
+                 MapOutcome::TooManyBoxes);
+    }
+    QVERIFY(kept.results.a.empty());
 }
 
 void tst_MapHistograms::binsBeyondTheMemoryAreRefused()
