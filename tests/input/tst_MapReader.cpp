@@ -10,12 +10,14 @@
 #include <QtTest>
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstring>
 #include <mutex>
 #include <random>
 #include <string>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -282,6 +284,7 @@ private slots:
     void threeTokensGetIncidentOne();
     void axisAndEnergyInAnyCase();
     void axisThatIsNoInteger();
+    void axisWithoutItsSize();
     void withoutAxisReadButNotValid();
     void cannotOpenKeepsContents_data();
     void cannotOpenKeepsContents();
@@ -289,6 +292,7 @@ private slots:
     void fileLargerThanMemory();
     void recordsLargerThanMemory();
     void endlessLine();
+    void endlessHeader();
     void hugeAxes();
     void aBadBlockRefusesTheFile_data();
     void aBadBlockRefusesTheFile();
@@ -297,6 +301,7 @@ private slots:
     void equalPositionsAreKeptOnce();
     void positionsThatDifferAreNotShared();
     void progressRisesToOne();
+    void progressComesFromTheThreadThatAsked();
     void equalsThePlainReader();
     void emptyAndOddFiles_data();
     void emptyAndOddFiles();
@@ -407,6 +412,16 @@ void tst_MapReader::axisThatIsNoInteger()
     QVERIFY(!data.valid);
 }
 
+void tst_MapReader::axisWithoutItsSize()
+{
+    MapData data;
+    readMapData(file("# AXIS 0 a b c d 3\n# AXIS 1 a b c d 2\n"
+                     "# AXIS 0 a b c d\n# AXIS 1 a b c d\n1 1 1\n"),
+                data);
+    QCOMPARE(data.columns, 3);
+    QCOMPARE(data.rows, 2);
+}
+
 void tst_MapReader::withoutAxisReadButNotValid()
 {
     MapData data;
@@ -492,6 +507,19 @@ void tst_MapReader::endlessLine()
     QVERIFY(QFile::resize(path, qint64{100} << 20));
     MapData data;
     QCOMPARE(readMapData(path, data).outcome, ReadOutcome::TooLarge);
+}
+
+/// A header line counts with 64 bytes and its text, and all of them have 64 MiB.
+void tst_MapReader::endlessHeader()
+{
+    constexpr int most = (64 << 20) / 65;
+    MapData data;
+    const QByteArray record = "1 2 3 4\n";
+    MapReadResult result = readMapData(file(QByteArray("#\n").repeated(most) + record), data);
+    QCOMPARE(result.outcome, ReadOutcome::Read);
+    QCOMPARE(data.header.size(), most);
+    result = readMapData(file(QByteArray("#\n").repeated(most + 1) + record), data);
+    QCOMPARE(result.outcome, ReadOutcome::TooLarge);
 }
 
 void tst_MapReader::hugeAxes()
@@ -676,6 +704,58 @@ void tst_MapReader::progressRisesToOne()
     QVERIFY(parts.size() > 50);
     QVERIFY(std::is_sorted(parts.begin(), parts.end()));
     QCOMPARE(parts.back(), 1.0);
+}
+
+namespace
+{
+
+/// Lets the thread that asks go on only when another one has read something.
+class OthersFirst : public ByteSource
+{
+public:
+    explicit OthersFirst(const QByteArray& bytes) : m_bytes(bytes) {}
+
+    std::int64_t size() const override { return m_bytes.size(); }
+    bool read(char* to, std::size_t count, std::int64_t offset) const override
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        if (std::this_thread::get_id() != m_asker)
+            m_othersRead = true;
+        else if (count > 4) // what is read before the work is shared
+            m_changed.wait_for(lock, std::chrono::seconds(20), [&] { return m_othersRead; });
+        m_changed.notify_all();
+        std::memcpy(to, m_bytes.constData() + offset, count);
+        return true;
+    }
+
+private:
+    QByteArray m_bytes;
+    std::thread::id m_asker = std::this_thread::get_id();
+    mutable std::mutex m_mutex;
+    mutable std::condition_variable m_changed;
+    mutable bool m_othersRead = false;
+};
+
+} // namespace
+
+/// What shows it belongs to that thread.
+void tst_MapReader::progressComesFromTheThreadThatAsked()
+{
+    const OthersFirst source(QByteArray("1 2 3 4\n").repeated(1000));
+    MapReadOptions options;
+    options.chunkBytes = 100;
+    const std::thread::id asker = std::this_thread::get_id();
+    std::atomic<int> calls{0};
+    std::atomic<int> elsewhere{0};
+    options.progress = [&](double) {
+        ++calls;
+        elsewhere += std::this_thread::get_id() != asker;
+    };
+    MapData data;
+    Workers two(2);
+    QCOMPARE(readMapData(source, data, options, two).outcome, ReadOutcome::Read);
+    QVERIFY(calls > 0);
+    QCOMPARE(elsewhere.load(), 0);
 }
 
 void tst_MapReader::equalsThePlainReader()
