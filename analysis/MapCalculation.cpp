@@ -1,7 +1,7 @@
 #include "analysis/MapCalculation.h"
 
-#include "analysis/AvailableMemory.h"
 #include "analysis/MapKernels.h"
+#include "system/AvailableMemory.h"
 
 #include <algorithm>
 #include <array>

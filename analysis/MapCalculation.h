@@ -1,9 +1,9 @@
 #pragma once
 
 #include "analysis/Method.h"
-#include "analysis/PixelArray.h"
 #include "analysis/PointRow.h"
-#include "analysis/Workers.h"
+#include "system/PixelArray.h"
+#include "system/Workers.h"
 
 #include <cstddef>
 #include <functional>

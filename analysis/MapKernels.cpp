@@ -1,6 +1,6 @@
 #include "analysis/MapKernels.h"
 
-#include "analysis/WideVectors.h"
+#include "system/WideVectors.h"
 
 #include <array>
 #include <cstring>

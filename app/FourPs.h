@@ -1,11 +1,11 @@
 #pragma once
 
+#include "analysis/LcfPoint.h"
 #include "analysis/MapCalculation.h"
 #include "analysis/Method.h"
 #include "analysis/PointRow.h"
 #include "analysis/ThicknessRatio.h"
 #include "display/Displays.h"
-#include "results/LcfPoint.h"
 #include "results/ThicknessGraph.h"
 #include "ui_FourPs.h"
 

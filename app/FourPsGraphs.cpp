@@ -1,12 +1,12 @@
 #include "app/FourPs.h"
 
 #include "display/DispABase.h"
-#include "input/NumberText.h"
 #include "results/FourPointGraph.h"
 #include "results/Histgram.h"
 #include "results/HistogramGraph.h"
 #include "results/LcfGraph.h"
 #include "results/MutsGraph.h"
+#include "text/NumberText.h"
 
 namespace
 {

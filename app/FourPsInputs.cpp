@@ -2,7 +2,7 @@
 
 #include "input/AEPoint.h"
 #include "input/AXafsData.h"
-#include "input/NumberText.h"
+#include "text/NumberText.h"
 
 PointRows FourPs::rows() const
 {

@@ -1,8 +1,8 @@
 #include "app/FourPs.h"
 
+#include "analysis/MapHistograms.h"
 #include "input/AEPoint.h"
 #include "results/Histgram.h"
-#include "results/MapHistograms.h"
 #include "results/ResultFile.h"
 
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #include "app/FourPs.h"
 
+#include "analysis/LinearCombinationFit.h"
 #include "input/AXafsData.h"
-#include "results/LinearCombinationFit.h"
 
 #include <QTextCursor>
 

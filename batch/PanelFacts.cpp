@@ -1,9 +1,9 @@
 #include "batch/PanelFacts.h"
 
+#include "analysis/LinearCombinationFit.h"
 #include "app/FourPs.h"
 #include "input/AEPoint.h"
-#include "input/NumberText.h"
-#include "results/LinearCombinationFit.h"
+#include "text/NumberText.h"
 
 #include <algorithm>
 #include <array>

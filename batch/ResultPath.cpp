@@ -1,6 +1,6 @@
 #include "batch/ResultPath.h"
 
-#include "results/HistogramCounts.h"
+#include "analysis/HistogramCounts.h"
 #include "system/SafeFile.h"
 
 #include <QFile>

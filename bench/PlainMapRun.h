@@ -1,7 +1,7 @@
 #pragma once
 
+#include "analysis/HistogramCounts.h"
 #include "analysis/PointRow.h"
-#include "results/HistogramCounts.h"
 #include "tests/support/PlainMapMethods.h"
 #include "tests/support/PlainMapReader.h"
 

@@ -1,8 +1,8 @@
+#include "analysis/MapHistograms.h"
 #include "bench/PairedTimes.h"
 #include "bench/PlainMapRun.h"
 #include "examples/MapSample.h"
 #include "input/MapReader.h"
-#include "results/MapHistograms.h"
 #include "results/ResultFile.h"
 
 #include <QDir>

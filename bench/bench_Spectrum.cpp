@@ -1,6 +1,6 @@
+#include "analysis/LinearCombinationFit.h"
 #include "bench/PairedTimes.h"
 #include "input/AXafsData.h"
-#include "results/LinearCombinationFit.h"
 #include "tests/support/LiteralFormulas.h"
 #include "tests/support/PlainReader.h"
 #include "tests/support/SpectrumFile.h"

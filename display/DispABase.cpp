@@ -2,7 +2,7 @@
 
 #include "display/Pixel.h"
 #include "display/PopBase.h"
-#include "input/NumberText.h"
+#include "text/NumberText.h"
 
 #include <cmath>
 

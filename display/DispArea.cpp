@@ -4,7 +4,7 @@
 #include "display/MarkLines.h"
 #include "display/Navigation.h"
 #include "display/Pixel.h"
-#include "input/NumberText.h"
+#include "text/NumberText.h"
 #include "ui_DispArea.h"
 
 #include <QMouseEvent>

@@ -1,6 +1,6 @@
 #include "display/MarkLine.h"
 
-#include "input/NumberText.h"
+#include "text/NumberText.h"
 
 #include <QLineEdit>
 

@@ -1,7 +1,7 @@
 #include "display/MarkLines.h"
 
 #include "display/MarkLine.h"
-#include "input/NumberText.h"
+#include "text/NumberText.h"
 
 #include <QLineEdit>
 

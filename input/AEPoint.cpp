@@ -1,7 +1,7 @@
 #include "input/AEPoint.h"
 
 #include "input/MapReader.h"
-#include "input/NumberText.h"
+#include "text/NumberText.h"
 
 #include <QFileInfo>
 

@@ -1,7 +1,7 @@
 #include "input/MapLines.h"
 
-#include "input/NumberText.h"
 #include "text/LineTokens.h"
+#include "text/NumberText.h"
 #include "text/TextBytes.h"
 
 #include <array>

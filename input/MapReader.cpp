@@ -1,8 +1,8 @@
 #include "input/MapReader.h"
 
-#include "analysis/AvailableMemory.h"
 #include "input/MapAssembly.h"
 #include "input/MapLines.h"
+#include "system/AvailableMemory.h"
 #include "system/InputFile.h"
 #include "system/OrderedHandOver.h"
 #include "text/LineReader.h"

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "analysis/Workers.h"
 #include "input/MapData.h"
 #include "system/ReadOutcome.h"
+#include "system/Workers.h"
 
 #include <QString>
 #include <QStringList>

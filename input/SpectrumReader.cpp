@@ -1,10 +1,10 @@
 #include "input/SpectrumReader.h"
 
-#include "analysis/AvailableMemory.h"
-#include "input/NumberText.h"
+#include "system/AvailableMemory.h"
 #include "system/InputFile.h"
 #include "text/LineReader.h"
 #include "text/LineTokens.h"
+#include "text/NumberText.h"
 #include "text/TextBytes.h"
 
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "results/Histgram.h"
 
-#include "input/NumberText.h"
+#include "text/NumberText.h"
 
 #include <QAbstractButton>
 #include <QLineEdit>

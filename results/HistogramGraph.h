@@ -1,7 +1,7 @@
 #pragma once
 
+#include "analysis/HistogramCounts.h"
 #include "results/GraphFrame.h"
-#include "results/HistogramCounts.h"
 
 /// "Histgram of a": counts of valences.
 void drawValenceHistogram(DispABase* panel, QPainter* painter, const AxisTitles& titles,

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "analysis/LcfPoint.h"
 #include "results/GraphFrame.h"
-#include "results/LcfPoint.h"
 
 /// "LCF vs 4PS": valence of the point methods against that of the linear combination fit, one dot
 /// for each fit, the newest one circled.

@@ -1,9 +1,9 @@
 #include "results/ResultFile.h"
 
 #include "analysis/PointRow.h"
-#include "results/NumberField.h"
 #include "system/OrderedHandOver.h"
 #include "system/SafeFile.h"
+#include "text/NumberField.h"
 
 #include <algorithm>
 

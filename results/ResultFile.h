@@ -1,11 +1,11 @@
 #pragma once
 
 #include "analysis/MapCalculation.h"
-#include "analysis/Workers.h"
 #include "system/SafeFile.h"
+#include "system/Workers.h"
 
-#include <QString>
 #include <QByteArrayList>
+#include <QString>
 #include <functional>
 
 /// Writes the results of a map as text: the header lines and an empty line, then for each row of

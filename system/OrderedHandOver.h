@@ -1,6 +1,6 @@
 #pragma once
 
-#include "analysis/Workers.h"
+#include "system/Workers.h"
 
 #include <atomic>
 #include <condition_variable>

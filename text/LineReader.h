@@ -1,7 +1,7 @@
 #pragma once
 
-#include "analysis/PixelArray.h"
 #include "system/ByteSource.h"
+#include "system/PixelArray.h"
 
 #include <cstddef>
 #include <cstdint>

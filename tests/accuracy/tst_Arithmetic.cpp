@@ -1,13 +1,13 @@
 #include "analysis/FourPoint.h"
+#include "analysis/LinearCombinationFit.h"
 #include "analysis/ThicknessRatio.h"
 #include "analysis/ThreePoint.h"
 #include "examples/MixedSampleFiles.h"
 #include "input/AXafsData.h"
-#include "input/NumberText.h"
-#include "results/LinearCombinationFit.h"
 #include "tests/accuracy/DigitTable.h"
 #include "tests/accuracy/RandomSpectra.h"
 #include "tests/accuracy/SixtyDigits.h"
+#include "text/NumberText.h"
 
 #include <QFile>
 #include <QRegularExpression>

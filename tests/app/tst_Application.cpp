@@ -1,6 +1,6 @@
+#include "analysis/LinearCombinationFit.h"
 #include "app/Application.h"
 #include "app/Body.h"
-#include "results/LinearCombinationFit.h"
 #include "tests/support/FailingMemory.h"
 #include "tests/support/LoadedPanel.h"
 #include "tests/support/PanelActions.h"

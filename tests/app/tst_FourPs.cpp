@@ -1,7 +1,7 @@
 #include "display/DispABase.h"
-#include "input/NumberText.h"
 #include "tests/support/CanvasActions.h"
 #include "tests/support/PanelActions.h"
+#include "text/NumberText.h"
 
 #include <QButtonGroup>
 #include <QFile>

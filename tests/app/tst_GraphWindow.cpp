@@ -1,9 +1,9 @@
 #include "display/PopBase.h"
 #include "input/AXafsData.h"
-#include "input/NumberText.h"
 #include "tests/support/Exact.h"
 #include "tests/support/LoadedPanel.h"
 #include "tests/support/PanelActions.h"
+#include "text/NumberText.h"
 
 #include <QtTest>
 

@@ -1,10 +1,10 @@
 #include "app/Body.h"
-#include "input/NumberText.h"
 #include "tests/support/AddressLimit.h"
 #include "tests/support/Exact.h"
 #include "tests/support/PanelActions.h"
 #include "tests/support/PlainMapMethods.h"
 #include "tests/support/SpectrumFile.h"
+#include "text/NumberText.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "analysis/HistogramCounts.h"
 #include "display/ChCoord.h"
-#include "results/HistogramCounts.h"
 
 #include <QPainter>
 

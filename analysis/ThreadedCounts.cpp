@@ -1,4 +1,4 @@
-#include "results/ThreadedCounts.h"
+#include "analysis/ThreadedCounts.h"
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "input/NumberText.h"
+#include "text/NumberText.h"
 
 #include "text/TextBytes.h"
 

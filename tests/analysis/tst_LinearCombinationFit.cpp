@@ -1,4 +1,4 @@
-#include "results/LinearCombinationFit.h"
+#include "analysis/LinearCombinationFit.h"
 
 #include "input/AXafsData.h"
 #include "tests/support/Exact.h"

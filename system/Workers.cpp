@@ -1,4 +1,4 @@
-#include "analysis/Workers.h"
+#include "system/Workers.h"
 
 #include <algorithm>
 #include <system_error>

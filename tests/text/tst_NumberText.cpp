@@ -1,7 +1,7 @@
-#include "input/NumberText.h"
 #include "tests/support/CommaLocale.h"
 #include "tests/support/Exact.h"
 #include "tests/support/Random.h"
+#include "text/NumberText.h"
 
 #include <QtTest>
 

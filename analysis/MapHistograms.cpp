@@ -1,8 +1,8 @@
-#include "results/MapHistograms.h"
+#include "analysis/MapHistograms.h"
 
-#include "analysis/AvailableMemory.h"
 #include "analysis/MapKernels.h"
-#include "results/ThreadedCounts.h"
+#include "analysis/ThreadedCounts.h"
+#include "system/AvailableMemory.h"
 
 #include <vector>
 

@@ -1,5 +1,5 @@
-#include "analysis/PixelArray.h"
-#include "analysis/Workers.h"
+#include "system/PixelArray.h"
+#include "system/Workers.h"
 
 #include <QtTest>
 

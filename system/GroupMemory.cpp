@@ -1,4 +1,4 @@
-#include "analysis/GroupMemory.h"
+#include "system/GroupMemory.h"
 
 #include <algorithm>
 #include <fstream>

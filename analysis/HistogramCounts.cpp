@@ -1,8 +1,8 @@
-#include "results/HistogramCounts.h"
+#include "analysis/HistogramCounts.h"
 
-#include "analysis/WideVectors.h"
-#include "results/NumberField.h"
 #include "system/SafeFile.h"
+#include "system/WideVectors.h"
+#include "text/NumberField.h"
 
 #include <QDir>
 #include <QFileInfo>

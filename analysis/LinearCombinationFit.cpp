@@ -1,4 +1,4 @@
-#include "results/LinearCombinationFit.h"
+#include "analysis/LinearCombinationFit.h"
 
 #include "analysis/LinearSolver.h"
 #include "analysis/NormalizedSpectrum.h"

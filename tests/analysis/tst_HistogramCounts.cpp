@@ -1,4 +1,4 @@
-#include "results/HistogramCounts.h"
+#include "analysis/HistogramCounts.h"
 #include "tests/support/Random.h"
 
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "analysis/PixelArray.h"
+#include "system/PixelArray.h"
 
 #include <sys/mman.h>
 

@@ -1,4 +1,4 @@
-#include "results/MapHistograms.h"
+#include "analysis/MapHistograms.h"
 #include "tests/support/AddressLimit.h"
 #include "tests/support/Exact.h"
 #include "tests/support/FailingMemory.h"

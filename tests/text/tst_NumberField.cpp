@@ -1,5 +1,5 @@
-#include "results/NumberField.h"
 #include "tests/support/Random.h"
+#include "text/NumberField.h"
 
 #include <QtTest>
 

@@ -1,5 +1,5 @@
-#include "analysis/AvailableMemory.h"
-#include "analysis/GroupMemory.h"
+#include "system/AvailableMemory.h"
+#include "system/GroupMemory.h"
 #include "tests/support/AddressLimit.h"
 
 #include <QDir>

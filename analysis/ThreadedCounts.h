@@ -1,6 +1,6 @@
 #pragma once
 
-#include "results/HistogramCounts.h"
+#include "analysis/HistogramCounts.h"
 
 #include <mutex>
 #include <vector>

@@ -1,6 +1,6 @@
-#include "results/NumberField.h"
+#include "text/NumberField.h"
 
-#include "input/NumberText.h"
+#include "text/NumberText.h"
 
 #include <QtEndian>
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "analysis/HistogramCounts.h"
 #include "analysis/MapCalculation.h"
-#include "results/HistogramCounts.h"
 
 /// The histograms of a map and what is typed for them.
 struct MapHistograms {

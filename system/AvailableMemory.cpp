@@ -1,6 +1,6 @@
-#include "analysis/AvailableMemory.h"
+#include "system/AvailableMemory.h"
 
-#include "analysis/GroupMemory.h"
+#include "system/GroupMemory.h"
 
 #include <algorithm>
 #include <fstream>
