@@ -1,14 +1,9 @@
 #include "analysis/HistogramCounts.h"
 
-#include "system/SafeFile.h"
 #include "system/WideVectors.h"
-#include "text/NumberField.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdint>
 #include <limits>
 
@@ -17,9 +12,6 @@ namespace
 
 /// A canvas has a few thousand columns; ten million bins cost 40 megabytes.
 constexpr double maxBoxes = 1e7;
-
-/// Three numbers, a count and blanks.
-constexpr std::size_t longestLine = 4 * longestNumber + 8;
 
 constexpr double beyondInt = 2147483648.0;
 
@@ -147,40 +139,4 @@ void HistogramCounts::merge(const HistogramCounts& part)
     }
     under += part.under;
     over += part.over;
-}
-
-QString HistogramCounts::fileBeside(const QString& resultPath, const QString& tag)
-{
-    const QFileInfo result(resultPath);
-    const QString directory = QDir(result.path()).canonicalPath();
-    if (directory.isEmpty())
-        return {};
-    const QString name =
-        result.completeBaseName() + QLatin1Char('_') + tag + QLatin1Char('.') + result.suffix();
-    const QFileInfo file(directory + QLatin1Char('/') + name);
-    return file.isFile() ? file.canonicalFilePath() : QString();
-}
-
-bool HistogramCounts::writeFile(const QString& resultPath, const QString& tag) const
-{
-    SafeFile file(fileBeside(resultPath, tag));
-    if (!file.open())
-        return false;
-    const int bins = static_cast<int>(counts.size());
-    std::array<char, longestLine> line{};
-    for (int i = -1; i <= bins; ++i) {
-        const int count = i < 0 ? under : i == bins ? over : counts[static_cast<std::size_t>(i)];
-        char* end = writeNumber(i * width + from, line.data());
-        *end++ = ' ';
-        end = writeNumber((i + 0.5) * width + from, end);
-        *end++ = ' ';
-        end = writeNumber((i + 1) * width + from, end);
-        *end++ = ' ';
-        *end++ = ' ';
-        end = std::to_chars(end, line.data() + line.size(), count).ptr;
-        *end++ = '\n';
-        if (!file.write(line.data(), end - line.data()))
-            return false;
-    }
-    return file.commit();
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QString>
 #include <cstddef>
 #include <vector>
 
@@ -44,16 +43,6 @@ public:
     void add(const double* values, std::size_t count);
     /// Adds the counts of a histogram that was reset with the same settings.
     void merge(const HistogramCounts& part);
-
-    /// Writes lower edge, centre, upper edge and count of each bin, preceded by the values below
-    /// and followed by those above, into fileBeside(); it is replaced when the new one is whole.
-    /// @return whether the file is there, could be opened and was written
-    bool writeFile(const QString& resultPath, const QString& tag) const;
-
-    /// The histogram's file in canonical form: for "dir/res.dat" and the tag "HGAlpha" it is
-    /// "dir/res_HGAlpha.dat". Empty where there is none yet: a histogram is written only where the
-    /// file exists already. Something else of that name, as a pipe, is not one.
-    static QString fileBeside(const QString& resultPath, const QString& tag);
 
 private:
     void addSome(const double* values, std::size_t count);

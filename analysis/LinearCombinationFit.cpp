@@ -2,7 +2,6 @@
 
 #include "analysis/LinearSolver.h"
 #include "analysis/NormalizedSpectrum.h"
-#include "input/AXafsData.h"
 
 #include <cstddef>
 #include <utility>
@@ -19,7 +18,7 @@ struct Samples {
     SpectrumPoints points;  ///< of the target
 };
 
-Samples sample(const AXafsData& ref1, const AXafsData& ref2, const AXafsData& target,
+Samples sample(const FittedSpectrum& ref1, const FittedSpectrum& ref2, const FittedSpectrum& target,
                const LcfRange& range)
 {
     const NormalizedSpectrum normalized1(ref1.points, ref1.preVic, ref1.postVic);
@@ -78,12 +77,25 @@ std::optional<LcfRange> lcfRange(const PointRows& rows)
     return range;
 }
 
-LinearCombination fitLinearCombination(const AXafsData& ref1, const AXafsData& ref2,
-                                       const AXafsData& target, const LcfRange& range)
+LinearCombination fitLinearCombination(const FittedSpectrum& ref1, const FittedSpectrum& ref2,
+                                       const FittedSpectrum& target, const LcfRange& range)
 {
     Samples samples = sample(ref1, ref2, target, range);
     const Vector<3> p = solve(samples);
     for (std::size_t k = 0; k < samples.points.size(); ++k)
         samples.points[k].mut = p[0] * samples.x1[k] + p[1] * samples.x2[k] + p[2];
     return {p[0], p[1], p[2], std::move(samples.points)};
+}
+
+std::variant<LinearCombination, RunRefusal> lcfResult(const AnalysisInput& input)
+{
+    const std::optional<LcfRange> range = lcfRange(input.table);
+    if (!range)
+        return RunRefusal{Refusal::NoFitRange, 0};
+    const FittedSpectrum none;
+    const auto spectrum = [&](SpectrumSet::Index i) -> const FittedSpectrum& {
+        return input.spectra[i] != nullptr ? *input.spectra[i] : none;
+    };
+    return fitLinearCombination(spectrum(SpectrumSet::Ref1), spectrum(SpectrumSet::Ref2),
+                                spectrum(SpectrumSet::Target), *range);
 }

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "analysis/PointRow.h"
-#include "analysis/Spectrum.h"
+#include "analysis/TargetResult.h"
 
 #include <optional>
-
-class AXafsData;
+#include <variant>
 
 /// Energies between which spectra are fitted (eV, ends included).
 struct LcfRange {
@@ -30,9 +28,9 @@ struct LinearCombination {
     double share1() const { return p1 / (p1 + p2); }
     double share2() const { return p2 / (p1 + p2); }
     /// Mean valence from the valences of the two references.
-    double valence(double valence1, double valence2) const
+    double valence(const ReferenceValences& valences) const
     {
-        return valence1 * p1 / (p1 + p2) + valence2 * p2 / (p1 + p2);
+        return valences.ref1 * p1 / (p1 + p2) + valences.ref2 * p2 / (p1 + p2);
     }
 };
 
@@ -40,5 +38,9 @@ struct LinearCombination {
 /// the target's points in the range. The weights are free: p1 + p2 need not be 1. Where a reference
 /// does not reach an energy it counts as 0 there.
 /// @return not-a-number or infinities where points are missing or the references are alike
-LinearCombination fitLinearCombination(const AXafsData& ref1, const AXafsData& ref2,
-                                       const AXafsData& target, const LcfRange& range);
+LinearCombination fitLinearCombination(const FittedSpectrum& ref1, const FittedSpectrum& ref2,
+                                       const FittedSpectrum& target, const LcfRange& range);
+
+/// The fit over the range that the table marks, or the reason against it. A spectrum that is
+/// missing has no points.
+std::variant<LinearCombination, RunRefusal> lcfResult(const AnalysisInput& input);

@@ -160,8 +160,8 @@ bool mapFits(int columns, int rows, std::size_t measured, const MapResults& earl
     return count <= there || count <= availableMemory() / (2 * sizeof(double));
 }
 
-bool calculateMap(const MapTask& task, MapResults& results, const MapBlockSink& sink,
-                  Workers& workers)
+bool calculatePixels(const MapTask& task, MapResults& results, const MapBlockSink& sink,
+                     Workers& workers)
 {
     const std::size_t count = pixelCount(task.columns, task.rows);
     const std::size_t measured = task.positions ? task.positions->size() : 0;

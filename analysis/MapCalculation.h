@@ -77,5 +77,5 @@ std::size_t mapBytes(int columns, int rows, const MapResults& earlier);
 /// for any number of threads, bit by bit.
 /// @return false, and the results as they were, where the grid does not fit in memory; they also
 /// are where memory for the calculation itself is refused, with an exception
-bool calculateMap(const MapTask& task, MapResults& results, const MapBlockSink& sink = {},
-                  Workers& workers = Workers::shared());
+bool calculatePixels(const MapTask& task, MapResults& results, const MapBlockSink& sink = {},
+                     Workers& workers = Workers::shared());

@@ -1,5 +1,27 @@
 #include "analysis/Method.h"
 
+namespace
+{
+
+RunDecision decideRun(const PointChoice& choice, const SpectrumSet& spectra, bool targetNeeded,
+                      const Conditions& conditions)
+{
+    const auto refused = [&](Refusal reason) { return RunRefusal{reason, choice.count}; };
+    if (!choice.hasVPoint())
+        return refused(Refusal::NoVPoint);
+    if (!spectra.isValid(SpectrumSet::Ref1))
+        return refused(Refusal::Ref1NotValid);
+    if (!spectra.isValid(SpectrumSet::Ref2))
+        return refused(Refusal::Ref2NotValid);
+    if (targetNeeded && !spectra.isValid(SpectrumSet::Target))
+        return refused(Refusal::TargetNotValid);
+    if (const auto method = chooseMethod(choice.count, conditions.exact, conditions.leastSquares))
+        return *method;
+    return refused(Refusal::RowCount);
+}
+
+} // namespace
+
 std::optional<Method> chooseMethod(int rowsInUse, bool exactChosen, bool leastSquaresChosen)
 {
     if (rowsInUse == 3)
@@ -11,23 +33,14 @@ std::optional<Method> chooseMethod(int rowsInUse, bool exactChosen, bool leastSq
     return std::nullopt;
 }
 
-RunDecision decideTargetRun(const PointChoice& choice, const RunInputs& inputs)
+RunDecision decideTargetRun(const PointChoice& choice, const SpectrumSet& spectra,
+                            const Conditions& conditions)
 {
-    if (!choice.hasVPoint())
-        return {std::nullopt, Refusal::NoVPoint};
-    if (!inputs.ref1Valid)
-        return {std::nullopt, Refusal::Ref1NotValid};
-    if (!inputs.ref2Valid)
-        return {std::nullopt, Refusal::Ref2NotValid};
-    if (!inputs.targetValid)
-        return {std::nullopt, Refusal::TargetNotValid};
-    return {chooseMethod(choice.count, inputs.exactChosen, inputs.leastSquaresChosen),
-            Refusal::RowCount};
+    return decideRun(choice, spectra, true, conditions);
 }
 
-RunDecision decideMapRun(const PointChoice& choice, const RunInputs& inputs)
+RunDecision decideMapRun(const PointChoice& choice, const SpectrumSet& spectra,
+                         const Conditions& conditions)
 {
-    RunInputs withoutTarget = inputs;
-    withoutTarget.targetValid = true;
-    return decideTargetRun(choice, withoutTarget);
+    return decideRun(choice, spectra, false, conditions);
 }

@@ -2,9 +2,7 @@
 
 #include "analysis/LcfPoint.h"
 #include "analysis/MapCalculation.h"
-#include "analysis/Method.h"
-#include "analysis/PointRow.h"
-#include "analysis/ThicknessRatio.h"
+#include "analysis/TargetResult.h"
 #include "display/Displays.h"
 #include "results/ThicknessGraph.h"
 #include "ui_FourPs.h"
@@ -22,7 +20,6 @@ class Histgram;
 class MarkLine;
 class MarkLines;
 class MouseC;
-enum class MapOutcome;
 struct MutsContent;
 class QButtonGroup;
 class QStylePainter;
@@ -127,8 +124,11 @@ private:
     // Inputs.
     PointRows rows() const;
     EdgeBounds edgeBounds() const;
-    double valence1() const;
-    double valence2() const;
+    SpectrumSet spectra() const;
+    ReferenceValences valences() const;
+    Conditions conditions() const;
+    ThicknessType thicknessType() const;
+    AnalysisInput input() const;
     QLineEdit* mutField(AEPoint* point, int select) const;
     void refreshMut(AEPoint* point, int select, double energy);
     void refreshColumn(int select);
@@ -138,17 +138,6 @@ private:
     MutsContent mutsContent() const;
     MapPoints mapPoints() const;
     double rhoNow() const;
-
-    // Calculation.
-    RunInputs runInputs() const;
-    void refuseRun(Refusal refusal, int rowCount, const QString& noVPoint);
-    double thicknessRatio(const PointRows& table);
-    ThicknessType thicknessType() const;
-    double calcThreePoint(const PointRows& table, const PointChoice& choice, QString& text);
-    double calcFourPoint(const PointRows& table, const PointChoice& choice, Method method,
-                         QString& text);
-    void calcPixels(Method method);
-    bool refuseMap(MapOutcome outcome);
 
     std::unique_ptr<QButtonGroup> trGroup;
     std::vector<std::unique_ptr<AXafsData>> dispData; ///< parallel to the items of SelectedFs
@@ -166,6 +155,6 @@ private:
     ThicknessRatios m_ratios{};
     double m_lastA = 0.0;
     double m_lastValence = 0.0;
-    std::unique_ptr<AXafsData> lcfFit;   ///< curve of the last fit
-    std::vector<LCFvs4PSPoint> lcfVs4ps; ///< oldest first
+    std::unique_ptr<FittedSpectrum> lcfFit; ///< curve of the last fit
+    std::vector<LCFvs4PSPoint> lcfVs4ps;    ///< oldest first
 };

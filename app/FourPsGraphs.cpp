@@ -31,7 +31,7 @@ void FourPs::clearLCFvs4PS(MouseC* mouse)
 
 void FourPs::draw(Displays::DispId id, DispABase* panel, QStylePainter* painter)
 {
-    const ReferenceValences valences{valence1(), valence2()};
+    const ReferenceValences typed = valences();
     switch (id) {
     case Displays::DispRef1:
     case Displays::DispRef2:
@@ -40,17 +40,16 @@ void FourPs::draw(Displays::DispId id, DispABase* panel, QStylePainter* painter)
     case Displays::DispMuts:
         return drawMutsGraph(panel, painter, {tr("Eng.[eV]"), tr("mut")}, mutsContent());
     case Displays::DispLCFvs4PS:
-        return drawLcfGraph(panel, painter, {tr("LCF"), tr("4ps")}, lcfVs4ps, valences);
+        return drawLcfGraph(panel, painter, {tr("LCF"), tr("4ps")}, lcfVs4ps, typed);
     case Displays::DispHistA:
         return drawValenceHistogram(panel, painter, {valenceCaption, tr("Num.")}, *histA,
-                                    typedEnds(HgAFrom, HgATo), valences);
+                                    typedEnds(HgAFrom, HgATo), typed);
     case Displays::DispHistT:
         return drawThicknessHistogram(panel, painter, {tr("Thick."), tr("Num.")}, *histT,
                                       typedEnds(HgTFrom, HgTTo));
     case Displays::DispTA:
         return m_thicknessGraph.draw(panel, painter, {valenceCaption, tr("Thick.")}, mapPoints(),
-                                     valences, typedEnds(HgAFrom, HgATo),
-                                     typedEnds(HgTFrom, HgTTo));
+                                     typed, typedEnds(HgAFrom, HgATo), typedEnds(HgTFrom, HgTTo));
     case Displays::DispM2M3:
         return drawFourPointGraph(panel, painter, {tr("M2"), tr("M3")}, rows(), rhoNow());
     }
@@ -59,8 +58,7 @@ void FourPs::draw(Displays::DispId id, DispABase* panel, QStylePainter* painter)
 // A repaint tells nothing in the message pane, so the figures are formed without their report.
 double FourPs::rhoNow() const
 {
-    return thicknessRatios(rows(), RefFile1->edgeJump(), RefFile2->edgeJump())
-        .selected(thicknessType());
+    return thicknessRatios(input()).selected(thicknessType());
 }
 
 MapPoints FourPs::mapPoints() const

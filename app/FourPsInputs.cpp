@@ -4,24 +4,6 @@
 #include "input/AXafsData.h"
 #include "text/NumberText.h"
 
-PointRows FourPs::rows() const
-{
-    PointRows result;
-    for (const AEPoint* point : ePoints)
-        result.push_back(point->row());
-    return result;
-}
-
-double FourPs::valence1() const
-{
-    return numberFromText(Valence1->text());
-}
-
-double FourPs::valence2() const
-{
-    return numberFromText(Valence2->text());
-}
-
 void FourPs::repaintDisplays()
 {
     displays->update();

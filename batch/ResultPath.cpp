@@ -1,6 +1,6 @@
 #include "batch/ResultPath.h"
 
-#include "analysis/HistogramCounts.h"
+#include "results/HistogramFile.h"
 #include "system/SafeFile.h"
 
 #include <QFile>
@@ -72,8 +72,9 @@ std::optional<JobError> checkResultPath(const Job& job, const QString& jobPath)
     const std::vector<ReadFile> files = filesReadBy(job, jobPath);
     if (const QString lost = lostBy(path, files); !lost.isEmpty())
         return wrong(QStringLiteral("map_result would be written over %1: %2").arg(lost, path));
-    for (const QString& tag : {QStringLiteral("HGAlpha"), QStringLiteral("HGThick")}) {
-        const QString beside = HistogramCounts::fileBeside(path, tag);
+    for (const QString& tag :
+         {QString::fromLatin1(valenceHistogramTag), QString::fromLatin1(thicknessHistogramTag)}) {
+        const QString beside = histogramFile(path, tag);
         if (const QString lost = lostBy(beside, files); !lost.isEmpty())
             return wrong(
                 QStringLiteral("the histogram file beside map_result would be written over %1: %2")

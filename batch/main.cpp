@@ -1,11 +1,10 @@
-#include "app/FourPs.h"
-#include "batch/PanelDriver.h"
-#include "batch/PanelFacts.h"
+#include "batch/JobFacts.h"
+#include "batch/JobRun.h"
 #include "batch/ResultPath.h"
 #include "system/Signals.h"
 
-#include <QApplication>
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QTextStream>
 
 #include <exception>
@@ -60,11 +59,11 @@ int analyse(const QString& path)
         return complain(errorText(path, error));
     if (const std::optional<JobError> wrong = checkResultPath(*job, path))
         return complain(errorText(path, *wrong));
-    FourPs panel;
-    if (const std::optional<JobError> unreadable = applyJob(*job, panel))
-        return complain(errorText(path, *unreadable));
-    warn(path, doubtsBefore(factsOf(*job, panel)));
-    return report(path, *job, runJob(*job, panel));
+    const std::optional<JobData> data = readJobData(*job, error);
+    if (!data)
+        return complain(errorText(path, error));
+    warn(path, doubtsBefore(factsOf(*job, *data)));
+    return report(path, *job, runJob(*job, *data));
 }
 
 int run()
@@ -78,7 +77,7 @@ int run()
     const QCommandLineOption version = parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("JOB.toml"),
                                  QStringLiteral("Spectra, points and conditions."));
-    if (!parser.parse(QApplication::arguments()))
+    if (!parser.parse(QCoreApplication::arguments()))
         return complain(parser.errorText());
     if (parser.isSet(help))
         parser.showHelp(Done);
@@ -92,14 +91,13 @@ int run()
 
 } // namespace
 
-/// Runs a job in the panel of the main program, without a window and in English.
+/// Runs a job without a window, in English.
 int main(int argc, char* argv[])
 {
     reportFailedWrites();
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("drovik-batch"));
-    QApplication::setApplicationVersion(QStringLiteral(DROVIK_VERSION));
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("drovik-batch"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(DROVIK_VERSION));
     try {
         return run();
     } catch (const std::bad_alloc&) {

@@ -1,4 +1,4 @@
-#include "analysis/MapHistograms.h"
+#include "analysis/MapRun.h"
 #include "bench/PairedTimes.h"
 #include "bench/PlainMapRun.h"
 #include "examples/MapSample.h"
@@ -192,7 +192,7 @@ void writeResults(benchmark::State& state)
         QFile::remove(plainPath);
         times.run(
             state,
-            [&] { writeResultFile(path, program.data[2].header, program.results, 2.0, 3.0); },
+            [&] { writeResultFile(path, program.data[2].header, program.results, {2.0, 3.0}); },
             [&] { run.write(plainPath); });
     }
     times.report(state);
@@ -240,7 +240,7 @@ void writeAgain(ProgramMaps& maps, int side, Workers& workers)
 {
     const QString path = QDir(folderOf(side)).filePath(QStringLiteral("result.dat"));
     QFile::remove(path); // overwriting would wait for the disk
-    writeResultFile(path, maps.data[2].header, maps.results, 2.0, 3.0, {}, workers);
+    writeResultFile(path, maps.data[2].header, maps.results, {2.0, 3.0}, {}, workers);
 }
 
 constexpr int pairs = 15;

@@ -3,7 +3,7 @@
 #include "display/DispABase.h"
 #include "display/Pixel.h"
 #include "display/PlotLines.h"
-#include "input/AXafsData.h"
+#include "analysis/FittedSpectrum.h"
 
 #include <cmath>
 
@@ -47,7 +47,7 @@ void drawCurve(const ChCoord& coord, QPainter* painter, const QColor& color,
     lines.draw(painter, color);
 }
 
-void drawCurves(const ChCoord& coord, QPainter* painter, const AXafsData& data)
+void drawCurves(const ChCoord& coord, QPainter* painter, const FittedSpectrum& data)
 {
     drawCurve(coord, painter, Qt::black, data.points,
               [](const SpectrumPoint& point) { return point.mut; });
@@ -58,7 +58,7 @@ void drawCurves(const ChCoord& coord, QPainter* painter, const AXafsData& data)
 }
 
 // In the top right corner of the plot area, the second text under the first.
-void putEdgeJumps(const ChCoord& coord, QPainter* painter, const AXafsData& data,
+void putEdgeJumps(const ChCoord& coord, QPainter* painter, const FittedSpectrum& data,
                   const PreviewCaptions& captions)
 {
     const int h = truncToInt((coord.py1 - coord.py0) / coord.labelDivisions);
@@ -76,7 +76,7 @@ void putEdgeJumps(const ChCoord& coord, QPainter* painter, const AXafsData& data
 
 } // namespace
 
-void drawSpectrumPreview(DispABase* panel, QPainter* painter, const AXafsData* data,
+void drawSpectrumPreview(DispABase* panel, QPainter* painter, const FittedSpectrum* data,
                          const PreviewCaptions& captions)
 {
     ChCoord& coord = panel->DispA->coord;

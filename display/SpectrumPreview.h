@@ -2,7 +2,7 @@
 
 #include <QString>
 
-class AXafsData;
+struct FittedSpectrum;
 class DispABase;
 class QPainter;
 
@@ -17,5 +17,5 @@ struct PreviewCaptions {
 /// Draws a spectrum in a panel: its points joined in file order, the ends of the fit ranges, the
 /// edge, both Victreen lines and the edge jumps.
 /// @param data  null, or without points, for an empty panel
-void drawSpectrumPreview(DispABase* panel, QPainter* painter, const AXafsData* data,
+void drawSpectrumPreview(DispABase* panel, QPainter* painter, const FittedSpectrum* data,
                          const PreviewCaptions& captions);

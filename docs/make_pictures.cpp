@@ -1,6 +1,7 @@
 #include "app/Body.h"
 #include "app/FourPs.h"
-#include "batch/PanelDriver.h"
+#include "app/PanelSettings.h"
+#include "batch/JobSettings.h"
 #include "display/PopBase.h"
 
 #include <QApplication>
@@ -86,17 +87,28 @@ bool savePicture(const QString& what, Body& body, const QString& path)
     return position >= 0 && saveGraph(body.panel(), position, path);
 }
 
-/// Runs a job in the panel; false, with the reason on the standard error, where it cannot be used.
+void press(const Job& job, const FourPs& panel)
+{
+    if (job.calculateMap)
+        panel.CalcMapB->click();
+    if (job.calculateTarget)
+        panel.CalcTargetB->click();
+    if (job.calculateLcf)
+        panel.LCFB->click();
+}
+
+/// Makes a job's settings in the panel and presses its buttons; false, with the reason on the
+/// standard error, where the job cannot be used.
 bool load(const QString& path, FourPs* panel)
 {
     JobError error;
     const std::optional<Job> job = readJob(path, error);
-    std::optional<JobError> refusal = job ? applyJob(*job, *panel) : error;
-    if (refusal) {
-        std::fprintf(stderr, "%s\n", qPrintable(errorText(path, *refusal)));
+    if (!job) {
+        std::fprintf(stderr, "%s\n", qPrintable(errorText(path, error)));
         return false;
     }
-    runJob(*job, *panel);
+    applySettings(settingsOf(*job), filesOf(*job), *panel);
+    press(*job, *panel);
     return true;
 }
 

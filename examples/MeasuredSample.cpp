@@ -1,44 +1,27 @@
 #include "examples/MeasuredSample.h"
 
-#include "app/FourPs.h"
-#include "batch/PanelDriver.h"
+#include "batch/JobData.h"
 #include "examples/MixedSampleFiles.h"
 
 #include <QDir>
-#include <QRegularExpression>
 
-#include <limits>
-
-namespace
+Measuring exampleConditions()
 {
-
-double numberAfter(const QString& text, const QString& name)
-{
-    const QRegularExpression pattern(name + QStringLiteral(" = ([^,]+)"));
-    bool isNumber = false;
-    const double value = pattern.match(text).captured(1).toDouble(&isNumber);
-    return isNumber ? value : std::numeric_limits<double>::quiet_NaN();
-}
-
-} // namespace
-
-Conditions exampleConditions()
-{
-    Conditions conditions = defaultConditions();
+    Measuring conditions = defaultConditions();
     conditions.job.thickness = ThicknessType::SumBySum;
     conditions.job.referencesMinusVictreen = false;
     return conditions;
 }
 
-Conditions defaultConditions()
+Measuring defaultConditions()
 {
-    Conditions conditions;
+    Measuring conditions;
     conditions.job.calculateLcf = false;
     return conditions;
 }
 
-std::optional<Found> measure(Conditions conditions, const MixedSample& sample,
-                             const QString& folder, std::optional<std::uint_fast64_t> seed)
+std::optional<Found> measure(Measuring conditions, const MixedSample& sample, const QString& folder,
+                             std::optional<std::uint_fast64_t> seed)
 {
     if (!writeSample(folder, sample, seed).isEmpty())
         return std::nullopt;
@@ -51,12 +34,13 @@ std::optional<Found> measure(Conditions conditions, const MixedSample& sample,
     name(Job::Target, Measurement::Target);
     if (conditions.blankNamed)
         name(Job::Blank, Measurement::Blank);
-    FourPs panel;
-    if (applyJob(job, panel))
+    JobError error;
+    const std::optional<JobData> data = readJobData(job, error);
+    if (!data)
         return std::nullopt;
-    const RunReport report = runJob(job, panel);
-    if (report.refused)
+    const auto outcome = targetResult(data->input);
+    const auto* const result = std::get_if<TargetResult>(&outcome);
+    if (result == nullptr)
         return std::nullopt;
-    return Found{numberAfter(report.calcRes, QStringLiteral("a")),
-                 numberAfter(report.calcRes, QStringLiteral("t/ts"))};
+    return Found{result->a, result->thickness};
 }

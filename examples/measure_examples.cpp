@@ -1,7 +1,7 @@
 #include "examples/ErrorBudget.h"
 #include "examples/MeasuredSample.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QTemporaryDir>
 #include <QTextStream>
 
@@ -16,7 +16,7 @@ constexpr int noisySamples = 200;
 
 struct Named {
     const char* name;
-    Conditions conditions;
+    Measuring conditions;
 };
 
 std::vector<JobPoint> rows(std::initializer_list<const char*> normalization)
@@ -32,9 +32,9 @@ std::vector<JobPoint> rows(std::initializer_list<const char*> normalization)
     return result;
 }
 
-Conditions sixRows()
+Measuring sixRows()
 {
-    Conditions conditions = exampleConditions();
+    Measuring conditions = exampleConditions();
     conditions.job.points = rows({"8313", "8381", "8404.5", "8460", "8475"});
     return conditions;
 }
@@ -180,7 +180,7 @@ void printNoise(QTextStream& out, const QString& folder)
 int main(int argc, char* argv[])
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication application(argc, argv);
+    QCoreApplication application(argc, argv);
     QTemporaryDir folder;
     if (!folder.isValid())
         return 1;

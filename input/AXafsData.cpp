@@ -9,14 +9,6 @@
 namespace
 {
 
-void widen(double value, double& min, double& max)
-{
-    if (value < min)
-        min = value;
-    if (value > max)
-        max = value;
-}
-
 /// Why a file was not taken; empty for one that was read and for one that cannot be opened, of
 /// which nothing is said.
 QString refusalText(ReadOutcome outcome, const QString& path)
@@ -39,37 +31,9 @@ bool AXafsData::read(const QString& path)
         qDebug() << "Can't open a XAFS file" << path;
     if (outcome != ReadOutcome::Read)
         return false;
-    clear();
     fileName = path;
-    points = std::move(found);
-    if (points.empty())
-        return false;
-    for (const SpectrumPoint& point : points) {
-        widen(point.angle, angleMin, angleMax);
-        widen(point.energy, energyMin, energyMax);
-        widen(point.mut, mutMin, mutMax);
-    }
-    valid = true;
+    setPoints(std::move(found));
+    valid = !points.empty();
     fitVictreens();
-    return true;
-}
-
-void AXafsData::clear()
-{
-    valid = false;
-    points.clear();
-    angleMin = energyMin = mutMin = 1e300;
-    angleMax = energyMax = mutMax = -1e300;
-}
-
-void AXafsData::fitVictreens()
-{
-    if (points.empty())
-        return;
-    const VictreenFit pre = fitVictreenBelow(points, preEdgeEnd);
-    const VictreenFit post = fitVictreenAbove(points, postEdgeStart);
-    preVicNoC = pre.noC;
-    preVic = pre.full;
-    postVicNoC = post.noC;
-    postVic = post.full;
+    return valid;
 }

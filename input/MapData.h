@@ -1,6 +1,6 @@
 #pragma once
 
-#include "analysis/MapCalculation.h"
+#include "analysis/MapRun.h"
 
 #include <QByteArrayList>
 
@@ -19,4 +19,5 @@ struct MapData {
     SharedPositions positions; ///< of each record [mut.size()]; null without records
 
     MapImage image() const { return {mut.data(), mut.size(), columns}; }
+    MapSource source() const { return {valid, image(), columns, rows, positions}; }
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/TargetResult.h"
 #include "results/GridLines.h"
 
 #include <QString>
@@ -11,12 +12,6 @@ class QPainter;
 struct AxisTitles {
     QString x;
     QString y;
-};
-
-/// Valences of the two references as they are typed.
-struct ReferenceValences {
-    double ref1;
-    double ref2;
 };
 
 /// Ends of an axis in data units, as they are typed.

@@ -2,6 +2,8 @@
 
 #include "analysis/HistogramCounts.h"
 
+#include "results/HistogramFile.h"
+
 #include <QObject>
 
 class QAbstractButton;
@@ -20,6 +22,11 @@ public:
 
     Histgram(QLineEdit* fromField, QLineEdit* toField, QLineEdit* boxesField,
              QAbstractButton* automatic);
+
+    bool writeFile(const QString& resultPath, const QString& tag) const
+    {
+        return writeHistogramFile(*this, resultPath, tag);
+    }
 
     /// What is typed now.
     HistogramSettings settings() const;

@@ -3,7 +3,7 @@
 #include "display/CColors.h"
 #include "display/DispABase.h"
 #include "display/PlotLines.h"
-#include "input/AXafsData.h"
+#include "analysis/FittedSpectrum.h"
 
 #include <QPen>
 
@@ -29,7 +29,7 @@ constexpr int usedWidth = 3;
 constexpr double roomAround = 0.05;
 constexpr std::size_t blankIndex = 3;
 
-bool hasPoints(const AXafsData* data)
+bool hasPoints(const FittedSpectrum* data)
 {
     return data && !data->points.empty();
 }
@@ -40,7 +40,7 @@ bool isBetween(double energy, const AxisEnds& energies)
            energy <= std::max(energies.from, energies.to);
 }
 
-Curve fitCurve(const AXafsData& fit)
+Curve fitCurve(const FittedSpectrum& fit)
 {
     Curve curve;
     curve.reserve(fit.points.size());
@@ -57,11 +57,11 @@ struct MutsCurves {
 
     explicit MutsCurves(const MutsContent& content)
     {
-        for (const AXafsData* data : content.selected)
+        for (const FittedSpectrum* data : content.selected)
             selected.push_back(curveOf(data, content.normalization));
         if (selected.size() > blankIndex && !hasEdge(selected[blankIndex], content))
             selected[blankIndex].clear();
-        for (const AXafsData* data : content.displayOnly)
+        for (const FittedSpectrum* data : content.displayOnly)
             displayOnly.push_back(curveOf(data, content.normalization));
         if (hasPoints(content.fit))
             fit = fitCurve(*content.fit);
@@ -80,7 +80,7 @@ struct MutsCurves {
     }
 
 private:
-    static Curve curveOf(const AXafsData* data, Normalization normalization)
+    static Curve curveOf(const FittedSpectrum* data, Normalization normalization)
     {
         return hasPoints(data) ? normalizedCurve(*data, normalization) : Curve();
     }
@@ -148,7 +148,7 @@ bool MutsContent::isEmpty() const
            std::none_of(displayOnly.begin(), displayOnly.end(), hasPoints);
 }
 
-std::vector<QPointF> normalizedCurve(const AXafsData& data, Normalization normalization)
+std::vector<QPointF> normalizedCurve(const FittedSpectrum& data, Normalization normalization)
 {
     const double jump = data.edgeJump();
     Curve curve;

@@ -6,7 +6,7 @@
 #include <QPoint>
 #include <QPointF>
 
-class AXafsData;
+struct FittedSpectrum;
 
 /// How a spectrum is brought to the scale from 0, below the edge, to 1, above it.
 enum class Normalization {
@@ -23,17 +23,17 @@ struct MutsContent {
     PointRows rows; ///< the energy points
     /// Ref 1, Ref 2, target and blank, in this order; null where there is no spectrum. A blank
     /// without an edge is not drawn.
-    std::vector<const AXafsData*> selected;
-    std::vector<const AXafsData*> displayOnly;
+    std::vector<const FittedSpectrum*> selected;
+    std::vector<const FittedSpectrum*> displayOnly;
     int chosen = -1;                ///< of displayOnly, drawn wider
-    const AXafsData* fit = nullptr; ///< curve of the linear combination fit, normalized already
+    const FittedSpectrum* fit = nullptr; ///< curve of the linear combination fit, normalized already
 
     AxisEnds energies() const { return {edge + preEndOffset, edge + postStartOffset}; }
     bool isEmpty() const;
 };
 
 /// The normalized points of a spectrum (eV, no unit) in file order.
-std::vector<QPointF> normalizedCurve(const AXafsData& data, Normalization normalization);
+std::vector<QPointF> normalizedCurve(const FittedSpectrum& data, Normalization normalization);
 
 /// True for a normalized curve that looks like an edge in the energies shown: within half a jump of
 /// 0 well below the edge, between -1 and 3 from there on. A blank mostly has none; divided by the

@@ -1,6 +1,5 @@
 #include "results/ResultFile.h"
 
-#include "analysis/PointRow.h"
 #include "system/OrderedHandOver.h"
 #include "system/SafeFile.h"
 #include "text/NumberField.h"
@@ -35,11 +34,11 @@ char* writePixel(const MapPosition& position, double a, double valence, double t
 }
 
 /// The results as text, in blocks that follow one another.
-class ResultText
+class MapText
 {
 public:
-    ResultText(const MapResults& results, double valence1, double valence2)
-        : m_results(results), m_valence1(valence1), m_valence2(valence2)
+    MapText(const MapResults& results, const ReferenceValences& valences)
+        : m_results(results), m_valences(valences)
     {
         if (results.columns > 0 && results.rows > 0)
             m_pixels =
@@ -61,8 +60,7 @@ public:
         for (std::size_t i = first; i < last; ++i) {
             const double a = i < m_results.size() ? m_results.a[i] : 0.0;
             const double t = i < m_results.size() ? m_results.t[i] : 0.0;
-            out = writePixel(m_results.position(i), a, meanValence(m_valence1, m_valence2, a), t,
-                             out);
+            out = writePixel(m_results.position(i), a, m_valences.mean(a), t, out);
             if (i + 1 == rowEnd) {
                 *out++ = '\n';
                 rowEnd += columns;
@@ -73,8 +71,7 @@ public:
 
 private:
     const MapResults& m_results;
-    double m_valence1;
-    double m_valence2;
+    ReferenceValences m_valences;
     std::size_t m_pixels = 0;
 };
 
@@ -87,14 +84,14 @@ QByteArray headerText(const QByteArrayList& header)
 } // namespace
 
 WriteOutcome writeResultFile(const QString& path, const QByteArrayList& header,
-                             const MapResults& results, double valence1, double valence2,
+                             const MapResults& results, const ReferenceValences& valences,
                              const std::function<void(double part)>& progress, Workers& workers)
 {
     SafeFile file(path);
     if (!file.open())
         return WriteOutcome::CannotOpen;
     const QByteArray head = headerText(header);
-    const ResultText text(results, valence1, valence2);
+    const MapText text(results, valences);
     using Buffer = PixelArray<char>;
     const auto write = [&](const Buffer& buffer) {
         return file.write(buffer.data(), static_cast<qint64>(buffer.size()));

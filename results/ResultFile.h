@@ -1,6 +1,7 @@
 #pragma once
 
 #include "analysis/MapCalculation.h"
+#include "analysis/TargetResult.h"
 #include "system/SafeFile.h"
 #include "system/Workers.h"
 
@@ -12,9 +13,8 @@
 /// the grid a line for each pixel (positions, a, valence, t) and an empty line. Pixels without
 /// result are written with zeros. An existing file is replaced when the new one is whole.
 /// @param header              without line ends; written byte by byte
-/// @param valence1, valence2  of Ref 1 and Ref 2
 /// @param progress            gets the part of the work done so far, 0 to 1, in the asking thread
 WriteOutcome writeResultFile(const QString& path, const QByteArrayList& header,
-                             const MapResults& results, double valence1, double valence2,
+                             const MapResults& results, const ReferenceValences& valences,
                              const std::function<void(double part)>& progress = {},
                              Workers& workers = Workers::shared());

@@ -1,7 +1,9 @@
 #include "text/NumberText.h"
 
+#include "text/NumberField.h"
 #include "text/TextBytes.h"
 
+#include <array>
 #include <charconv>
 #include <optional>
 #include <system_error>
@@ -36,6 +38,12 @@ double numberFromText(const QString& text)
 QString textFromNumber(double value)
 {
     return QString::number(value, 'g', 6);
+}
+
+double sixDigits(double value)
+{
+    std::array<char, longestNumber> text{};
+    return numberFromToken(text.data(), writeNumber(value, text.data()));
 }
 
 double numberFromToken(const char* first, const char* last)

@@ -9,6 +9,9 @@ double numberFromText(const QString& text);
 /// The one way from number to text: general format, six significant digits.
 QString textFromNumber(double value);
 
+/// What is left of a number that was written and read again: six significant digits.
+double sixDigits(double value);
+
 /// As numberFromText for a token of UTF-8, without building a string where it is a plain decimal
 /// number. Equal to numberFromText() of its text on every input.
 double numberFromToken(const char* first, const char* last);

@@ -61,19 +61,6 @@ void compare(const HistogramCounts& left, const HistogramCounts& right)
     QCOMPARE(left.over, right.over);
 }
 
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
-}
-
-void create(const QString& path)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("old contents that are much longer than what replaces them");
-}
-
 } // namespace
 
 class tst_HistogramCounts : public QObject
@@ -94,11 +81,6 @@ private slots:
     void resetStartsFromZero();
     void mergeAddsUp();
     void manyAtOnceEqualOneByOne();
-    void fileOnlyWhereItExists();
-    void fileLineByLine();
-    void fileNames_data();
-    void fileNames();
-    void fileThroughALink();
 };
 
 void tst_HistogramCounts::settingsAreCentres()
@@ -307,73 +289,6 @@ void tst_HistogramCounts::manyAtOnceEqualOneByOne()
         QCOMPARE(one.under, plain.under);
         QCOMPARE(one.over, plain.over);
     }
-}
-
-void tst_HistogramCounts::fileOnlyWhereItExists()
-{
-    const QTemporaryDir dir;
-    const QString result = dir.filePath(QStringLiteral("res.dat"));
-    create(result);
-    const HistogramCounts counts = histogram(1.5, 3.5, 41);
-    QVERIFY(!counts.writeFile(result, QStringLiteral("HGAlpha")));
-    QVERIFY(!QFile::exists(dir.filePath(QStringLiteral("res_HGAlpha.dat"))));
-    create(dir.filePath(QStringLiteral("res_HGAlpha.dat")));
-    QVERIFY(counts.writeFile(result, QStringLiteral("HGAlpha")));
-    const QByteArray text = contents(dir.filePath(QStringLiteral("res_HGAlpha.dat")));
-    QCOMPARE(text.count('\n'), 43);
-    QVERIFY(!counts.writeFile(result, QStringLiteral("HGThick")));
-    QVERIFY(!counts.writeFile(QStringLiteral("/nowhere/res.dat"), QStringLiteral("HGAlpha")));
-    QVERIFY(!counts.writeFile(QString(), QStringLiteral("HGAlpha")));
-}
-
-void tst_HistogramCounts::fileLineByLine()
-{
-    const QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("res_HGThick.dat"));
-    create(path);
-    HistogramCounts counts = histogram(0, 100000, 3);
-    for (const double value : {0.0, 100000.0, 100000.0, -1e6, 1e6})
-        counts.add(value);
-    QVERIFY(counts.writeFile(dir.filePath(QStringLiteral("res.dat")), QStringLiteral("HGThick")));
-    QCOMPARE(contents(path), QByteArray("-75000 -50000 -25000  1\n"
-                                        "-25000 0 25000  1\n"
-                                        "25000 50000 75000  0\n"
-                                        "75000 100000 125000  2\n"
-                                        "125000 150000 175000  1\n"));
-}
-
-void tst_HistogramCounts::fileNames_data()
-{
-    QTest::addColumn<QString>("result");
-    QTest::addColumn<QString>("histogramFile");
-    QTest::newRow("suffix") << QStringLiteral("res.dat") << QStringLiteral("res_HGAlpha.dat");
-    QTest::newRow("two suffixes") << QStringLiteral("a.b.c") << QStringLiteral("a.b_HGAlpha.c");
-    QTest::newRow("no suffix") << QStringLiteral("res") << QStringLiteral("res_HGAlpha.");
-    QTest::newRow("only a suffix") << QStringLiteral(".dat") << QStringLiteral("_HGAlpha.dat");
-    QTest::newRow("blanks") << QStringLiteral("my map.txt") << QStringLiteral("my map_HGAlpha.txt");
-}
-
-void tst_HistogramCounts::fileNames()
-{
-    QFETCH(QString, result);
-    QFETCH(QString, histogramFile);
-    const QTemporaryDir dir;
-    create(dir.filePath(histogramFile));
-    const HistogramCounts counts = histogram(0, 1, 2);
-    QVERIFY(counts.writeFile(dir.filePath(result), QStringLiteral("HGAlpha")));
-    QCOMPARE(contents(dir.filePath(histogramFile)).count('\n'), 4);
-}
-
-void tst_HistogramCounts::fileThroughALink()
-{
-    const QTemporaryDir dir;
-    QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("elsewhere")));
-    const QString target = dir.filePath(QStringLiteral("elsewhere/target"));
-    create(target);
-    QVERIFY(QFile::link(target, dir.filePath(QStringLiteral("res_HGAlpha.dat"))));
-    QVERIFY(histogram(0, 1, 2).writeFile(dir.filePath(QStringLiteral("elsewhere/../res.dat")),
-                                         QStringLiteral("HGAlpha")));
-    QCOMPARE(contents(target).count('\n'), 4);
 }
 
 QTEST_GUILESS_MAIN(tst_HistogramCounts)

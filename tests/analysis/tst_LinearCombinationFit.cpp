@@ -1,6 +1,6 @@
 #include "analysis/LinearCombinationFit.h"
 
-#include "input/AXafsData.h"
+#include "analysis/FittedSpectrum.h"
 #include "tests/support/Exact.h"
 #include "tests/support/LiteralFormulas.h"
 #include "tests/support/Random.h"
@@ -17,9 +17,9 @@ namespace
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 /// A spectrum whose lines are 0 and 1, so that its normalized values are its mu-t.
-AXafsData unit(const SpectrumPoints& points)
+FittedSpectrum unit(const SpectrumPoints& points)
 {
-    AXafsData data;
+    FittedSpectrum data;
     data.points = points;
     data.preVic = {0, 0, 0};
     data.postVic = {1, 0, 0};
@@ -57,14 +57,14 @@ formulas::Victreen literal(const VictreenLine& line)
     return {line.c, line.a, line.b, 0, 0};
 }
 
-formulas::Spectrum literal(const AXafsData& data)
+formulas::Spectrum literal(const FittedSpectrum& data)
 {
     return {data.points, literal(data.preVic), literal(data.postVic)};
 }
 
-AXafsData randomSpectrum(Random& random)
+FittedSpectrum randomSpectrum(Random& random)
 {
-    AXafsData data;
+    FittedSpectrum data;
     data.points.resize(static_cast<std::size_t>(random.below(60)));
     for (SpectrumPoint& point : data.points)
         point = {random.uniform(5, 20), random.uniform(7000, 7300), random.uniform(-1, 3)};
@@ -153,7 +153,7 @@ void tst_LinearCombinationFit::mixtureByHand()
     QVERIFY(close(fit.p3, 0.5));
     QVERIFY(close(fit.share1(), 0.4));
     QVERIFY(close(fit.share2(), 0.6));
-    QVERIFY(close(fit.valence(2, 3), 2.6));
+    QVERIFY(close(fit.valence({2, 3}), 2.6));
 }
 
 void tst_LinearCombinationFit::curveFollowsTheTargetsPoints()
@@ -176,7 +176,7 @@ void tst_LinearCombinationFit::curveFollowsTheTargetsPoints()
 // Lines of 1 and 5: the normalized target is (mu-t - 1) / 4.
 void tst_LinearCombinationFit::targetIsNormalizedAtItsOwnPoints()
 {
-    AXafsData target = unit(mixture());
+    FittedSpectrum target = unit(mixture());
     target.preVic = {1, 0, 0};
     target.postVic = {5, 0, 0};
     const LinearCombination fit =
@@ -247,7 +247,7 @@ void tst_LinearCombinationFit::realisticMixtureComesBack()
         return std::exp(-(energy - centre) * (energy - centre) / 200);
     };
     const auto made = [&](double thickness, double share1, double offset) {
-        AXafsData data;
+        FittedSpectrum data;
         const auto pre = spectra::victreen(offset, 0.02, 0.003);
         const auto post = spectra::victreen(offset + thickness, 0.02, 0.003);
         data.points = spectra::sampled(spectra::grid(6900, 7800, 2), [&](double e) {
@@ -264,20 +264,20 @@ void tst_LinearCombinationFit::realisticMixtureComesBack()
     QVERIFY(std::abs(fit.p1 - 1.0 / 3) < 1e-6);
     QVERIFY(std::abs(fit.p2 - 2.0 / 3) < 1e-6);
     QVERIFY(std::abs(fit.p3) < 1e-6);
-    QVERIFY(std::abs(fit.valence(2, 3) - (3 - 1.0 / 3)) < 1e-6);
+    QVERIFY(std::abs(fit.valence({2, 3}) - (3 - 1.0 / 3)) < 1e-6);
 }
 
 void tst_LinearCombinationFit::missingDataGiveNotANumber()
 {
-    const AXafsData none;
-    const AXafsData some = unit(points1);
-    const AXafsData target = unit(mixture());
+    const FittedSpectrum none;
+    const FittedSpectrum some = unit(points1);
+    const FittedSpectrum target = unit(mixture());
     for (const LinearCombination& fit :
          {fitLinearCombination(none, none, none, {10, 40}),
           fitLinearCombination(some, some, none, {10, 40}),
           fitLinearCombination(some, unit(points2), target, {50, 60})}) {
         QVERIFY(std::isnan(fit.p1) && std::isnan(fit.p2) && std::isnan(fit.p3));
-        QVERIFY(std::isnan(fit.share1()) && std::isnan(fit.valence(2, 3)));
+        QVERIFY(std::isnan(fit.share1()) && std::isnan(fit.valence({2, 3})));
         QVERIFY(fit.curve.empty());
     }
     // Without a reference the target's points still count.
@@ -299,10 +299,10 @@ void tst_LinearCombinationFit::sharesAndValence()
     const LinearCombination fit{0.75, 0.25, 9, {}};
     COMPARE_EXACT(fit.share1(), 0.75);
     COMPARE_EXACT(fit.share2(), 0.25);
-    COMPARE_EXACT(fit.valence(2, 4), 2.5);
+    COMPARE_EXACT(fit.valence({2, 4}), 2.5);
     const LinearCombination unscaled{1, 3, 0, {}};
     COMPARE_EXACT(unscaled.share1(), 0.25);
-    COMPARE_EXACT(unscaled.valence(2, 4), 3.5);
+    COMPARE_EXACT(unscaled.valence({2, 4}), 3.5);
 }
 
 void tst_LinearCombinationFit::sumOfZeroHasNoShares()
@@ -310,19 +310,19 @@ void tst_LinearCombinationFit::sumOfZeroHasNoShares()
     const LinearCombination opposite{1, -1, 0, {}};
     COMPARE_EXACT(opposite.share1(), std::numeric_limits<double>::infinity());
     COMPARE_EXACT(opposite.share2(), -std::numeric_limits<double>::infinity());
-    QVERIFY(std::isnan(opposite.valence(2, 3)));
+    QVERIFY(std::isnan(opposite.valence({2, 3})));
     const LinearCombination nothing{0, 0, 0, {}};
     QVERIFY(std::isnan(nothing.share1()));
-    QVERIFY(std::isnan(nothing.valence(2, 3)));
+    QVERIFY(std::isnan(nothing.valence({2, 3})));
 }
 
 void tst_LinearCombinationFit::agreesWithTheLiteralFormulas()
 {
     Random random;
     for (int run = 0; run < 4000; ++run) {
-        const AXafsData ref1 = randomSpectrum(random);
-        const AXafsData ref2 = randomSpectrum(random);
-        const AXafsData target = randomSpectrum(random);
+        const FittedSpectrum ref1 = randomSpectrum(random);
+        const FittedSpectrum ref2 = randomSpectrum(random);
+        const FittedSpectrum target = randomSpectrum(random);
         const double min = random.uniform(6950, 7150);
         const double max = min + random.uniform(0, 250);
         const LinearCombination fit = fitLinearCombination(ref1, ref2, target, {min, max});
@@ -333,7 +333,7 @@ void tst_LinearCombinationFit::agreesWithTheLiteralFormulas()
         COMPARE_EXACT(fit.p3, expected.p3);
         COMPARE_EXACT(fit.share1(), expected.a);
         COMPARE_EXACT(fit.share2(), expected.rest);
-        COMPARE_EXACT(fit.valence(2, 3), expected.valence);
+        COMPARE_EXACT(fit.valence({2, 3}), expected.valence);
         QCOMPARE(fit.curve.size(), expected.curve.size());
         for (std::size_t k = 0; k < fit.curve.size(); ++k) {
             COMPARE_EXACT(fit.curve[k].angle, expected.curve[k].angle);

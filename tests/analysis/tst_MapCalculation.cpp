@@ -244,7 +244,7 @@ void tst_MapCalculation::pixelsAreTargets()
     const Case test =
         regularCase(static_cast<Method>(method), static_cast<std::size_t>(rows), 13, 7);
     MapResults results;
-    QVERIFY(calculateMap(test.task(), results));
+    QVERIFY(calculatePixels(test.task(), results));
     const PointChoice choice = choosePoints(test.points);
     const VPointFraction fraction = vPointFraction(test.points, choice, test.rho);
     for (std::size_t i = 0; i < results.size(); ++i) {
@@ -271,7 +271,7 @@ void tst_MapCalculation::missingPixelsAreMinusOne()
     Case test = regularCase(Method::ThreePoint, 3, 4, 3);
     test.images[1].mut.resize(5);
     MapResults results;
-    QVERIFY(calculateMap(test.task(), results));
+    QVERIFY(calculatePixels(test.task(), results));
     QCOMPARE(difference(test, results), QString());
     // Pixel 5 is the first one that the second image does not have: its value is -1.
     const ThreePoint method(test.points, choosePoints(test.points));
@@ -285,7 +285,7 @@ void tst_MapCalculation::imagesOfOtherColumns()
     test.images[0].columns = 2;
     test.images[0].mut = {10.5, 11.5, 12.5, 13.5};
     MapResults results;
-    QVERIFY(calculateMap(test.task(), results));
+    QVERIFY(calculatePixels(test.task(), results));
     // Column 2 of row 0 has index 0 * 2 + 2 in the narrow image, column 0 of row 1 index 2 as well;
     // column 2 of row 1 would be the fifth of its four pixels.
     const ThreePoint method(test.points, choosePoints(test.points));
@@ -303,7 +303,7 @@ void tst_MapCalculation::rowsWithoutData()
         Case test = regularCase(method, 4, 3, 2);
         test.images[0] = plain::Image();
         MapResults results;
-        QVERIFY(calculateMap(test.task(), results));
+        QVERIFY(calculatePixels(test.task(), results));
         QCOMPARE(difference(test, results), QString());
     }
 }
@@ -314,7 +314,7 @@ void tst_MapCalculation::unusedRowsDoNotCount()
     test.points[1].use = false;
     test.points[4].use = false;
     MapResults results;
-    QVERIFY(calculateMap(test.task(), results));
+    QVERIFY(calculatePixels(test.task(), results));
     QCOMPARE(difference(test, results), QString());
     test.points.erase(test.points.begin() + 4);
     test.images.erase(test.images.begin() + 4);
@@ -327,7 +327,7 @@ void tst_MapCalculation::blankOfMapValuesStays()
 {
     Case test = regularCase(Method::ThreePoint, 3, 1, 1);
     MapResults without;
-    QVERIFY(calculateMap(test.task(), without));
+    QVERIFY(calculatePixels(test.task(), without));
     // A blank that shifts each reference and is added to them again leaves all as it was, unless
     // the map's own values lost it too.
     for (std::size_t i = 0; i < 3; ++i) {
@@ -337,7 +337,7 @@ void tst_MapCalculation::blankOfMapValuesStays()
         test.points[i].mutBlank = blank;
     }
     MapResults with;
-    QVERIFY(calculateMap(test.task(), with));
+    QVERIFY(calculatePixels(test.task(), with));
     QVERIFY(std::abs(with.a[0] - without.a[0]) < 1e-12);
     QVERIFY(std::abs(with.t[0] - without.t[0]) < 1e-12);
 }
@@ -358,7 +358,7 @@ void tst_MapCalculation::tooFewNormalizationPoints()
     Case test = regularCase(static_cast<Method>(method), static_cast<std::size_t>(rows), 2, 2);
     test.points[1].vPoint = true; // the last one counts, and a normalization point is missing
     MapResults results;
-    QVERIFY(calculateMap(test.task(), results));
+    QVERIFY(calculatePixels(test.task(), results));
     QCOMPARE(results.size(), std::size_t{4});
     for (std::size_t i = 0; i < results.size(); ++i)
         QVERIFY(std::isnan(results.a[i]) && std::isnan(results.t[i]));
@@ -372,7 +372,7 @@ void tst_MapCalculation::positionsOfTheVPoint()
         positions->append(&position, 1);
     test.positions = positions;
     MapResults results;
-    QVERIFY(calculateMap(test.task(), results));
+    QVERIFY(calculatePixels(test.task(), results));
     QCOMPARE(results.position(0).first, 1.0);
     QCOMPARE(results.position(2).second, 6.0);
     QCOMPARE(results.position(3).first, 0.0); // outside the image
@@ -395,11 +395,11 @@ void tst_MapCalculation::emptyGrid()
     QFETCH(int, columns);
     QFETCH(int, rows);
     MapResults results;
-    QVERIFY(calculateMap(regularCase(Method::ThreePoint, 3, 2, 2).task(), results));
+    QVERIFY(calculatePixels(regularCase(Method::ThreePoint, 3, 2, 2).task(), results));
     MapTask task = regularCase(Method::ThreePoint, 3, 2, 2).task();
     task.columns = columns;
     task.rows = rows;
-    QVERIFY(calculateMap(task, results));
+    QVERIFY(calculatePixels(task, results));
     QCOMPARE(results.size(), std::size_t{0});
     QCOMPARE(results.columns, columns);
     QCOMPARE(results.rows, rows);
@@ -409,15 +409,16 @@ void tst_MapCalculation::hugeGridIsRefused()
 {
     const Case test = regularCase(Method::ThreePoint, 3, 2, 2);
     MapResults results;
-    QVERIFY(calculateMap(test.task(), results));
+    QVERIFY(calculatePixels(test.task(), results));
     MapTask task = test.task();
     task.columns = 2000000000;
     task.rows = 2000000000;
     QVERIFY(!mapFits(task.columns, task.rows, std::size_t{1} << 40, results));
     bool called = false;
-    QVERIFY(!calculateMap(task, results, [&](unsigned, const double*, const double*, std::size_t) {
-        called = true;
-    }));
+    QVERIFY(
+        !calculatePixels(task, results, [&](unsigned, const double*, const double*, std::size_t) {
+            called = true;
+        }));
     QVERIFY(!called);
     QCOMPARE(results.columns, 2);
     QCOMPARE(difference(test, results), QString());
@@ -453,20 +454,20 @@ void tst_MapCalculation::memoryIsKeptOrGivenBack()
 {
     const Case large = regularCase(Method::ThreePoint, 3, 100, 100);
     MapResults results;
-    QVERIFY(calculateMap(large.task(), results));
+    QVERIFY(calculatePixels(large.task(), results));
     const double* a = results.a.data();
     const double* t = results.t.data();
     const Case half = regularCase(Method::ThreePoint, 3, 100, 50);
-    QVERIFY(calculateMap(half.task(), results));
+    QVERIFY(calculatePixels(half.task(), results));
     QCOMPARE(static_cast<const double*>(results.a.data()), a); // the same place is used again
     QCOMPARE(static_cast<const double*>(results.t.data()), t);
     QCOMPARE(difference(half, results), QString());
     const Case small = regularCase(Method::ThreePoint, 3, 10, 10);
-    QVERIFY(calculateMap(small.task(), results));
+    QVERIFY(calculatePixels(small.task(), results));
     QVERIFY(results.a.capacity() < 5000); // what is much too large goes back to the system
     QVERIFY(results.t.capacity() < 5000);
     QCOMPARE(difference(small, results), QString());
-    QVERIFY(calculateMap(large.task(), results));
+    QVERIFY(calculatePixels(large.task(), results));
     QCOMPARE(difference(large, results), QString());
 }
 
@@ -486,7 +487,7 @@ void tst_MapCalculation::energiesOfZero()
     test.points.push_back(row(8390.0, 0.9, 0.4, true));
     test.images.push_back({{0.75}, 1});
     MapResults results;
-    QVERIFY(calculateMap(test.task(), results));
+    QVERIFY(calculatePixels(test.task(), results));
     QVERIFY2(std::abs(results.t[0] - 1.0) < 1e-12, qPrintable(QString::number(results.t[0])));
     QCOMPARE(difference(test, results), QString());
 }
@@ -500,10 +501,10 @@ void tst_MapCalculation::measuredPixelsAllowAGrid()
     auto positions = std::make_shared<MapPositions>();
     task.positions = positions;
     MapResults results;
-    QVERIFY(!calculateMap(task, results));
+    QVERIFY(!calculatePixels(task, results));
     QVERIFY(positions->resize(4096 * 1025 / 16));
     std::fill(positions->begin(), positions->end(), MapPosition{});
-    QVERIFY(calculateMap(task, results));
+    QVERIFY(calculatePixels(task, results));
     QCOMPARE(results.size(), std::size_t{4096} * 1025);
 }
 
@@ -513,7 +514,7 @@ void tst_MapCalculation::sinkSeesEveryPixelOnce()
     MapResults results;
     Workers workers(3);
     std::vector<std::vector<std::size_t>> seen(workers.size());
-    QVERIFY(calculateMap(
+    QVERIFY(calculatePixels(
         test.task(), results,
         [&](unsigned worker, const double* a, const double* t, std::size_t count) {
             const auto first = static_cast<std::size_t>(a - results.a.data());
@@ -544,7 +545,7 @@ void tst_MapCalculation::sameForAnyNumberOfThreads()
     for (const unsigned threads : {1U, 2U, 3U, 8U}) {
         Workers workers(threads);
         MapResults results;
-        QVERIFY(calculateMap(test.task(), results, {}, workers));
+        QVERIFY(calculatePixels(test.task(), results, {}, workers));
         QCOMPARE(difference(test, results), QString());
     }
 }
@@ -563,7 +564,7 @@ void tst_MapCalculation::equalsThePlainFormulas()
         const int columns = 1 + static_cast<int>(random() % 40);
         const int rows = 1 + static_cast<int>(random() % (random() % 30 == 0 ? 300 : 20));
         const Case test = randomCase(random, columns, rows);
-        QVERIFY(calculateMap(test.task(), results, {}, *workers[random() % workers.size()]));
+        QVERIFY(calculatePixels(test.task(), results, {}, *workers[random() % workers.size()]));
         const QString differs = difference(test, results);
         QVERIFY2(differs.isEmpty(), qPrintable(differs));
         done += columns * rows;

@@ -93,7 +93,7 @@ QStringList untranslatedLines()
     static const QRegularExpression line(
         QStringLiteral("QStringLiteral\\(\"((The|There|Can't) [^\"]+)\"\\)"));
     QStringList found;
-    for (const char* const folder : {"app", "input"}) {
+    for (const char* const folder : {"app", "input", "results"}) {
         const QDir sources(docs + QStringLiteral("../") + QString::fromLatin1(folder));
         for (const QString& name : sources.entryList({QStringLiteral("*.cpp")}, QDir::Files)) {
             const QString text = readText(sources.filePath(name));

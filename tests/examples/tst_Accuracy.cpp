@@ -29,7 +29,7 @@ class tst_Accuracy : public QObject
 private:
     QTemporaryDir m_dir;
 
-    std::optional<Found> found(const Conditions& conditions, const MixedSample& sample,
+    std::optional<Found> found(const Measuring& conditions, const MixedSample& sample,
                                std::optional<std::uint_fast64_t> seed) const
     {
         return measure(conditions, sample, m_dir.path(), seed);
@@ -62,7 +62,7 @@ void tst_Accuracy::fourDigitsUnderTheJobsConditions()
     QFETCH(double, thickness2);
     const MixedSample sample = sampleOf(fraction, thickness1, thickness2, 1.0);
     for (const bool exact : {false, true}) {
-        Conditions conditions = exampleConditions();
+        Measuring conditions = exampleConditions();
         conditions.job.exactMethod = exact;
         const auto result = found(conditions, sample, std::nullopt);
         QVERIFY(result);
@@ -102,7 +102,7 @@ void tst_Accuracy::defaultsErrAsDerived()
 // Without a slope under the target the three points are exact as well.
 void tst_Accuracy::threePointsNeedAFlatBackground()
 {
-    Conditions conditions = exampleConditions();
+    Measuring conditions = exampleConditions();
     std::vector<JobPoint> points(3);
     points[0].energy = QStringLiteral("8313");
     points[1].energy = QStringLiteral("8381");

@@ -130,7 +130,7 @@ void tst_MapSample::mapGivesTheTruthBack()
     task.columns = data[2].columns;
     task.rows = data[2].rows;
     MapResults results;
-    QVERIFY(calculateMap(task, results));
+    QVERIFY(calculatePixels(task, results));
     for (int y = 0; y < 3; ++y) {
         for (int x = 0; x < 5; ++x) {
             const auto k = static_cast<std::size_t>(5 * y + x);

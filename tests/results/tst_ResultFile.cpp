@@ -107,7 +107,7 @@ private:
 void tst_ResultFile::oneLine()
 {
     const MapResults results = resultsOf(1, 1, {{1, 2, 0.25, 0.8}});
-    QCOMPARE(writeResultFile(path(), {}, results, 2, 3), WriteOutcome::Written);
+    QCOMPARE(writeResultFile(path(), {}, results, {2, 3}), WriteOutcome::Written);
     QCOMPARE(contents(path()),
              QByteArray("          1          2          0.25       2.75        0.8\n\n"));
 }
@@ -116,7 +116,7 @@ void tst_ResultFile::blocksOfRows()
 {
     const MapResults results = resultsOf(
         2, 3, {{0, 0, 0, 1}, {1, 0, 0, 2}, {0, 1, 0, 3}, {1, 1, 0, 4}, {0, 2, 0, 5}, {1, 2, 0, 6}});
-    QCOMPARE(writeResultFile(path(), {}, results, 2, 3), WriteOutcome::Written);
+    QCOMPARE(writeResultFile(path(), {}, results, {2, 3}), WriteOutcome::Written);
     const QByteArray line = "          %1          %2             0          3          %3\n";
     QByteArray expected;
     int t = 0;
@@ -134,7 +134,7 @@ void tst_ResultFile::blocksOfRows()
 void tst_ResultFile::pixelsWithoutResult()
 {
     const MapResults results = resultsOf(2, 1, {{5, 6, 1, 0.5}});
-    QCOMPARE(writeResultFile(path(), {}, results, 2, 3), WriteOutcome::Written);
+    QCOMPARE(writeResultFile(path(), {}, results, {2, 3}), WriteOutcome::Written);
     QCOMPARE(contents(path()),
              QByteArray("          5          6             1          2        0.5\n"
                         "          0          0             0          3          0\n\n"));
@@ -146,7 +146,7 @@ void tst_ResultFile::oddNumbers()
                                          {{-0.0, 1234565, infinity, notANumber},
                                           {-0.000123456789, 1e-300, notANumber, -infinity},
                                           {100000.5, 1e22, -0.0, -524288.5}});
-    QCOMPARE(writeResultFile(path(), {}, results, 2, 3), WriteOutcome::Written);
+    QCOMPARE(writeResultFile(path(), {}, results, {2, 3}), WriteOutcome::Written);
     QCOMPARE(contents(path()),
              QByteArray("          0 1.23457e+06           inf        nan        nan\n\n"
                         " -0.000123457     1e-300           nan        nan       -inf\n\n"
@@ -157,7 +157,7 @@ void tst_ResultFile::headerLines()
 {
     const MapResults results = resultsOf(1, 1, {{1, 2, 1, 1}});
     const QByteArrayList header{"# first", "  #\tsecond "};
-    QCOMPARE(writeResultFile(path(), header, results, 2, 3), WriteOutcome::Written);
+    QCOMPARE(writeResultFile(path(), header, results, {2, 3}), WriteOutcome::Written);
     QCOMPARE(contents(path()),
              QByteArray("# first\n  #\tsecond \n\n"
                         "          1          2             1          2          1\n\n"));
@@ -168,7 +168,7 @@ void tst_ResultFile::headerByteByByte()
 {
     const QByteArrayList header{"# \xCE\xBCt \xE9\x89\x84", "# \xA6\xCCt \xC5\xB4",
                                 "# \x83\xCAt \xFF", QByteArray("# a \0 byte", 10)};
-    writeResultFile(path(), header, resultsOf(0, 0, {}), 2, 3);
+    writeResultFile(path(), header, resultsOf(0, 0, {}), {2, 3});
     QCOMPARE(contents(path()), header.join('\n') + "\n\n");
 }
 
@@ -187,9 +187,9 @@ void tst_ResultFile::emptyMap()
     QFETCH(int, columns);
     QFETCH(int, rows);
     const MapResults results = resultsOf(columns, rows, {});
-    QCOMPARE(writeResultFile(path(), {"# h"}, results, 2, 3), WriteOutcome::Written);
+    QCOMPARE(writeResultFile(path(), {"# h"}, results, {2, 3}), WriteOutcome::Written);
     QCOMPARE(contents(path()), QByteArray("# h\n\n"));
-    QCOMPARE(writeResultFile(path(), {}, results, 2, 3), WriteOutcome::Written);
+    QCOMPARE(writeResultFile(path(), {}, results, {2, 3}), WriteOutcome::Written);
     QCOMPARE(contents(path()), QByteArray());
 }
 
@@ -197,17 +197,17 @@ void tst_ResultFile::overwrites()
 {
     const MapResults large = resultsOf(1, 2, {{1, 2, 1, 1}, {1, 2, 1, 1}});
     const MapResults small = resultsOf(1, 1, {{1, 2, 1, 1}});
-    writeResultFile(path(), {}, small, 2, 3);
+    writeResultFile(path(), {}, small, {2, 3});
     const QByteArray expected = contents(path());
-    writeResultFile(path(), {}, large, 2, 3);
-    writeResultFile(path(), {}, small, 2, 3);
+    writeResultFile(path(), {}, large, {2, 3});
+    writeResultFile(path(), {}, small, {2, 3});
     QCOMPARE(contents(path()), expected);
 }
 
 /// The writer is killed when it has shown some progress: the earlier results are whole.
 void tst_ResultFile::killedInTheMiddle()
 {
-    QVERIFY(writeResultFile(path(), {}, resultsOf(1, 1, {{1, 2, 1, 1}}), 2, 3) ==
+    QVERIFY(writeResultFile(path(), {}, resultsOf(1, 1, {{1, 2, 1, 1}}), {2, 3}) ==
             WriteOutcome::Written);
     const QByteArray earlier = contents(path());
     const MapResults results = resultsOf(300, 300, std::vector<Pixel>(90000, {1, 2, 1, 1}));
@@ -218,7 +218,7 @@ void tst_ResultFile::killedInTheMiddle()
             if (part > 0.5)
                 raise(SIGKILL);
         };
-        writeResultFile(path(), {}, results, 2, 3, die, one);
+        writeResultFile(path(), {}, results, {2, 3}, die, one);
         _exit(0);
     }
     int status = 0;
@@ -239,7 +239,7 @@ void tst_ResultFile::cannotOpen()
 {
     QFETCH(QString, path);
     const MapResults results = resultsOf(1, 1, {{1, 2, 1, 1}});
-    QCOMPARE(writeResultFile(path, {}, results, 2, 3), WriteOutcome::CannotOpen);
+    QCOMPARE(writeResultFile(path, {}, results, {2, 3}), WriteOutcome::CannotOpen);
 }
 
 void tst_ResultFile::fullDisk()
@@ -247,10 +247,10 @@ void tst_ResultFile::fullDisk()
     if (!QFile::exists(QStringLiteral("/dev/full")))
         QSKIP("no device that is always full");
     const MapResults results = resultsOf(1, 1, {{1, 2, 1, 1}});
-    QCOMPARE(writeResultFile(QStringLiteral("/dev/full"), {}, results, 2, 3),
+    QCOMPARE(writeResultFile(QStringLiteral("/dev/full"), {}, results, {2, 3}),
              WriteOutcome::CannotWrite);
     const std::vector<Pixel> many(100000, {1, 2, 1, 1});
-    QCOMPARE(writeResultFile(QStringLiteral("/dev/full"), {"#"}, resultsOf(1000, 100, many), 2, 3),
+    QCOMPARE(writeResultFile(QStringLiteral("/dev/full"), {"#"}, resultsOf(1000, 100, many), {2, 3}),
              WriteOutcome::CannotWrite);
 }
 
@@ -260,7 +260,7 @@ void tst_ResultFile::progressRisesToOne()
     std::vector<double> parts;
     Workers one(1);
     writeResultFile(
-        path(), {}, results, 2, 3, [&](double part) { parts.push_back(part); }, one);
+        path(), {}, results, {2, 3}, [&](double part) { parts.push_back(part); }, one);
     QVERIFY(parts.size() > 5);
     QVERIFY(std::is_sorted(parts.begin(), parts.end()));
     QCOMPARE(parts.back(), 1.0);
@@ -290,7 +290,7 @@ void tst_ResultFile::equalsThePlainText()
             const QByteArrayList header{"# h"};
             const double v1 = value();
             const double v2 = value();
-            QCOMPARE(writeResultFile(path(), header, results, v1, v2, {}, workers),
+            QCOMPARE(writeResultFile(path(), header, results, {v1, v2}, {}, workers),
                      WriteOutcome::Written);
             // No QCOMPARE: on failure it would print the megabytes.
             QVERIFY(contents(path()) == plainText(header, results, v1, v2));

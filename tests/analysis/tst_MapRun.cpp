@@ -1,4 +1,4 @@
-#include "analysis/MapHistograms.h"
+#include "analysis/MapRun.h"
 #include "tests/support/AddressLimit.h"
 #include "tests/support/Exact.h"
 #include "tests/support/FailingMemory.h"
@@ -9,6 +9,8 @@
 
 namespace
 {
+
+const std::optional<Refusal> noRefusal;
 
 constexpr int columns = 300;
 constexpr int rows = 90; // two tasks of a calculation
@@ -94,7 +96,7 @@ struct Kept {
     HistogramCounts valence;
     HistogramCounts thickness;
 
-    MapOutcome calculate(const MapTask& task, double boxes, Workers& workers)
+    std::optional<Refusal> calculate(const MapTask& task, double boxes, Workers& workers)
     {
         const MapHistograms histograms{
             valence, thickness, {1.5, 3.5, boxes, false}, {-2.0, 2.0, boxes, false}, 2.0, 3.0};
@@ -137,7 +139,7 @@ struct Copy {
 
 } // namespace
 
-class tst_MapHistograms : public QObject
+class tst_MapRun : public QObject
 {
     Q_OBJECT
 
@@ -150,7 +152,7 @@ private slots:
     void memoryRefusedAnywhereKeepsWhatIsThere();
 };
 
-void tst_MapHistograms::countsForAnyNumberOfThreads_data()
+void tst_MapRun::countsForAnyNumberOfThreads_data()
 {
     QTest::addColumn<unsigned>("threads");
     QTest::addColumn<int>("boxes");
@@ -159,14 +161,14 @@ void tst_MapHistograms::countsForAnyNumberOfThreads_data()
             QTest::addRow("%u threads, %d bins", threads, boxes) << threads << boxes;
 }
 
-void tst_MapHistograms::countsForAnyNumberOfThreads()
+void tst_MapRun::countsForAnyNumberOfThreads()
 {
     QFETCH(unsigned, threads);
     QFETCH(int, boxes);
     const Map map(columns, rows);
     Workers workers(threads);
     Kept kept;
-    QCOMPARE(kept.calculate(map.task, boxes, workers), MapOutcome::Calculated);
+    QCOMPARE(kept.calculate(map.task, boxes, workers), noRefusal);
     QCOMPARE(kept.results.size(), std::size_t{columns * rows});
     std::vector<double> valences;
     for (const double a : kept.results.a)
@@ -178,20 +180,20 @@ void tst_MapHistograms::countsForAnyNumberOfThreads()
             PlainCounts(-2.0, 2.0, boxes, {kept.results.t.begin(), kept.results.t.end()}));
 }
 
-void tst_MapHistograms::manyBinsAreThereOnce()
+void tst_MapRun::manyBinsAreThereOnce()
 {
     constexpr std::size_t boxes = 1000000;
     const Map map(6, 4);
     Workers workers(16);
     Kept kept;
     memory::bytesAsked = 0;
-    QCOMPARE(kept.calculate(map.task, boxes, workers), MapOutcome::Calculated);
+    QCOMPARE(kept.calculate(map.task, boxes, workers), noRefusal);
     constexpr std::size_t smallThings = 1000000;
     QVERIFY2(memory::bytesAsked <= 2 * boxes * sizeof(int) + smallThings,
              qPrintable(QString::number(memory::bytesAsked)));
 }
 
-void tst_MapHistograms::tooManyBoxesOfEither()
+void tst_MapRun::tooManyBoxesOfEither()
 {
     const Map map(6, 4);
     Workers workers(2);
@@ -199,30 +201,30 @@ void tst_MapHistograms::tooManyBoxesOfEither()
     const HistogramSettings few{1.5, 3.5, 41, false};
     const HistogramSettings tooMany{1.5, 3.5, 10000001, false};
     for (const auto& [ofA, ofT] : {std::pair(few, tooMany), std::pair(tooMany, few)}) {
-        const MapHistograms histograms{kept.valence, kept.thickness, ofA, ofT, 2.0, 3.0};
-        QCOMPARE(checkMap(map.task, kept.results, histograms), MapOutcome::TooManyBoxes);
+        const MapHistograms histograms{kept.valence, kept.thickness, ofA, ofT, {2.0, 3.0}};
+        QCOMPARE(checkMap(map.task, kept.results, histograms), std::optional(Refusal::TooManyBoxes));
         QCOMPARE(calculateMap(map.task, kept.results, histograms, workers),
-                 MapOutcome::TooManyBoxes);
+                 std::optional(Refusal::TooManyBoxes));
     }
     QVERIFY(kept.results.a.empty());
 }
 
-void tst_MapHistograms::binsBeyondTheMemoryAreRefused()
+void tst_MapRun::binsBeyondTheMemoryAreRefused()
 {
     const Map map(6, 4);
     Workers workers(2);
     Kept kept;
-    QCOMPARE(kept.calculate(map.task, 41, workers), MapOutcome::Calculated);
+    QCOMPARE(kept.calculate(map.task, 41, workers), noRefusal);
     const Copy before(kept);
     const Map other(8, 5);
     constexpr std::size_t megabyte = 1000000;
     {
         const AddressLimit limit(AddressLimit::beside(60 * megabyte));
         memory::bytesAsked = 0;
-        QCOMPARE(kept.calculate(other.task, 1e7, workers), MapOutcome::TooManyBoxes);
+        QCOMPARE(kept.calculate(other.task, 1e7, workers), std::optional(Refusal::TooManyBoxes));
         QVERIFY(memory::bytesAsked < megabyte); // they are not even asked for
         QVERIFY(before.holds(kept));
-        QCOMPARE(kept.calculate(other.task, 1e6, workers), MapOutcome::Calculated);
+        QCOMPARE(kept.calculate(other.task, 1e6, workers), noRefusal);
         QVERIFY(!before.holds(kept));
     }
     // The results of a large grid leave no room for bins that would fit alone.
@@ -231,11 +233,11 @@ void tst_MapHistograms::binsBeyondTheMemoryAreRefused()
     MapTask large = other.task;
     large.columns = 1600;
     large.rows = 2000; // 51 megabytes
-    QCOMPARE(kept.calculate(large, 2e6, workers), MapOutcome::TooManyBoxes);
+    QCOMPARE(kept.calculate(large, 2e6, workers), std::optional(Refusal::TooManyBoxes));
     QVERIFY(later.holds(kept));
 }
 
-void tst_MapHistograms::memoryRefusedAnywhereKeepsWhatIsThere()
+void tst_MapRun::memoryRefusedAnywhereKeepsWhatIsThere()
 {
     const Map first(6, 4);
     const Map second(columns, rows);
@@ -245,14 +247,14 @@ void tst_MapHistograms::memoryRefusedAnywhereKeepsWhatIsThere()
     Workers workers(2);
     for (const MapTask* task : {&second.task, static_cast<const MapTask*>(&mixed)}) {
         Kept kept;
-        QCOMPARE(kept.calculate(first.task, 41, workers), MapOutcome::Calculated);
+        QCOMPARE(kept.calculate(first.task, 41, workers), noRefusal);
         const Copy before(kept);
         int refusals = 0;
         bool done = false;
         for (std::size_t requests = 0; !done; ++requests) {
             try {
                 const memory::RefusedAfter refused(requests);
-                done = kept.calculate(*task, 50, workers) == MapOutcome::Calculated;
+                done = kept.calculate(*task, 50, workers) == noRefusal;
             } catch (const std::bad_alloc&) {
                 ++refusals;
                 QVERIFY(before.holds(kept));
@@ -260,10 +262,10 @@ void tst_MapHistograms::memoryRefusedAnywhereKeepsWhatIsThere()
         }
         QVERIFY2(refusals > 5, qPrintable(QString::number(refusals)));
         Kept fresh;
-        QCOMPARE(fresh.calculate(*task, 50, workers), MapOutcome::Calculated);
+        QCOMPARE(fresh.calculate(*task, 50, workers), noRefusal);
         QVERIFY(Copy(fresh).holds(kept));
     }
 }
 
-QTEST_APPLESS_MAIN(tst_MapHistograms)
-#include "tst_MapHistograms.moc"
+QTEST_APPLESS_MAIN(tst_MapRun)
+#include "tst_MapRun.moc"

@@ -1,9 +1,6 @@
-#include "batch/PanelFacts.h"
+#include "batch/JobFacts.h"
 
 #include "analysis/LinearCombinationFit.h"
-#include "app/FourPs.h"
-#include "input/AEPoint.h"
-#include "text/NumberText.h"
 
 #include <algorithm>
 #include <array>
@@ -23,12 +20,10 @@ struct Use {
 class FactFinder
 {
 public:
-    FactFinder(const Job& job, const FourPs& panel)
-        : m_job(job), m_panel(panel), m_points(job.calculateTarget || job.calculateMap)
+    FactFinder(const Job& job, const JobData& data)
+        : m_job(job), m_data(data), m_points(job.calculateTarget || job.calculateMap)
     {
-        PointRows rows;
-        for (const AEPoint* point : panel.ePoints)
-            rows.push_back(point->row());
+        const PointRows& rows = data.input.table;
         if (job.calculateLcf)
             m_range = lcfRange(rows);
         m_rowsInUse =
@@ -38,12 +33,12 @@ public:
     JobFacts facts() const
     {
         JobFacts facts;
-        facts.edge = numberFromText(m_panel.EdgeE->text());
+        facts.edge = m_data.settings.edge;
         facts.edgeLine = m_job.edgeLine;
         facts.preEdgeEndLine = m_job.preEdgeEndLine;
         facts.postEdgeStartLine = m_job.postEdgeStartLine;
         for (std::size_t i = 0; i < names.size(); ++i) {
-            const bool read = m_panel.xafsSelects[static_cast<int>(i)]->isValid();
+            const bool read = m_data.spectra[i] != nullptr;
             if (read && useOf(i).any)
                 facts.spectra.push_back(spectrum(i));
             if (!read && m_range && i != Job::Blank)
@@ -55,21 +50,19 @@ public:
     }
 
 private:
-    const AXafsData& data(std::size_t i) const
-    {
-        return *m_panel.xafsSelects[static_cast<int>(i)]->data();
-    }
+    const AXafsData& data(std::size_t i) const { return *m_data.spectra[i]; }
 
     Use useOf(std::size_t i) const
     {
+        const Conditions& conditions = m_data.settings.conditions;
         const bool reference = i == Job::Ref1 || i == Job::Ref2;
         const bool inPoints = m_points && (i != Job::Target || m_job.calculateTarget);
-        const bool lines =
-            inPoints && ((reference && m_panel.UseVicCB->isChecked()) ||
-                         (i == Job::Target && m_panel.UseVicForTargetCB->isChecked()));
-        const bool pre = m_panel.TheVicIs1->isChecked();
+        const bool lines = inPoints && ((reference && conditions.referencesMinusVictreen) ||
+                                        (i == Job::Target && conditions.targetMinusVictreen));
+        const bool pre = conditions.victreenIsPre;
         // Three points need no thickness ratio.
-        const bool jump = inPoints && reference && m_rowsInUse > 3 && m_panel.TRVic2->isChecked();
+        const bool jump = inPoints && reference && m_rowsInUse > 3 &&
+                          conditions.thickness == ThicknessType::EdgeJumps;
         const bool fit = m_range && i != Job::Blank;
         return {inPoints || fit, fit || jump || (lines && pre), fit || jump || (lines && !pre)};
     }
@@ -105,21 +98,19 @@ private:
     std::vector<RowFacts> rows() const
     {
         std::vector<RowFacts> found;
-        for (int i = 0; i < m_panel.ePoints.size(); ++i) {
-            const AEPoint* const point = m_panel.ePoints[i];
-            const bool counts =
-                (m_points && point->UseCB->isChecked()) || (m_range && point->TRatCB->isChecked());
-            const auto row = static_cast<std::size_t>(i);
-            const bool given = m_job.points && row < m_job.points->size();
-            if (counts && !point->Energy->text().isEmpty())
-                found.push_back({given ? (*m_job.points)[row].line : 0, point->energy()});
+        const std::vector<ChosenPoint>& points = m_data.settings.points;
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            const bool counts = (m_points && points[i].use) || (m_range && points[i].tRatio);
+            const bool given = m_job.points && i < m_job.points->size();
+            if (counts && points[i].energy)
+                found.push_back({given ? (*m_job.points)[i].line : 0, *points[i].energy});
         }
         return found;
     }
 
     std::optional<int> lcfPoints() const
     {
-        if (!m_range || !m_panel.TargetFile->isValid())
+        if (!m_range || !m_data.spectra[Job::Target])
             return std::nullopt;
         const SpectrumPoints& points = data(Job::Target).points;
         return static_cast<int>(
@@ -129,7 +120,7 @@ private:
     }
 
     const Job& m_job;
-    const FourPs& m_panel;
+    const JobData& m_data;
     bool m_points; ///< a point method is asked for
     std::ptrdiff_t m_rowsInUse = 0;
     std::optional<LcfRange> m_range; ///< of the fit, if it is asked for and not refused
@@ -137,7 +128,7 @@ private:
 
 } // namespace
 
-JobFacts factsOf(const Job& job, const FourPs& panel)
+JobFacts factsOf(const Job& job, const JobData& data)
 {
-    return FactFinder(job, panel).facts();
+    return FactFinder(job, data).facts();
 }

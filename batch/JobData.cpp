@@ -1,0 +1,90 @@
+#include "batch/JobData.h"
+
+#include "input/MapReader.h"
+#include "system/ReadableFile.h"
+#include "text/NumberText.h"
+
+#include <utility>
+
+namespace
+{
+
+/// @param what  there is none of, where the file was read but is of no use
+JobError unusable(const JobFilePath& file, const QString& refusal, const QString& what)
+{
+    if (!refusal.isEmpty())
+        return {file.line, refusal};
+    return {file.line, QStringLiteral("no %1 in %2").arg(what, file.path)};
+}
+
+std::optional<JobError> cannotOpen(const JobFilePath& file)
+{
+    const QString reason = whyUnreadable(file.path);
+    if (reason.isEmpty())
+        return std::nullopt;
+    return JobError{file.line, QStringLiteral("cannot open %1: %2").arg(file.path, reason)};
+}
+
+std::optional<JobError> readSpectra(const Job& job, JobData& data)
+{
+    for (std::size_t i = 0; i < data.spectra.size(); ++i) {
+        const JobFilePath& file = job.spectra[i];
+        if (file.path.isEmpty())
+            continue;
+        if (auto error = cannotOpen(file))
+            return error;
+        auto spectrum = std::make_shared<AXafsData>();
+        spectrum->setBounds(data.settings.bounds());
+        if (!spectrum->read(file.path))
+            return unusable(file, spectrum->refusal, QStringLiteral("spectrum"));
+        data.spectra[i] = std::move(spectrum);
+    }
+    return std::nullopt;
+}
+
+std::optional<JobError> readMaps(const Job& job, JobData& data)
+{
+    data.maps.resize(data.settings.points.size());
+    for (std::size_t i = 0; job.points && i < job.points->size(); ++i) {
+        const JobFilePath& file = (*job.points)[i].map;
+        if (file.path.isEmpty())
+            continue;
+        if (auto error = cannotOpen(file))
+            return error;
+        const MapReadResult result = readMapData(file.path, data.maps[i]);
+        if (!data.maps[i].valid)
+            return unusable(file, result.reason, QStringLiteral("2D data with axes"));
+        if (!result.energies.isEmpty())
+            data.settings.points[i].energy = numberFromText(result.energies.last());
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::vector<MapSource> JobData::mapSources() const
+{
+    std::vector<MapSource> sources;
+    for (const MapData& map : maps)
+        sources.push_back(map.source());
+    return sources;
+}
+
+std::optional<JobData> readJobData(const Job& job, JobError& error)
+{
+    JobData data;
+    data.settings = settingsOf(job);
+    std::optional<JobError> wrong = readSpectra(job, data);
+    if (!wrong)
+        wrong = readMaps(job, data);
+    if (wrong) {
+        error = *wrong;
+        return std::nullopt;
+    }
+    for (std::size_t i = 0; i < data.spectra.size(); ++i)
+        data.input.spectra.all[i] = data.spectra[i].get();
+    data.input.conditions = data.settings.conditions;
+    data.input.valences = data.settings.valences;
+    data.input.table = pointTable(data.settings.points, data.input.spectra, data.input.conditions);
+    return data;
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "batch/JobFile.h"
+#include "batch/JobSettings.h"
+#include "input/AXafsData.h"
+#include "input/MapData.h"
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <vector>
+
+/// A job with its settings made and its files read: all that the calculations need.
+struct JobData {
+    Settings settings;
+    /// Fitted with the settings' bounds; null where the job names none.
+    std::array<std::shared_ptr<const AXafsData>, SpectrumSet::count> spectra;
+    std::vector<MapData> maps; ///< [settings.points.size()]
+    AnalysisInput input;       ///< refers to the spectra
+
+    std::vector<MapSource> mapSources() const;
+};
+
+/// Reads the files of a job. An energy in the header of 2D data takes the place of its row's.
+/// @param error  the first file that cannot be read, with its line in the job, where nothing comes
+///               back
+std::optional<JobData> readJobData(const Job& job, JobError& error);
