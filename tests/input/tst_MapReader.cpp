@@ -297,6 +297,7 @@ private slots:
     void aBadBlockRefusesTheFile_data();
     void aBadBlockRefusesTheFile();
     void headersInOtherEncodings();
+    void characterAcrossTwoPieces();
     void fewPiecesWaitForOne();
     void equalPositionsAreKeptOnce();
     void positionsThatDifferAreNotShared();
@@ -595,6 +596,22 @@ void tst_MapReader::headersInOtherEncodings()
             QCOMPARE(data.mut.size(), std::size_t{1});
         }
     }
+}
+
+/// Files of two bytes a character are converted in pieces of 64 KiB; this one has the two halves of
+/// a character on either side of a piece's end.
+void tst_MapReader::characterAcrossTwoPieces()
+{
+    const QByteArray header = "# " + QByteArray(32764, 'x') + "\xf0\x9f\x94\xac end";
+    const QString text = QString::fromUtf8(header + "\n1 2 3 4\n");
+    QByteArray bytes("\xff\xfe");
+    for (const QChar c : text)
+        bytes.append(static_cast<char>(c.cell())).append(static_cast<char>(c.row()));
+    QCOMPARE(text.at(32766).isHighSurrogate(), true);
+    MapData data;
+    QCOMPARE(readMapData(file(bytes), data).outcome, ReadOutcome::Read);
+    QCOMPARE(data.header, QByteArrayList{header});
+    QCOMPARE(data.mut.size(), std::size_t{1});
 }
 
 namespace
