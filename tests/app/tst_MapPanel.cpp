@@ -82,6 +82,7 @@ private slots:
     void leastSquaresMaps();
     void rowInUseWithoutDataIsMissing();
     void failedReloadMakesTheRowInvalid();
+    void refusedFileIsToldOf();
     void energyOfTheFile();
     void refusals();
     void refusalsKeepEarlierResults_data();
@@ -293,6 +294,22 @@ void tst_MapPanel::failedReloadMakesTheRowInvalid()
     QCOMPARE(point(1).mapData().mut.size(), std::size_t{pixels});
     point(2).loadData(file("missing.dat"));
     QCOMPARE(calc(), QStringList{QStringLiteral("V Point is not selected")});
+}
+
+void tst_MapPanel::refusedFileIsToldOf()
+{
+    const QString path = file("line without end.dat");
+    QFile out(path);
+    QVERIFY(out.open(QIODevice::WriteOnly));
+    QVERIFY(out.write(QByteArray(5 << 20, 'x')) > 0);
+    out.close();
+    const int before = lines();
+    QSignalSpy refused(&panel(), &FourPs::refused);
+    user::drop(point(1).MapFile, path);
+    const QString text = QStringLiteral("The 2D data file [%1] is too large.").arg(path);
+    QCOMPARE(user::messagesSince(panel(), before), QStringList{text});
+    QCOMPARE(refused.count(), 1);
+    QCOMPARE(refused.first().first().toString(), text);
 }
 
 void tst_MapPanel::energyOfTheFile()

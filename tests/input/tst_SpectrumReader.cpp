@@ -219,6 +219,7 @@ private slots:
     void whatCannotBeOpenedChangesNothing_data();
     void whatCannotBeOpenedChangesNothing();
     void pipeDoesNotHang();
+    void noSpectrumIsThatLarge();
     void strangeNames();
     void oddRealFiles_data();
     void oddRealFiles();
@@ -747,6 +748,40 @@ void tst_SpectrumReader::agreesWithThePlainReader()
         QVERIFY2(samePoints(found, plainPoints(text)), text.toPercentEncoding(" ").constData());
     }
     QVERIFY(rows > 4000);
+}
+
+namespace
+{
+
+/// Zeros, so many as a spectrum never has.
+class EndlessZeros : public ByteSource
+{
+public:
+    explicit EndlessZeros(std::int64_t size) : m_size(size) {}
+
+    std::int64_t size() const override { return m_size; }
+    bool read(char* to, std::size_t count, std::int64_t) const override
+    {
+        wasRead = true;
+        std::memset(to, 0, count);
+        return true;
+    }
+    mutable bool wasRead = false;
+
+private:
+    std::int64_t m_size;
+};
+
+} // namespace
+
+/// More than a gibibyte is refused before anything is read, however much memory there is.
+void tst_SpectrumReader::noSpectrumIsThatLarge()
+{
+    const EndlessZeros file((std::int64_t{1} << 30) + 1);
+    SpectrumPoints points;
+    QCOMPARE(readSpectrum(file, points, std::numeric_limits<std::size_t>::max()),
+             ReadOutcome::TooLarge);
+    QVERIFY(!file.wasRead);
 }
 
 QTEST_GUILESS_MAIN(tst_SpectrumReader)
