@@ -142,6 +142,9 @@ private slots:
     void numbersIgnoreTheLocale();
     void graphWindowShows();
     void goesWithTheKeyboardInAField();
+    void dialogsStartInTheCurrentFolder();
+    void resultFileTakesAnyName();
+    void vic2IsTheRatioOfTheEdgeJumps();
 };
 
 void tst_FourPs::startsWithNineRefusals()
@@ -766,6 +769,32 @@ void tst_FourPs::goesWithTheKeyboardInAField()
             [=, &wholeThen] { wholeThen = qobject_cast<FourPs*>(panel) != nullptr; });
     m_panel.reset();
     QVERIFY(wholeThen);
+}
+
+void tst_FourPs::dialogsStartInTheCurrentFolder()
+{
+    for (const AFileSelect* select : m_panel->findChildren<AFileSelect*>()) {
+        if (select != m_panel->SaveFSelect)
+            QCOMPARE(select->dir(), QDir::currentPath());
+    }
+}
+
+void tst_FourPs::resultFileTakesAnyName()
+{
+    QCOMPARE(m_panel->SaveFSelect->mode(), static_cast<int>(AFileSelect::Save));
+    QVERIFY(!m_panel->SaveFSelect->FileName->isReadOnly());
+    user::type(m_panel->SaveFSelect->FileName, QStringLiteral("result"));
+    QCOMPARE(m_panel->SaveFSelect->FileName->text(), QStringLiteral("result"));
+}
+
+void tst_FourPs::vic2IsTheRatioOfTheEdgeJumps()
+{
+    loadAll();
+    const double jump1 = m_panel->RefFile1->edgeJump();
+    const double jump2 = m_panel->RefFile2->edgeJump();
+    QVERIFY(std::abs(jump1 - jump2) > 0.1);
+    m_panel->calcTarget();
+    QCOMPARE(m_panel->thicknessRatioFigures().trVic2, jump1 / jump2);
 }
 
 QTEST_MAIN(tst_FourPs)

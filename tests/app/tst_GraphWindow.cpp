@@ -526,6 +526,7 @@ void TestGraphWindow::repaintsWithEachChange_data()
         QTest::newRow(name) << act << position;
     };
     row("normalization", [](FourPs& panel) { panel.NNone->setChecked(true); });
+    row("normalization by the edge jump", [](FourPs& panel) { panel.NByEJ->setChecked(true); });
     row("displayed file", [](FourPs& panel) { panel.SelectedFs->setCurrentIndex(1); });
     row("new displayed file",
         [](FourPs& panel) { panel.receiveNewDispFiles({panel.SelectedFs->itemText(0)}); });
