@@ -17,8 +17,9 @@ struct RunReport {
     bool resultNotWritten = false; ///< there is a map and a path for it, but no file
 };
 
-/// Does the calculations that the job asks for. A map that is refused leaves its result file as it
-/// was.
+/// Does the calculations that the job asks for, with the lines, texts and files that the window's
+/// buttons bring for the same settings. A refusal leaves its text empty and its result file as it
+/// was; the window, whose fields are never emptied, keeps the result that it showed before.
 RunReport runJob(const Job& job, const JobData& data);
 
 /// The report as printed: the message lines, then "Map: ...", "CalcRes: ..." and "LCFRes: ..." for

@@ -1,0 +1,308 @@
+#include "app/FourPs.h"
+#include "app/PanelSettings.h"
+#include "batch/JobRun.h"
+#include "batch/ResultPath.h"
+#include "input/AEPoint.h"
+#include "input/AXafsData.h"
+#include "input/AXafsFileSelect.h"
+#include "tests/batch/RandomJob.h"
+
+#include <QDirIterator>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QtTest>
+
+/// Random jobs, run in the window and by the batch program: all that both say and write is the
+/// same. DROVIK_SESSIONS sets how many (40 where it is not set), DROVIK_SEED the first seed; each
+/// job is a row named by its seed, so that one can be run alone.
+///
+/// The window never empties a result field: beside a refusal it shows the text of the last result
+/// that there was, of settings that may be others. The batch has one result of each kind, and none
+/// where there is a refusal. A map that is refused is not written by the batch; "Write" in the
+/// window writes the one that is there, so that nobody who sees the refusal presses it.
+class tst_WindowAndBatch : public QObject
+{
+    Q_OBJECT
+
+private:
+    QStringList m_messages;
+    int m_unreadable = 0;
+    int m_written = 0;
+    int m_programs = 0;
+
+private slots:
+    void sameTextsAndFiles_data();
+    void sameTextsAndFiles();
+    void jobsReachedEverything();
+    void windowKeepsAResultBesideARefusal();
+};
+
+namespace
+{
+
+using Files = QMap<QString, QByteArray>;
+
+Files filesBelow(const QString& folder)
+{
+    Files files;
+    QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        QFile file(it.next());
+        if (!file.open(QIODevice::ReadOnly))
+            qFatal("cannot read %s", qPrintable(file.fileName()));
+        files[file.fileName()] = file.readAll();
+    }
+    return files;
+}
+
+void restore(const QString& folder, const Files& before)
+{
+    for (const QString& path : filesBelow(folder).keys())
+        if (!before.contains(path))
+            QFile::remove(path);
+    for (auto it = before.constBegin(); it != before.constEnd(); ++it) {
+        QFile file(it.key());
+        if (!file.open(QIODevice::WriteOnly) || file.write(it.value()) != it.value().size())
+            qFatal("cannot write %s", qPrintable(it.key()));
+    }
+}
+
+/// The panel with a job's settings, and what its buttons bring.
+class Window
+{
+public:
+    explicit Window(const RandomJob& job)
+    {
+        applySettings(job.settings, job.files, panel);
+        if (!job.result.isEmpty())
+            panel.SaveFSelect->setFile(job.result);
+        QObject::connect(&panel, &FourPs::messageAppended, &panel,
+                         [this](const QString& line) { m_lines += line; });
+        QObject::connect(&panel, &FourPs::refused, &panel, [this] { m_refused = true; });
+        QObject::connect(&panel, &FourPs::written, &panel,
+                         [this](const QString& path) { written += path; });
+    }
+
+    /// Presses a button.
+    /// @param field  that shows its result, if one does
+    /// @return text of the field; empty beside a refusal, which leaves the field as it is
+    QString press(QAbstractButton* button, const QLineEdit* field = nullptr)
+    {
+        m_lines.clear();
+        m_refused = false;
+        const QString before = field != nullptr ? field->text() : QString();
+        button->click();
+        if (m_refused && field != nullptr && field->text() != before)
+            return QStringLiteral("a refusal changes the field");
+        return field != nullptr && !m_refused ? field->text() : QString();
+    }
+
+    void run(const RandomJob& job)
+    {
+        if (job.map)
+            runMap(job);
+        if (job.target) {
+            calcRes = press(panel.CalcTargetB, panel.CalcRes);
+            take();
+        }
+        if (job.lcf) {
+            lcfRes = press(panel.LCFB, panel.LCFRes);
+            take();
+        }
+    }
+
+    FourPs panel;
+    QStringList messages;
+    QStringList written;
+    QString calcRes;
+    QString lcfRes;
+    QString map; ///< size of the map, empty where it was refused
+    bool refused = false;
+
+private:
+    void runMap(const RandomJob& job)
+    {
+        press(panel.CalcMapB);
+        const QStringList lines = m_lines;
+        if (!m_refused) {
+            const MapResults& results = panel.lastMap();
+            map = QStringLiteral("%1 x %2 pixels").arg(results.columns).arg(results.rows);
+        }
+        if (!m_refused && !job.result.isEmpty()) {
+            press(panel.WriteB);
+            if (m_lines.mid(0, lines.size()) != lines)
+                m_lines += QStringLiteral("\"Write\" has other lines than the calculation");
+        }
+        take();
+    }
+    void take()
+    {
+        messages += m_lines;
+        refused = refused || m_refused;
+    }
+
+    QStringList m_lines; ///< of the last button
+    bool m_refused = false;
+};
+
+/// Whether the panel has no data of the file that stands in a line of the job.
+bool isRefusedByThePanel(const RandomJob& job, int line, const FourPs& panel)
+{
+    const int spectrum = job.spectrumInLine(line);
+    const int row = job.mapInLine(line);
+    if (spectrum >= 0)
+        return !panel.xafsSelects[spectrum]->data()->valid;
+    return row >= 0 && !panel.ePoints[row]->mapData().valid;
+}
+
+struct Output {
+    int status = -1;
+    QString text;
+};
+
+/// The real program, on a machine that cannot show a window.
+Output runProgram(const QString& path)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("DISPLAY"));
+    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("nonsense"));
+    environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral("/nowhere"));
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(BATCH_PROGRAM), {path});
+    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput())};
+}
+
+int expectedStatus(const RunReport& report)
+{
+    if (report.resultNotWritten)
+        return 2;
+    return report.refused || !areFinite(report.results) ? 1 : 0;
+}
+
+} // namespace
+
+void tst_WindowAndBatch::sameTextsAndFiles_data()
+{
+    QTest::addColumn<quint32>("seed");
+    bool set = false;
+    int count = qEnvironmentVariableIntValue("DROVIK_SESSIONS", &set);
+    if (!set)
+        count = 40;
+    const int first = qEnvironmentVariableIntValue("DROVIK_SEED");
+    qInfo("%d jobs from seed %d on", count, first);
+    for (int i = 0; i < count; ++i) {
+        const auto seed = static_cast<quint32>(first + i);
+        QTest::newRow(qPrintable(QString::number(seed))) << seed;
+    }
+}
+
+void tst_WindowAndBatch::sameTextsAndFiles()
+{
+    QFETCH(quint32, seed);
+    const QTemporaryDir folder;
+    const RandomJob made(seed, folder.path());
+    const QString out = folder.filePath(QStringLiteral("out"));
+    const Files before = filesBelow(out);
+    Window window(made);
+    QVERIFY(filesBelow(out) == before); // settings write nothing
+
+    JobError error;
+    const std::optional<Job> job = readJob(made.path(), error);
+    QVERIFY2(job, qPrintable(errorText(made.path(), error)));
+    const std::optional<JobData> data = readJobData(*job, error);
+    if (!data) {
+        QVERIFY2(isRefusedByThePanel(made, error.line, window.panel), qPrintable(error.reason));
+        ++m_unreadable;
+        return;
+    }
+    const RunReport report = runJob(*job, *data);
+    const Files byBatch = filesBelow(out);
+    restore(out, before);
+    window.run(made);
+    const Files byWindow = filesBelow(out);
+
+    QCOMPARE(report.messages, window.messages);
+    QCOMPARE(report.refused, window.refused);
+    QCOMPARE(report.calcRes, window.calcRes);
+    QCOMPARE(report.lcfRes, window.lcfRes);
+    if (made.map && !window.map.isEmpty())
+        QCOMPARE(report.map, window.map);
+    QCOMPARE(report.written, window.written);
+    QCOMPARE(byBatch.keys(), byWindow.keys());
+    for (auto it = byBatch.constBegin(); it != byBatch.constEnd(); ++it)
+        QVERIFY2(it.value() == byWindow[it.key()], qPrintable(it.key()));
+    m_messages += report.messages;
+    m_written += report.written.size();
+
+    if (seed % 8 != 0 || checkResultPath(*job, made.path()))
+        return;
+    restore(out, before);
+    const Output program = runProgram(made.path());
+    QCOMPARE(program.text, reportText(*job, report));
+    QCOMPARE(program.status, expectedStatus(report));
+    QVERIFY(filesBelow(out) == byWindow);
+    ++m_programs;
+}
+
+void tst_WindowAndBatch::jobsReachedEverything()
+{
+    const char* const expected[] = {"^3ps: a = [-0-9.e]+, Valence = [-0-9.e]+$",
+                                    "^a = [-0-9.e]+, Valence = [-0-9.e]+, t/ts = [-0-9.e]+$",
+                                    "^4ps2: a = [-0-9.e]+, Valence = [-0-9.e]+, t/ts = [-0-9.e]+$",
+                                    "^sbys = [-0-9.e]+, ",
+                                    "^Result of LCF : [-0-9.e]+ ",
+                                    "^Energy Range is not selected",
+                                    "^V Point is not selected$",
+                                    "^V Point is not selected\\.$",
+                                    "^Ref File1 is not valid\\.$",
+                                    "^Ref File2 is not valid\\.$",
+                                    "^Target File1 is not valid\\.$",
+                                    "^Number of selected data sets [0-9] is not 4\\.$",
+                                    "^Can't open the file \\["};
+    const bool judge = !qEnvironmentVariableIsSet("DROVIK_SESSIONS");
+    for (const char* pattern : expected) {
+        const int count = m_messages.filter(QRegularExpression(QLatin1String(pattern))).size();
+        qInfo("%6d lines %s", count, pattern);
+        QVERIFY2(count > 0 || !judge, pattern);
+    }
+    qInfo("%6d files written, %d jobs by the program, %d unreadable", m_written, m_programs,
+          m_unreadable);
+    QVERIFY((m_written > 0 && m_programs > 0 && m_unreadable > 0) || !judge);
+}
+
+void tst_WindowAndBatch::windowKeepsAResultBesideARefusal()
+{
+    const QTemporaryDir folder;
+    RandomJob made(0, folder.path());
+    made.settings = Settings();
+    made.files = {};
+    Window window(made);
+    window.panel.CalcRes->setText(QStringLiteral("an earlier result"));
+    window.panel.LCFRes->setText(QStringLiteral("an earlier fit"));
+    window.panel.CalcTargetB->click();
+    window.panel.LCFB->click();
+    QCOMPARE(window.panel.CalcRes->text(), QStringLiteral("an earlier result"));
+    QCOMPARE(window.panel.LCFRes->text(), QStringLiteral("an earlier fit"));
+
+    JobError error;
+    const std::optional<Job> job = parseJob("", folder.path(), error);
+    QVERIFY(job);
+    const std::optional<JobData> data = readJobData(*job, error);
+    QVERIFY(data);
+    const RunReport report = runJob(*job, *data);
+    QVERIFY(report.refused);
+    QCOMPARE(report.calcRes, QString());
+    QCOMPARE(report.lcfRes, QString());
+    QCOMPARE(reportText(*job, report),
+             QStringLiteral("Ref File1 is not valid.\nEnergy Range is not selected, which should "
+                            "by selected by CB of TR.\nCalcRes: \nLCFRes: \n"));
+}
+
+QTEST_MAIN(tst_WindowAndBatch)
+#include "tst_WindowAndBatch.moc"
