@@ -103,7 +103,8 @@ void FourPs::buildPoints()
         point->setObjectName(QStringLiteral("ePoint%1").arg(i));
         point->Label->setText(QStringLiteral("%1:  ").arg(i));
         connect(point, &AEPoint::newDir, this, &FourPs::receiveNewDir);
-        connect(point, &AEPoint::newEnergy, this, &FourPs::receiveNewEnergy);
+        connect(point, &AEPoint::newEnergy, this,
+                [this, point](double energy) { receiveNewEnergy(point, energy); });
         connect(point, &AEPoint::changedCB, this, &FourPs::calcBoth);
         connect(point, &AEPoint::refusedData, this, &FourPs::refuse);
         connect(point, &AEPoint::progress, this, &FourPs::progress);
@@ -158,9 +159,11 @@ void FourPs::connectInputs()
 {
     for (QLineEdit* edit : {PreEEndDE, EdgeE, PostEStartDE})
         connect(edit, &QLineEdit::editingFinished, this, &FourPs::setEdge);
-    for (AXafsFileSelect* select : qAsConst(xafsSelects)) {
+    for (const int i : {Ref1, Ref2, Target, Blank}) {
+        const AXafsFileSelect* select = xafsSelects[i];
         connect(select, &AFileSelect::newDir, this, &FourPs::receiveNewDir);
-        connect(select, &AFileSelect::newFilePath, this, &FourPs::receiveNewFile);
+        connect(select, &AFileSelect::newFilePath, this,
+                [this, i](const QString& path) { receiveNewFile(i, path); });
         connect(select, &AXafsFileSelect::refusedData, this, &FourPs::refuse);
     }
     connect(DispFSelect, &AFileSelect::newDir, this, &FourPs::receiveNewDir);

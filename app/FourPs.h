@@ -72,8 +72,6 @@ public slots:
     // Files, folders and energies.
     void removeAFile();                         ///< "Remove": drops the chosen display spectrum
     void receiveNewDir(const QString& dir);     ///< any selector: all open dialogs follow
-    void receiveNewEnergy(double energy);       ///< a row's energy: its mu-t fields
-    void receiveNewFile(const QString& path);   ///< a spectrum: its column, then recalculate
     void receiveNewRef1(const QString& path);   ///< the mut(Ref.1) column
     void receiveNewRef2(const QString& path);   ///< the mut(Ref.2) column
     void receiveNewTarget(const QString& path); ///< the mut(Target) column
@@ -129,6 +127,9 @@ private:
     Conditions conditions() const;
     ThicknessType thicknessType() const;
     AnalysisInput input() const;
+    void receiveNewEnergy(AEPoint* point, double energy); ///< of a row: its mu-t fields
+    /// A spectrum: its column, then recalculate. The selector has read it.
+    void receiveNewFile(int select, const QString& path);
     QLineEdit* mutField(AEPoint* point, int select) const;
     void refreshMut(AEPoint* point, int select, double energy);
     void refreshColumn(int select);

@@ -102,12 +102,10 @@ void FourPs::refreshColumn(int select)
     repaintDisplays();
 }
 
-void FourPs::receiveNewEnergy(double energy)
+void FourPs::receiveNewEnergy(AEPoint* point, double energy)
 {
-    const int i = ePoints.indexOf(qobject_cast<AEPoint*>(sender()));
-    if (i >= 0)
-        for (const int select : {Ref1, Ref2, Target, Blank})
-            refreshMut(ePoints[i], select, energy);
+    for (const int select : {Ref1, Ref2, Target, Blank})
+        refreshMut(point, select, energy);
     repaintDisplays();
 }
 
@@ -135,9 +133,9 @@ void FourPs::receiveNewBlank(const QString& path)
     refreshColumn(Blank);
 }
 
-void FourPs::receiveNewFile(const QString& path)
+void FourPs::receiveNewFile(int select, const QString& path)
 {
-    switch (xafsSelects.indexOf(qobject_cast<AXafsFileSelect*>(sender()))) {
+    switch (select) {
     case Ref1:
         receiveNewRef1(path);
         break;
