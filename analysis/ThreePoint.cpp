@@ -3,14 +3,16 @@
 #include <limits>
 
 ThreePoint::ThreePoint(const PointRows& rows, const PointChoice& choice)
-    : m_k(std::numeric_limits<double>::quiet_NaN()), m_contrast(m_k), m_step(m_k)
+    : m_reference2(std::numeric_limits<double>::quiet_NaN()), m_contrast(m_reference2),
+      m_step(m_reference2)
 {
     if (!choice.hasVPoint() || choice.normalization.size() < 2)
         return;
     const PointRow& p0 = rows[choice.normalization[0]];
     const PointRow& p1 = rows[choice.normalization[1]];
     const PointRow& v = rows[choice.vPoint];
-    m_k = (v.reference2() - p0.reference2()) / (p1.reference2() - p0.reference2());
-    m_contrast = (v.reference1() - p0.reference1()) / (p1.reference1() - p0.reference1()) - m_k;
+    m_reference2 = (v.reference2() - p0.reference2()) / (p1.reference2() - p0.reference2());
+    m_contrast =
+        (v.reference1() - p0.reference1()) / (p1.reference1() - p0.reference1()) - m_reference2;
     m_step = ((p1.reference1() - p0.reference1()) + (p1.reference1() - p0.reference2())) * 0.5;
 }

@@ -19,7 +19,7 @@ public:
     /// Infinite or not-a-number where a denominator vanishes.
     double fraction(double t0, double t1, double tV) const
     {
-        return ((tV - t0) / (t1 - t0) - m_k) / m_contrast;
+        return ((tV - t0) / (t1 - t0) - m_reference2) / m_contrast;
     }
 
     /// Thickness ratio for a map: the target's step against a mean of reference steps whose second
@@ -28,7 +28,7 @@ public:
     double thickness(double t0, double t1) const { return (t1 - t0) / m_step; }
 
 private:
-    double m_k;        ///< scaled Ref 2 at the V point
-    double m_contrast; ///< scaled Ref 1 minus scaled Ref 2 at the V point
-    double m_step;     ///< mean reference step
+    double m_reference2; ///< scaled Ref 2 at the V point
+    double m_contrast;   ///< scaled Ref 1 minus scaled Ref 2 at the V point
+    double m_step;       ///< mean reference step
 };
