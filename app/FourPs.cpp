@@ -108,6 +108,7 @@ void FourPs::buildPoints()
         connect(point, &AEPoint::changedCB, this, &FourPs::calcBoth);
         connect(point, &AEPoint::refusedData, this, &FourPs::refuse);
         connect(point, &AEPoint::progress, this, &FourPs::progress);
+        point->shareKnownPositions(m_knownPositions);
         point->UseCB->setChecked(i <= pointsUsedAtStart);
         ePoints.append(point);
     }

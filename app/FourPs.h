@@ -4,6 +4,7 @@
 #include "analysis/MapCalculation.h"
 #include "analysis/TargetResult.h"
 #include "display/Displays.h"
+#include "input/KnownPositions.h"
 #include "results/ThicknessGraph.h"
 #include "ui_FourPs.h"
 
@@ -148,9 +149,10 @@ private:
     std::unique_ptr<MarkLines> m_pointLines; ///< edge lines and one a row, for "Muts"
     std::unique_ptr<MarkLines> m_edgeLines;  ///< edge lines, for the three previews
 
-    MapResults mapResults;        ///< of the last map calculation
-    QByteArrayList mapHeader;     ///< header lines of the 2D data that own its grid
-    std::uint64_t m_mapCount = 0; ///< map calculations so far
+    KnownPositions m_knownPositions; ///< of the rows' 2D data
+    MapResults mapResults;           ///< of the last map calculation
+    QByteArrayList mapHeader;        ///< header lines of the 2D data that own its grid
+    std::uint64_t m_mapCount = 0;    ///< map calculations so far
     ThicknessGraph m_thicknessGraph;
 
     ThicknessRatios m_ratios{};

@@ -1,5 +1,6 @@
 #include "batch/JobData.h"
 
+#include "input/KnownPositions.h"
 #include "input/MapReader.h"
 #include "system/ReadableFile.h"
 #include "text/NumberText.h"
@@ -45,13 +46,16 @@ std::optional<JobError> readSpectra(const Job& job, JobData& data)
 std::optional<JobError> readMaps(const Job& job, JobData& data)
 {
     data.maps.resize(data.settings.points.size());
+    KnownPositions positions;
+    MapReadOptions options;
+    options.knownPositions = &positions;
     for (std::size_t i = 0; job.points && i < job.points->size(); ++i) {
         const JobFilePath& file = (*job.points)[i].map;
         if (file.path.isEmpty())
             continue;
         if (auto error = cannotOpen(file))
             return error;
-        const MapReadResult result = readMapData(file.path, data.maps[i]);
+        const MapReadResult result = readMapData(file.path, data.maps[i], options);
         if (!data.maps[i].valid)
             return unusable(file, result.reason, QStringLiteral("2D data with axes"));
         if (!result.energies.isEmpty())

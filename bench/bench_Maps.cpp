@@ -2,6 +2,7 @@
 #include "bench/PairedTimes.h"
 #include "bench/PlainMapRun.h"
 #include "examples/MapSample.h"
+#include "input/KnownPositions.h"
 #include "input/MapReader.h"
 #include "results/ResultFile.h"
 
@@ -55,6 +56,7 @@ QString pathOf(int side, int image)
 }
 
 struct ProgramMaps {
+    KnownPositions positions;
     std::vector<MapData> data{4};
     MapResults results;
     HistogramCounts valences;
@@ -63,7 +65,14 @@ struct ProgramMaps {
     explicit ProgramMaps(int side)
     {
         for (int i = 0; i < 4; ++i)
-            readMapData(pathOf(side, i), data[static_cast<std::size_t>(i)]);
+            readMapData(pathOf(side, i), data[static_cast<std::size_t>(i)], options());
+    }
+
+    MapReadOptions options()
+    {
+        MapReadOptions shared;
+        shared.knownPositions = &positions;
+        return shared;
     }
 
     void calculate(Method method, Workers& workers)
@@ -118,13 +127,16 @@ bool same(const plain::MapRun& run, const ProgramMaps& program)
 void readMap(benchmark::State& state)
 {
     const QString path = pathOf(static_cast<int>(state.range(0)), 2);
+    KnownPositions positions;
+    MapReadOptions options;
+    options.knownPositions = &positions;
     MapData data;
     plain::MapFile file;
     std::vector<double> mut;
     PairedTimes times;
     for (auto _ : state) {
         times.run(
-            state, [&] { readMapData(path, data); },
+            state, [&] { readMapData(path, data, options); },
             [&] {
                 file.read(path);
                 mut.clear();
@@ -192,7 +204,9 @@ void writeResults(benchmark::State& state)
         QFile::remove(plainPath);
         times.run(
             state,
-            [&] { writeResultFile(path, program.data[2].header, program.results, {2.0, 3.0}); },
+            [&] {
+                writeResultFile(path, program.data[2].header, program.results, {2.0, 3.0});
+            },
             [&] { run.write(plainPath); });
     }
     times.report(state);
@@ -227,7 +241,7 @@ void alone(benchmark::State& state, Work work)
 
 void readAgain(ProgramMaps& maps, int side, Workers& workers)
 {
-    readMapData(pathOf(side, 2), maps.data[2], {}, workers);
+    readMapData(pathOf(side, 2), maps.data[2], maps.options(), workers);
 }
 
 template <Method method>

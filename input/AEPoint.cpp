@@ -76,6 +76,7 @@ void AEPoint::loadData(const QString& path)
     const QString text = QStringLiteral("Reading %1").arg(QFileInfo(path).fileName());
     MapReadOptions options;
     options.progress = [&](double part) { emit progress(text, part); };
+    options.knownPositions = m_knownPositions;
     emit progress(text, 0.0);
     const MapReadResult result = readMapData(path, m_mapData, options);
     emit progress(text, 1.0);

@@ -6,6 +6,8 @@
 
 #include <QFrame>
 
+class KnownPositions;
+
 /// One energy near the edge: the widgets of a row of the point table and the row's 2D data. The
 /// panel moves the widgets into its own table; the frame itself is never shown.
 class AEPoint : public QFrame, public Ui_AEPoint
@@ -22,6 +24,10 @@ public:
     double energy() const;
 
     const MapData& mapData() const { return m_mapData; }
+
+    /// Positions of 2D data that are read from now on are shared with equal ones of these, which
+    /// have to stay as long as the row.
+    void shareKnownPositions(KnownPositions& known) { m_knownPositions = &known; }
 
     bool useVic = false;          ///< references have a Victreen line subtracted
     bool useVicForTarget = false; ///< the target has one subtracted
@@ -43,4 +49,5 @@ public slots:
 
 private:
     MapData m_mapData;
+    KnownPositions* m_knownPositions = nullptr;
 };

@@ -2,14 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
-#include <mutex>
 
 namespace
 {
-
-std::mutex mutex;
-std::vector<std::weak_ptr<const MapPositions>> known;
 
 /// Compares bits: not-a-number equals itself, and minus zero is not zero.
 bool agree(const MapPositions& candidate, std::size_t first, const MapPositions& positions)
@@ -21,11 +16,11 @@ bool agree(const MapPositions& candidate, std::size_t first, const MapPositions&
 
 } // namespace
 
-std::vector<SharedPositions> KnownPositions::all()
+std::vector<SharedPositions> KnownPositions::all() const
 {
-    const std::lock_guard<std::mutex> lock(mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     std::vector<SharedPositions> alive;
-    for (const auto& entry : known)
+    for (const auto& entry : m_known)
         if (SharedPositions positions = entry.lock())
             alive.push_back(std::move(positions));
     return alive;
@@ -33,10 +28,12 @@ std::vector<SharedPositions> KnownPositions::all()
 
 void KnownPositions::add(const SharedPositions& positions)
 {
-    const std::lock_guard<std::mutex> lock(mutex);
-    const auto gone = [](const auto& entry) { return entry.expired(); };
-    known.erase(std::remove_if(known.begin(), known.end(), gone), known.end());
-    known.push_back(positions);
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const auto replaced = [&](const auto& entry) {
+        return entry.expired() || entry.lock() == positions;
+    };
+    m_known.erase(std::remove_if(m_known.begin(), m_known.end(), replaced), m_known.end());
+    m_known.push_back(positions);
 }
 
 bool PositionCollector::append(const MapPositions& positions)
@@ -76,7 +73,5 @@ SharedPositions PositionCollector::finish()
         if (!keepOwn())
             return nullptr;
     }
-    auto positions = std::make_shared<const MapPositions>(std::move(m_own));
-    KnownPositions::add(positions);
-    return positions;
+    return std::make_shared<const MapPositions>(std::move(m_own));
 }

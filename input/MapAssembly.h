@@ -13,7 +13,9 @@ class MapAssembly
 public:
     /// @param fileSize  bytes, for an estimate of what is to come
     /// @param memory    bytes that the data may take
-    MapAssembly(std::size_t fileSize, std::size_t memory) : m_fileSize(fileSize), m_memory(memory)
+    /// @param known     positions that the file's may be equal to
+    MapAssembly(std::size_t fileSize, std::size_t memory, std::vector<SharedPositions> known)
+        : m_fileSize(fileSize), m_memory(memory), m_positions(std::move(known))
     {
     }
 

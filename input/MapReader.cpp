@@ -1,5 +1,6 @@
 #include "input/MapReader.h"
 
+#include "input/KnownPositions.h"
 #include "input/MapAssembly.h"
 #include "input/MapLines.h"
 #include "system/AvailableMemory.h"
@@ -40,7 +41,9 @@ private:
 ParallelRead::ParallelRead(const TextBytes& text, const MapReadOptions& options, std::size_t memory)
     : m_options(options), m_bytes(text.bytes()), m_start(text.start()),
       m_count(static_cast<std::size_t>(m_bytes.size()) / options.chunkBytes + 1),
-      m_assembly(static_cast<std::size_t>(m_bytes.size()), memory)
+      m_assembly(static_cast<std::size_t>(m_bytes.size()), memory,
+                 options.knownPositions ? options.knownPositions->all()
+                                        : std::vector<SharedPositions>())
 {
 }
 
@@ -98,6 +101,8 @@ ReadOutcome readFrom(const ByteSource& file, MapData& data, MapReadResult& resul
         return outcome;
     if (!parallel.assembly().finish(data))
         return ReadOutcome::TooLarge;
+    if (options.knownPositions)
+        options.knownPositions->add(data.positions);
     result.energies = parallel.assembly().energies();
     return ReadOutcome::Read;
 }

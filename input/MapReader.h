@@ -10,6 +10,7 @@
 #include <functional>
 
 class ByteSource;
+class KnownPositions;
 
 /// What became of a 2D data file.
 struct MapReadResult {
@@ -27,6 +28,9 @@ struct MapReadOptions {
     Progress progress;
     std::size_t memory = 0; ///< bytes that the data may take; 0 for what is available
     std::size_t chunkBytes = std::size_t{1} << 20; ///< the file is read in pieces of this size
+    /// Positions equal to one of these are shared with it, others are added. Null: shared with
+    /// none.
+    KnownPositions* knownPositions = nullptr;
 };
 
 /// Reads 2D data; the reason is left to whoever knows the file's name.
@@ -35,7 +39,6 @@ struct MapReadOptions {
 /// line: "# AXIS n .. .. .. .. size" sets an axis size, "# ENERGY .. e" gives an energy (case does
 /// not matter). Of the others three tokens are a record of two positions and I (with I0 = 1), four
 /// or more one of two positions, I and I0; fewer are ignored. What is not a number counts as 0.
-/// Positions equal to those of a map that is still in memory are shared with it.
 MapReadResult readMapData(const ByteSource& file, MapData& data, const MapReadOptions& options = {},
                           Workers& workers = Workers::shared());
 

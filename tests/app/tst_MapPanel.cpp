@@ -96,6 +96,7 @@ private slots:
     void writeWithoutMap();
     void graphsShowTheMap();
     void progressOfReadingAndWriting();
+    void rowsOfOneScanKeepItsPositionsOnce();
 
 private:
     FourPs& panel() const { return *m_panel; }
@@ -571,6 +572,18 @@ void tst_MapPanel::progressOfReadingAndWriting()
     QCOMPARE(progress.first().at(0).toString(), QStringLiteral("Writing res.dat"));
     QCOMPARE(progress.first().at(1).toDouble(), 0.0);
     QCOMPARE(progress.last().at(1).toDouble(), 1.0);
+}
+
+// Of two panels each keeps its own: nothing of one reaches the other.
+void tst_MapPanel::rowsOfOneScanKeepItsPositionsOnce()
+{
+    loadMaps(4);
+    for (int i = 1; i < 4; ++i)
+        QVERIFY(point(i).mapData().positions == point(0).mapData().positions);
+    FourPs other;
+    user::drop(other.ePoints[0]->MapFile, file("map1.dat"));
+    QCOMPARE(other.ePoints[0]->mapData().positions->size(), std::size_t{pixels});
+    QVERIFY(other.ePoints[0]->mapData().positions != point(0).mapData().positions);
 }
 
 QTEST_MAIN(tst_MapPanel)

@@ -1,3 +1,4 @@
+#include "input/KnownPositions.h"
 #include "input/MapReader.h"
 #include "tests/support/ArrayBytes.h"
 #include "tests/support/PlainMapReader.h"
@@ -300,6 +301,7 @@ private slots:
     void characterAcrossTwoPieces();
     void fewPiecesWaitForOne();
     void equalPositionsAreKeptOnce();
+    void positionsAreSharedOnlyWithThoseHandedOver();
     void positionsThatDifferAreNotShared();
     void progressRisesToOne();
     void progressComesFromTheThreadThatAsked();
@@ -487,7 +489,9 @@ void tst_MapReader::recordsLargerThanMemory()
     QByteArray text;
     for (int i = 0; i < 1000; ++i)
         text += "1 2 3 4\n";
+    KnownPositions known;
     MapReadOptions options;
+    options.knownPositions = &known;
     options.chunkBytes = 512;
     MapData data;
     options.memory = 23999;
@@ -671,7 +675,9 @@ void tst_MapReader::fewPiecesWaitForOne()
 
 void tst_MapReader::equalPositionsAreKeptOnce()
 {
+    KnownPositions known;
     MapReadOptions options;
+    options.knownPositions = &known;
     options.chunkBytes = 16;
     MapData first;
     MapData second;
@@ -679,6 +685,7 @@ void tst_MapReader::equalPositionsAreKeptOnce()
     readMapData(file("1 2 3 4\n-0 nan 5 6\n7 8 9 10\n"), first, options);
     readMapData(file("# other\n1 2 5 6\n-0 nan 5 6\n7 8 1 1\n"), second, options);
     QCOMPARE(second.positions.get(), first.positions.get());
+    QCOMPARE(known.all(), std::vector<SharedPositions>{first.positions});
     QCOMPARE(second.mut[0], std::log(6.0 / 5.0));
     // As soon as nobody holds them they are forgotten.
     std::weak_ptr<const MapPositions> forgotten = first.positions;
@@ -687,11 +694,33 @@ void tst_MapReader::equalPositionsAreKeptOnce()
     QVERIFY(forgotten.expired());
     readMapData(file("1 2 3 4\n-0 nan 5 6\n7 8 9 10\n"), third, options);
     QCOMPARE(third.positions->size(), std::size_t{3});
+    QCOMPARE(known.all(), std::vector<SharedPositions>{third.positions});
+}
+
+// What one analysis has read is nothing to another one, which may run at the same time.
+void tst_MapReader::positionsAreSharedOnlyWithThoseHandedOver()
+{
+    const QString path = file("1 2 3 4\n5 6 7 8\n");
+    KnownPositions known;
+    KnownPositions others;
+    std::array<MapData, 4> data;
+    for (std::size_t i = 0; i < data.size(); ++i) {
+        MapReadOptions options;
+        options.knownPositions = i < 2 ? &known : i == 2 ? &others : nullptr;
+        readMapData(path, data[i], options);
+        QCOMPARE(data[i].positions->size(), std::size_t{2});
+    }
+    QVERIFY(data[1].positions == data[0].positions);
+    QVERIFY(data[2].positions != data[0].positions);
+    QVERIFY(data[3].positions != data[0].positions);
+    QVERIFY(data[3].positions != data[2].positions);
 }
 
 void tst_MapReader::positionsThatDifferAreNotShared()
 {
+    KnownPositions known;
     MapReadOptions options;
+    options.knownPositions = &known;
     options.chunkBytes = 8;
     MapData first;
     readMapData(file("1 2 1\n3 4 1\n5 6 1\n"), first, options);
