@@ -1,8 +1,8 @@
 #include "examples/ErrorBudget.h"
 
+#include "analysis/FittedSpectrum.h"
 #include "examples/AbsorptionModel.h"
 #include "examples/MixedSampleFiles.h"
-#include "input/AXafsData.h"
 
 #include <array>
 #include <cmath>
@@ -93,14 +93,12 @@ private:
     Three m_sum{};
 };
 
-AXafsData spectrumOf(const MixedSample& sample, Measurement measurement)
+FittedSpectrum spectrumOf(const MixedSample& sample, Measurement measurement)
 {
-    AXafsData spectrum;
+    FittedSpectrum spectrum;
     for (const double energy : scanEnergies())
         spectrum.points.push_back({0.0, energy, muT(sample, measurement, energy)});
-    spectrum.preEdgeEnd = 8300.0;
-    spectrum.edge = 8350.0;
-    spectrum.postEdgeStart = 8450.0;
+    spectrum.setBounds({8300.0, 8350.0, 8450.0});
     spectrum.fitVictreens();
     return spectrum;
 }
@@ -117,8 +115,8 @@ Three atNormalization(Function f)
 }
 
 /// @param lines  whether the post-edge lines are subtracted
-Seen seenReferences(const MixedSample& sample, const AXafsData& ref1, const AXafsData& ref2,
-                    bool lines)
+Seen seenReferences(const MixedSample& sample, const FittedSpectrum& ref1,
+                    const FittedSpectrum& ref2, bool lines)
 {
     const auto seen1 = [&](double e) {
         return muT(sample, Measurement::Ref1, e) - blankAt(sample, e) -
@@ -157,8 +155,8 @@ double pointVariance(const MixedSample& sample, double c, double energy, double 
 
 NoiseErrors noiseErrors(const MixedSample& sample, bool defaults)
 {
-    const AXafsData ref1 = spectrumOf(sample, Measurement::Ref1);
-    const AXafsData ref2 = spectrumOf(sample, Measurement::Ref2);
+    const FittedSpectrum ref1 = spectrumOf(sample, Measurement::Ref1);
+    const FittedSpectrum ref2 = spectrumOf(sample, Measurement::Ref2);
     const Seen seen = seenReferences(sample, ref1, ref2, defaults);
     const Linearised method(sample, seen);
     const double c = method.c();
@@ -193,8 +191,8 @@ NoiseErrors noiseErrors(const MixedSample& sample, bool defaults)
 
 DefaultErrors defaultErrors(const MixedSample& sample)
 {
-    const AXafsData ref1 = spectrumOf(sample, Measurement::Ref1);
-    const AXafsData ref2 = spectrumOf(sample, Measurement::Ref2);
+    const FittedSpectrum ref1 = spectrumOf(sample, Measurement::Ref1);
+    const FittedSpectrum ref2 = spectrumOf(sample, Measurement::Ref2);
     const Linearised method(sample, seenReferences(sample, ref1, ref2, true));
     const double t = sample.thicknessT;
     const double sum = sample.thickness1 + sample.thickness2;
