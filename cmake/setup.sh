@@ -3,13 +3,18 @@
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-packages=(
+# What the programs and the example are built from, and what the window needs to be read.
+run_packages=(
     cmake ninja-build g++
     qtbase5-dev qttools5-dev qttools5-dev-tools qtwayland5 libxcb1-dev
-    libtomlplusplus-dev libbenchmark-dev libboost-dev librsvg2-bin
+    libtomlplusplus-dev
+    fonts-dejavu-core fonts-ipafont-gothic
+)
+# Beside those, what the tests, the benchmark programs and the Debian package need.
+check_packages=(
+    libbenchmark-dev libboost-dev librsvg2-bin
     xvfb xauth xdotool
     clang clang-tidy libclang-rt-14-dev cppcheck gcovr pkg-config
-    fonts-dejavu-core fonts-ipafont-gothic
 )
 
 say() { printf '== %s\n' "$*"; }
@@ -31,14 +36,14 @@ missing_packages() {
     done
 }
 
-# Installs the packages that are not there; does nothing where none is missing.
+# install_packages PACKAGE...: installs those that are not there; does nothing where none is missing.
 install_packages() {
     if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
-        say "This is no Debian system: nothing installed. Needed, by Debian's names: ${packages[*]}"
+        say "This is no Debian system: nothing installed. Needed, by Debian's names: $*"
         return
     fi
     local missing
-    mapfile -t missing < <(missing_packages "${packages[@]}")
+    mapfile -t missing < <(missing_packages "$@")
     [ "${#missing[@]}" -gt 0 ] || return 0
     if [ "$(id -u)" != 0 ] && ! command -v sudo >/dev/null; then
         say "Packages are missing and there is no sudo. As root: apt-get install ${missing[*]}"
