@@ -67,6 +67,16 @@ bool LineReader::skipBrokenLine()
     return true;
 }
 
+/// Skips the line that begins before the range. False where the buffer does not reach its end, or
+/// where no line begins in the range, which is then done.
+bool LineReader::reachFirstLine()
+{
+    m_broken = !skipBrokenLine();
+    const bool beyond = m_offset + static_cast<std::int64_t>(m_begin) >= m_range.end;
+    m_done = beyond || (m_textEnds && m_broken);
+    return !m_broken && !beyond;
+}
+
 /// End of the whole lines in the buffer that belong to the range.
 /// @param last  set when no further line belongs to it
 const char* LineReader::linesEnd(bool& last) const
@@ -93,14 +103,8 @@ LinesResult LineReader::next(const char*& first, const char*& last)
     while (!m_done) {
         if (const LinesResult result = fill(); result != LinesResult::Lines)
             return result;
-        if (m_broken) {
-            m_broken = !skipBrokenLine();
-            m_done = m_textEnds && m_broken;
-            if (m_offset + static_cast<std::int64_t>(m_begin) >= m_range.end)
-                return LinesResult::End;
-            if (m_broken)
-                continue;
-        }
+        if (m_broken && !reachFirstLine())
+            continue;
         if (beginsWithLongLine())
             return LinesResult::TooLarge;
         first = m_buffer.data() + m_begin;

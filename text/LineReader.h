@@ -52,6 +52,7 @@ private:
     LinesResult fill();
     bool beginsWithLongLine() const;
     bool skipBrokenLine();
+    bool reachFirstLine();
     const char* linesEnd(bool& last) const;
 
     const ByteSource* m_bytes;
