@@ -3,10 +3,12 @@
 #include "tests/support/Exact.h"
 #include "tests/support/LoadedPanel.h"
 #include "tests/support/PanelActions.h"
+#include "tests/support/SpectrumFile.h"
 #include "text/NumberText.h"
 
 #include <QtTest>
 
+#include <cmath>
 #include <functional>
 
 namespace
@@ -81,6 +83,7 @@ private slots:
     void poppedOutGraphFollows();
     void doubleClickForgetsFits();
     void normalizationButtons();
+    void normalizedByBothLinesOrByTheJump();
     void chosenSpectrumIsWider();
     void removedSpectrumIsGone();
     void removedSpectrumIsTheChosenOne();
@@ -424,6 +427,30 @@ void TestGraphWindow::normalizationButtons()
     QCOMPARE(pictureWith(panel.NNone), byJump);
     QCOMPARE(pictureWith(panel.NBySubPre), byJump);
     QCOMPARE(pictureWith(panel.NBy2Vics), byLines);
+}
+
+// Zero below the edge; behind it the lines part, so that the jump at the edge is the least of all.
+void TestGraphWindow::normalizedByBothLinesOrByTheJump()
+{
+    const auto post = spectra::victreen(11.0, -3.06, 0.0);
+    const SpectrumPoints points =
+        spectra::sampled(spectra::grid(8200.5, 8900, 1.0),
+                         spectra::step(8350, spectra::victreen(0.0, 0.0, 0.0), post));
+    const QTemporaryDir dir;
+    const QString file = spectra::write(dir, "apart.dat", spectra::fileText(points));
+    const auto highest = [&file](QRadioButton* FourPs::*button) {
+        FourPs panel;
+        (panel.*button)->setChecked(true);
+        panel.RefFile1->setFile(file);
+        panel.displays->show();
+        DispArea* area = panel.displays->panel(Displays::DispMuts)->DispA;
+        canvas::picture(area);
+        return area->coord.ry1;
+    };
+    // A twentieth of the curve's height is left above it.
+    const double room = 1.05;
+    QVERIFY(std::fabs(highest(&FourPs::NBy2Vics) - room) < 1e-6);
+    QVERIFY(std::fabs(highest(&FourPs::NByEJ) - room * post(8449.5) / post(8350)) < 1e-6);
 }
 
 void TestGraphWindow::chosenSpectrumIsWider()

@@ -232,6 +232,17 @@ private slots:
         QVERIFY(owners.size() > 80);
     }
 
+    // Two boxes have the same text: only their rows tell them apart.
+    void choicesAreNamedByTheirRow()
+    {
+        QCOMPARE(spokenName(m_panel->UseVicCB), QStringLiteral("mut type of References, Use Vic"));
+        QCOMPARE(spokenName(m_panel->UseVicForTargetCB), QStringLiteral("of Target, Use Vic"));
+        QCOMPARE(spokenName(m_panel->TypeTMKisExact),
+                 QStringLiteral("Calc Type for t, mu0, and k :, Exact 4 points"));
+        QCOMPARE(spokenName(m_panel->NByEJ),
+                 QStringLiteral("When drawing all mut, Normalized by edge jump"));
+    }
+
     void canvasesAreNamedAfterTheirPanels()
     {
         const QStringList titles = {

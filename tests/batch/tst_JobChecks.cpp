@@ -157,6 +157,11 @@ void tst_JobChecks::spectraWithoutCommonEnergies()
     JobFacts facts = soundJob();
     facts.rows.clear();
     facts.spectra = {{QStringLiteral("ref1"), 2, 8000, 9000, {}, {}, {}},
+                     {QStringLiteral("ref2"), 3, 9000.5, 9100, {}, {}, {}}};
+    QCOMPARE(before(facts),
+             QStringList({QStringLiteral("job:3: ref1 (8000 to 9000 eV) and ref2 (9000.5 to 9100 "
+                                         "eV) have no energy in common")}));
+    facts.spectra = {{QStringLiteral("ref1"), 2, 8000, 9000, {}, {}, {}},
                      {QStringLiteral("ref2"), 3, 9000, 9100, {}, {}, {}},
                      {QStringLiteral("target"), 4, 7000, 7999.5, {}, {}, {}}};
     QCOMPARE(before(facts),
