@@ -755,21 +755,23 @@ void tst_MapReader::progressRisesToOne()
 namespace
 {
 
-/// Lets the thread that asks go on only when another one has read something.
-class OthersFirst : public ByteSource
+/// Lets the thread that asks and another one go on only when both read something.
+class ReadByBoth : public ByteSource
 {
 public:
-    explicit OthersFirst(const QByteArray& bytes) : m_bytes(bytes) {}
+    explicit ReadByBoth(const QByteArray& bytes) : m_bytes(bytes) {}
 
     std::int64_t size() const override { return m_bytes.size(); }
     bool read(char* to, std::size_t count, std::int64_t offset) const override
     {
         std::unique_lock<std::mutex> lock(m_mutex);
-        if (std::this_thread::get_id() != m_asker)
-            m_othersRead = true;
-        else if (count > 4) // what is read before the work is shared
-            m_changed.wait_for(lock, std::chrono::seconds(20), [&] { return m_othersRead; });
-        m_changed.notify_all();
+        const bool asker = std::this_thread::get_id() == m_asker;
+        if (!asker || count > 4) { // what is read before the work is shared
+            (asker ? m_askerReads : m_otherReads) = true;
+            m_changed.notify_all();
+            m_changed.wait_for(lock, std::chrono::seconds(20),
+                               [&] { return m_askerReads && m_otherReads; });
+        }
         std::memcpy(to, m_bytes.constData() + offset, count);
         return true;
     }
@@ -779,7 +781,8 @@ private:
     std::thread::id m_asker = std::this_thread::get_id();
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;
-    mutable bool m_othersRead = false;
+    mutable bool m_askerReads = false;
+    mutable bool m_otherReads = false;
 };
 
 } // namespace
@@ -787,7 +790,7 @@ private:
 /// What shows it belongs to that thread.
 void tst_MapReader::progressComesFromTheThreadThatAsked()
 {
-    const OthersFirst source(QByteArray("1 2 3 4\n").repeated(1000));
+    const ReadByBoth source(QByteArray("1 2 3 4\n").repeated(1000));
     MapReadOptions options;
     options.chunkBytes = 100;
     const std::thread::id asker = std::this_thread::get_id();
