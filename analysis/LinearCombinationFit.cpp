@@ -82,9 +82,16 @@ LinearCombination fitLinearCombination(const FittedSpectrum& ref1, const FittedS
 {
     Samples samples = sample(ref1, ref2, target, range);
     const Vector<3> p = solve(samples);
-    for (std::size_t k = 0; k < samples.points.size(); ++k)
-        samples.points[k].mut = p[0] * samples.x1[k] + p[1] * samples.x2[k] + p[2];
-    return {p[0], p[1], p[2], std::move(samples.points)};
+    double missed = 0.0;
+    double whole = 0.0;
+    for (std::size_t k = 0; k < samples.points.size(); ++k) {
+        const double fitted = p[0] * samples.x1[k] + p[1] * samples.x2[k] + p[2];
+        const double difference = samples.y[k] - fitted;
+        missed += difference * difference;
+        whole += samples.y[k] * samples.y[k];
+        samples.points[k].mut = fitted;
+    }
+    return {p[0], p[1], p[2], std::move(samples.points), missed / whole};
 }
 
 std::variant<LinearCombination, RunRefusal> lcfResult(const AnalysisInput& input)

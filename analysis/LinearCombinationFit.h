@@ -23,6 +23,8 @@ struct LinearCombination {
     double p2;
     double p3;
     SpectrumPoints curve; ///< the fitted points: angle and energy of the target, fitted value
+    /// Sum of (target - fit)^2 over the sum of target^2, over the fitted points.
+    double rFactor = 0.0;
 
     /// Fraction a of valence state 1, and 1 - a. Infinite or not-a-number for p1 + p2 = 0.
     double share1() const { return p1 / (p1 + p2); }

@@ -26,20 +26,24 @@ std::optional<JobError> cannotOpen(const JobFilePath& file)
     return JobError{file.line, QStringLiteral("cannot open %1: %2").arg(file.path, reason)};
 }
 
+std::optional<JobError> readSpectrum(const JobFilePath& file, std::size_t i, JobData& data)
+{
+    if (auto error = cannotOpen(file))
+        return error;
+    auto spectrum = std::make_shared<AXafsData>();
+    spectrum->setBounds(data.settings.bounds());
+    if (!spectrum->read(file.path))
+        return unusable(file, spectrum->refusal, QStringLiteral("spectrum"));
+    data.spectra[i] = std::move(spectrum);
+    return std::nullopt;
+}
+
 std::optional<JobError> readSpectra(const Job& job, JobData& data)
 {
-    for (std::size_t i = 0; i < data.spectra.size(); ++i) {
-        const JobFilePath& file = job.spectra[i];
-        if (file.path.isEmpty())
-            continue;
-        if (auto error = cannotOpen(file))
-            return error;
-        auto spectrum = std::make_shared<AXafsData>();
-        spectrum->setBounds(data.settings.bounds());
-        if (!spectrum->read(file.path))
-            return unusable(file, spectrum->refusal, QStringLiteral("spectrum"));
-        data.spectra[i] = std::move(spectrum);
-    }
+    for (std::size_t i = 0; i < data.spectra.size(); ++i)
+        if (!job.spectra[i].path.isEmpty())
+            if (auto error = readSpectrum(job.spectra[i], i, data))
+                return error;
     return std::nullopt;
 }
 
@@ -64,6 +68,15 @@ std::optional<JobError> readMaps(const Job& job, JobData& data)
     return std::nullopt;
 }
 
+void prepareInput(JobData& data)
+{
+    for (std::size_t i = 0; i < data.spectra.size(); ++i)
+        data.input.spectra.all[i] = data.spectra[i].get();
+    data.input.conditions = data.settings.conditions;
+    data.input.valences = data.settings.valences;
+    data.input.table = pointTable(data.settings.points, data.input.spectra, data.input.conditions);
+}
+
 } // namespace
 
 std::vector<MapSource> JobData::mapSources() const
@@ -72,6 +85,19 @@ std::vector<MapSource> JobData::mapSources() const
     for (const MapData& map : maps)
         sources.push_back(map.source());
     return sources;
+}
+
+std::optional<JobData> withTarget(const JobData& common, const JobFilePath& target, JobError& error)
+{
+    JobData data;
+    data.settings = common.settings;
+    data.spectra = common.spectra;
+    if (auto wrong = readSpectrum(target, Job::Target, data)) {
+        error = *wrong;
+        return std::nullopt;
+    }
+    prepareInput(data);
+    return data;
 }
 
 std::optional<JobData> readJobData(const Job& job, JobError& error)
@@ -85,10 +111,6 @@ std::optional<JobData> readJobData(const Job& job, JobError& error)
         error = *wrong;
         return std::nullopt;
     }
-    for (std::size_t i = 0; i < data.spectra.size(); ++i)
-        data.input.spectra.all[i] = data.spectra[i].get();
-    data.input.conditions = data.settings.conditions;
-    data.input.valences = data.settings.valences;
-    data.input.table = pointTable(data.settings.points, data.input.spectra, data.input.conditions);
+    prepareInput(data);
     return data;
 }

@@ -21,6 +21,12 @@ struct JobData {
     std::vector<MapSource> mapSources() const;
 };
 
+/// The same job with a target of its own. The references, the blank and the settings are shared; no
+/// 2D data are in it.
+/// @param error  why the target cannot be used, where nothing comes back
+std::optional<JobData> withTarget(const JobData& common, const JobFilePath& target,
+                                  JobError& error);
+
 /// Reads the files of a job. An energy in the header of 2D data takes the place of its row's.
 /// @param error  the first file that cannot be read, with its line in the job, where nothing comes
 ///               back

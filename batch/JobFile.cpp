@@ -2,6 +2,7 @@
 
 #include "batch/Nesting.h"
 #include "system/ReadableFile.h"
+#include "text/NearestName.h"
 
 #include <QDir>
 #include <QFile>
@@ -73,6 +74,7 @@ private:
     Handler flag(std::optional<bool>& value);
     Handler flag(bool& value);
     Handler filePath(JobFilePath& file);
+    Handler patterns(std::vector<JobFilePath>& files);
     template <typename Value>
     Handler choice(std::optional<Value>& value, std::vector<std::pair<const char*, Value>> choices);
 
@@ -80,8 +82,10 @@ private:
     JobPoint readPoint(const toml::table& table);
     void checkVPoints(const toml::array& array, const std::vector<JobPoint>& points);
     void readCalculate(const toml::node& node);
+    void checkTargets();
 
     QString m_folder;
+    int m_mapLine = 0; ///< where a map is asked for
 };
 
 QString quoted(const QString& text)
@@ -102,8 +106,12 @@ void JobReader::readKeys(const toml::table& table, const QString& where, const K
         QStringList names;
         for (const Key& k : keys)
             names += QLatin1String(k.name);
-        fail(lineOf(key.source()), QStringLiteral("unknown key %1%2; known are: %3")
-                                       .arg(quoted(name), where, names.join(QStringLiteral(", "))));
+        const QString meant = nearestName(name, names);
+        fail(lineOf(key.source()),
+             QStringLiteral("unknown key %1%2%3; known are: %4")
+                 .arg(quoted(name), where,
+                      meant.isEmpty() ? QString() : QStringLiteral(", did you mean ") + meant,
+                      names.join(QStringLiteral(", "))));
     }
 }
 
@@ -164,6 +172,28 @@ JobReader::Handler JobReader::filePath(JobFilePath& file)
             file = {QDir(m_folder).filePath(textOf(*text)), lineOf(node.source())};
         else
             fail(node, QStringLiteral("%1 is the path of a file, in quotation marks").arg(name));
+    };
+}
+
+/// The texts are kept as they are.
+JobReader::Handler JobReader::patterns(std::vector<JobFilePath>& files)
+{
+    return [this, &files](const toml::node& node, const QString& name) {
+        const toml::array* array = node.as_array();
+        const QString wanted =
+            QStringLiteral("%1 is a list of names and patterns of files, each in quotation marks")
+                .arg(name);
+        if (array == nullptr || array->empty()) {
+            fail(node, wanted);
+            return;
+        }
+        for (const toml::node& item : *array) {
+            const auto text = item.value_exact<std::string_view>();
+            if (text && !text->empty())
+                files.push_back({textOf(*text), lineOf(item.source())});
+            else
+                fail(item, wanted);
+        }
     };
 }
 
@@ -250,16 +280,37 @@ void JobReader::readCalculate(const toml::node& node)
             job.calculateMap = true;
         else
             fail(item, QStringLiteral("calculate is a list of \"target\", \"lcf\", \"map\""));
+        if (name && *name == "map")
+            m_mapLine = lineOf(item.source());
     }
+}
+
+/// Many targets go into a folder of results; there is no window for them, and no map.
+void JobReader::checkTargets()
+{
+    if (job.targets.empty()) {
+        if (!job.output.path.isEmpty())
+            fail(job.output.line, QStringLiteral("[output] is for targets; there are none"));
+        return;
+    }
+    const int line = job.targets.front().line;
+    const JobFilePath& target = job.spectra[Job::Target];
+    if (!target.path.isEmpty())
+        fail(std::max(line, target.line), QStringLiteral("target and targets exclude one another"));
+    if (job.output.path.isEmpty())
+        fail(line, QStringLiteral("targets need a folder for their results: [output] folder"));
+    if (m_mapLine > 0)
+        fail(m_mapLine, QStringLiteral("a map is not calculated together with targets"));
+    if (!job.mapResult.path.isEmpty())
+        fail(job.mapResult.line, QStringLiteral("map_result is not written together with targets"));
 }
 
 void JobReader::read(const toml::table& root)
 {
-    const Keys files{{"ref1", filePath(job.spectra[Job::Ref1])},
-                     {"ref2", filePath(job.spectra[Job::Ref2])},
-                     {"target", filePath(job.spectra[Job::Target])},
-                     {"blank", filePath(job.spectra[Job::Blank])},
-                     {"map_result", filePath(job.mapResult)}};
+    const Keys files{
+        {"ref1", filePath(job.spectra[Job::Ref1])},     {"ref2", filePath(job.spectra[Job::Ref2])},
+        {"target", filePath(job.spectra[Job::Target])}, {"targets", patterns(job.targets)},
+        {"blank", filePath(job.spectra[Job::Blank])},   {"map_result", filePath(job.mapResult)}};
     const Keys edge{{"energy", number(job.edge, job.edgeLine)},
                     {"pre_edge_end", number(job.preEdgeEnd, job.preEdgeEndLine)},
                     {"post_edge_start", number(job.postEdgeStart, job.postEdgeStartLine)}};
@@ -283,7 +334,9 @@ void JobReader::read(const toml::table& root)
          {"valences", table(valences)},
          {"point", [this](const toml::node& node, const QString&) { readPoints(node); }},
          {"conditions", table(conditions)},
+         {"output", table({{"folder", filePath(job.output)}})},
          {"calculate", [this](const toml::node& node, const QString&) { readCalculate(node); }}});
+    checkTargets();
 }
 
 } // namespace
@@ -313,6 +366,7 @@ std::optional<Job> parseJob(const QByteArray& text, const QString& folder, JobEr
         error = *reader.error;
         return std::nullopt;
     }
+    reader.job.folder = folder;
     return reader.job;
 }
 

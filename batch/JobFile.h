@@ -29,7 +29,12 @@ struct JobPoint {
 /// calculations to run. Whatever is empty stays as the form has it.
 struct Job {
     enum SpectrumIndex { Ref1, Ref2, Target, Blank };
+    QString folder; ///< of the job file; what its paths start from
     std::array<JobFilePath, 4> spectra;
+
+    /// Names and patterns of many targets, as they stand in the job; not together with a target.
+    std::vector<JobFilePath> targets;
+    JobFilePath output; ///< folder of the results of many targets
 
     QString edge;          ///< eV
     QString preEdgeEnd;    ///< eV, against the edge

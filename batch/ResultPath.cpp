@@ -85,3 +85,20 @@ std::optional<JobError> checkResultPath(const Job& job, const QString& jobPath)
             QStringLiteral("map_result %1 cannot be written: %2").arg(path, whyUnwritable(path)));
     return std::nullopt;
 }
+
+std::optional<JobError> checkOutput(const Job& job, const QString& jobPath,
+                                    const std::vector<JobFilePath>& targets, const QString& path)
+{
+    const auto wrong = [&](const QString& reason) { return JobError{job.output.line, reason}; };
+    const QFileInfo folder(job.output.path);
+    if (folder.exists() && !folder.isDir())
+        return wrong(QStringLiteral("the output folder is a file: %1").arg(job.output.path));
+    if (QFileInfo(path).isDir())
+        return wrong(QStringLiteral("%1 is a folder").arg(path));
+    std::vector<ReadFile> files = filesReadBy(job, jobPath);
+    for (const JobFilePath& target : targets)
+        files.push_back({QStringLiteral("the target %1").arg(target.path), target.path});
+    if (const QString lost = lostBy(path, files); !lost.isEmpty())
+        return wrong(QStringLiteral("%1 would be written over %2").arg(path, lost));
+    return std::nullopt;
+}

@@ -1,92 +1,129 @@
+#include "batch/Console.h"
 #include "batch/JobFacts.h"
 #include "batch/JobRun.h"
 #include "batch/ResultPath.h"
+#include "batch/TargetsJob.h"
 #include "system/Signals.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QTextStream>
 
+#include <algorithm>
 #include <exception>
 #include <new>
 
 namespace
 {
 
-enum ExitStatus { Done = 0, Doubtful = 1, Failed = 2 };
-
-void say(const QString& text)
+int complain(const QString& text, ExitStatus status = ExitStatus::BadJob)
 {
-    QTextStream stream(stderr);
-    stream.setCodec("UTF-8");
-    stream << text << '\n';
-}
-
-int complain(const QString& text)
-{
-    say(text);
-    return Failed;
-}
-
-void warn(const QString& path, const std::vector<JobError>& doubts)
-{
-    for (const JobError& doubt : doubts)
-        say(errorText(path, {doubt.line, QStringLiteral("warning: ") + doubt.reason}));
+    console::say(text);
+    return static_cast<int>(status);
 }
 
 int report(const QString& path, const Job& job, const RunReport& run)
 {
-    QTextStream stream(stdout);
-    stream.setCodec("UTF-8");
-    stream << reportText(job, run);
-    stream.flush();
-    warn(path, doubtsAfter(run.results));
+    const bool printed = console::print(reportText(job, run).toUtf8());
+    console::warn(path, doubtsAfter(run.results));
     for (const QString& file : run.written)
-        say(QStringLiteral("Written: ") + file);
-    if (stream.status() != QTextStream::Ok)
-        return complain(QStringLiteral("The report cannot be written."));
+        console::say(QStringLiteral("Written: ") + file);
+    if (!printed)
+        return complain(QStringLiteral("The report cannot be written."), ExitStatus::FileFailed);
     if (run.resultNotWritten)
-        return complain(errorText(
-            path, {job.mapResult.line, QStringLiteral("cannot write %1").arg(job.mapResult.path)}));
-    return run.refused || !areFinite(run.results) ? Doubtful : Done;
+        return complain(
+            errorText(path, {job.mapResult.line,
+                             QStringLiteral("cannot write %1").arg(job.mapResult.path)}),
+            ExitStatus::FileFailed);
+    const bool good = !run.refused && areFinite(run.results);
+    return static_cast<int>(good ? ExitStatus::Done : ExitStatus::SomeRefused);
 }
 
-int analyse(const QString& path)
+int analyseOne(const QString& path, const Job& job, bool checkOnly)
 {
-    JobError error;
-    const std::optional<Job> job = readJob(path, error);
-    if (!job)
-        return complain(errorText(path, error));
-    if (const std::optional<JobError> wrong = checkResultPath(*job, path))
+    if (const std::optional<JobError> wrong = checkResultPath(job, path))
         return complain(errorText(path, *wrong));
-    const std::optional<JobData> data = readJobData(*job, error);
+    JobError error;
+    const std::optional<JobData> data = readJobData(job, error);
     if (!data)
         return complain(errorText(path, error));
-    warn(path, doubtsBefore(factsOf(*job, *data)));
-    return report(path, *job, runJob(*job, *data));
+    console::warn(path, doubtsBefore(factsOf(job, *data)));
+    if (checkOnly)
+        return static_cast<int>(ExitStatus::Done);
+    return report(path, job, runJob(job, *data));
+}
+
+/// What the command line asks for.
+struct Options {
+    bool help = false;
+    bool version = false;
+    QString job;
+    RunOptions run;
+};
+
+/// @return why the command line cannot be understood; empty where it can
+QString readOptions(QCommandLineParser& parser, Options& options)
+{
+    parser.setApplicationDescription(QStringLiteral(
+        "Valence from X-ray absorption spectra: runs a job without a window.\n\n"
+        "Exit status: 0 all done, 1 some calculations were refused or found no finite number and "
+        "the rest is done, 2 a bad job or an unreadable file and nothing was written, 3 the disk "
+        "or a file failed."));
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    const QCommandLineOption check(QStringLiteral("check"),
+                                   QStringLiteral("Only reads the job and its files."));
+    const QCommandLineOption list(
+        QStringLiteral("list"), QStringLiteral("Prints the targets of the job, one on each line."));
+    const QCommandLineOption zero(QStringLiteral("0"),
+                                  QStringLiteral("With --list: ends each with NUL."));
+    const QCommandLineOption threads(
+        QStringLiteral("jobs"),
+        QStringLiteral("Threads; unless given, the processors that may be used."),
+        QStringLiteral("N"));
+    const QCommandLineOption quiet(QStringLiteral("quiet"),
+                                   QStringLiteral("No progress, no names of written files."));
+    parser.addOptions({check, list, zero, threads, quiet});
+    parser.addPositionalArgument(QStringLiteral("JOB.toml"),
+                                 QStringLiteral("Spectra, points and conditions."));
+    if (!parser.parse(QCoreApplication::arguments()))
+        return parser.errorText();
+    options.help = parser.isSet(help);
+    options.version = parser.isSet(version);
+    options.run.checkOnly = parser.isSet(check);
+    options.run.listOnly = parser.isSet(list);
+    options.run.listWithNul = parser.isSet(zero);
+    options.run.quiet = parser.isSet(quiet);
+    if (parser.isSet(threads)) {
+        options.run.threads = parser.value(threads).toUInt();
+        if (options.run.threads < 1 || options.run.threads > mostThreads)
+            return QStringLiteral("--jobs takes a number from 1 to %1.").arg(mostThreads);
+    }
+    const QStringList jobs = parser.positionalArguments();
+    options.job = jobs.value(0);
+    if (jobs.size() != 1 && !options.help && !options.version)
+        return QStringLiteral("One job file is expected: drovik-batch JOB.toml");
+    return {};
 }
 
 int run()
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Valence from X-ray absorption spectra: runs a job without a window.\n\n"
-        "Exit status: 0 done, 1 a calculation was refused or its result is no finite number, 2 a "
-        "bad job, an unreadable file, or a report or result file that cannot be written."));
-    const QCommandLineOption help = parser.addHelpOption();
-    const QCommandLineOption version = parser.addVersionOption();
-    parser.addPositionalArgument(QStringLiteral("JOB.toml"),
-                                 QStringLiteral("Spectra, points and conditions."));
-    if (!parser.parse(QCoreApplication::arguments()))
-        return complain(parser.errorText());
-    if (parser.isSet(help))
-        parser.showHelp(Done);
-    if (parser.isSet(version))
+    Options options;
+    if (const QString wrong = readOptions(parser, options); !wrong.isEmpty())
+        return complain(wrong);
+    if (options.help)
+        parser.showHelp(0);
+    if (options.version)
         parser.showVersion();
-    const QStringList jobs = parser.positionalArguments();
-    if (jobs.size() != 1)
-        return complain(QStringLiteral("One job file is expected: drovik-batch JOB.toml"));
-    return analyse(jobs.constFirst());
+    JobError error;
+    const std::optional<Job> job = readJob(options.job, error);
+    if (!job)
+        return complain(errorText(options.job, error));
+    if (!job->targets.empty())
+        return static_cast<int>(analyseTargets(options.job, *job, options.run));
+    if (options.run.listOnly)
+        return static_cast<int>(listTargets({job->spectra[Job::Target]}, options.run));
+    return analyseOne(options.job, *job, options.run.checkOnly);
 }
 
 } // namespace

@@ -381,7 +381,7 @@ void tst_Batch::limitOfFileSize()
     const QString job = dir.filePath(QStringLiteral("map-job.toml"));
     const Output output = runBatch({job}, m_dir.path(), QStringLiteral("C.UTF-8"), {},
                                    {QStringLiteral("prlimit"), QStringLiteral("--fsize=4096")});
-    QCOMPARE(output.status, 2);
+    QCOMPARE(output.status, 3);
     QCOMPARE(output.text.section(QLatin1Char('\n'), 1),
              QStringLiteral("Can't write the file [%1]\nMap: 24 x 16 pixels\n").arg(result));
     QCOMPARE(output.errors, QStringLiteral("%1:15: cannot write %2\n").arg(job, result));
@@ -660,7 +660,7 @@ void tst_Batch::reportOnAFullDisk()
     const Output output = runBatch({examples + QStringLiteral("/nickel/job.toml")}, m_dir.path(),
                                    QStringLiteral("C.UTF-8"), QStringLiteral("/dev/full"));
     QCOMPARE(output.errors, QStringLiteral("The report cannot be written.\n"));
-    QCOMPARE(output.status, 2);
+    QCOMPARE(output.status, 3);
 }
 
 void tst_Batch::helpAndVersion()
@@ -670,9 +670,9 @@ void tst_Batch::helpAndVersion()
     QVERIFY(help.text.contains(QStringLiteral("JOB.toml")));
     const QString words = help.text.simplified(); // the lines are broken to the terminal's width
     QVERIFY(words.contains(QStringLiteral(
-        "Exit status: 0 done, 1 a calculation was refused or its result is no finite "
-        "number, 2 a bad job, an unreadable file, or a report or result file that "
-        "cannot be written.")));
+        "Exit status: 0 all done, 1 some calculations were refused or found no finite number and "
+        "the rest is done, 2 a bad job or an unreadable file and nothing was written, 3 the disk "
+        "or a file failed.")));
     const Output version = run({QStringLiteral("--version")});
     QCOMPARE(version.status, 0);
     QVERIFY(QRegularExpression(QStringLiteral("^drovik-batch [0-9]+\\.[0-9]+\\.[0-9]+\n$"))

@@ -209,7 +209,8 @@ void tst_JobFile::errorsHaveLineAndReason_data()
         QTest::newRow(name) << QByteArray(text) << QString::fromUtf8(expected);
     };
     row("unknown key", "\nedges = 1\n",
-        "job:2: unknown key \"edges\"; known are: files, edge, valences, point, conditions, "
+        "job:2: unknown key \"edges\", did you mean edge; known are: files, edge, valences, point, "
+        "conditions, output, "
         "calculate");
     row("unknown key in a table", "[edge]\nenergy = 1\nstart = 2\n",
         "job:3: unknown key \"start\" in [edge]; known are: energy, pre_edge_end, "
@@ -218,12 +219,31 @@ void tst_JobFile::errorsHaveLineAndReason_data()
         "job:4: unknown key \"blank\" in [[point]]; known are: energy, use, t_ratio, v_point, "
         "map");
     row("the first of several errors", "[files]\nref3 = 1\n[edge]\nenergy = \"x\"\n",
-        "job:2: unknown key \"ref3\" in [files]; known are: ref1, ref2, target, blank, "
-        "map_result");
+        "job:2: unknown key \"ref3\" in [files], did you mean ref1; known are: ref1, ref2, target, "
+        "targets, blank, map_result");
     row("the first of two, visited last", "[valences]\nref9 = 1\n[edge]\nstart = 2\n",
-        "job:2: unknown key \"ref9\" in [valences]; known are: ref1, ref2");
+        "job:2: unknown key \"ref9\" in [valences], did you mean ref1; known are: ref1, ref2");
     row("the first of two in a line", "edge = {start = 1, energy = \"x\"}\n",
         "job:1: energy is a finite number");
+    row("target and targets",
+        "[files]\ntarget = \"a\"\ntargets = [\"b\"]\n[output]\nfolder = \"c\"\n",
+        "job:3: target and targets exclude one another");
+    row("targets without a folder", "[files]\ntargets = [\"b\"]\n",
+        "job:2: targets need a folder for their results: [output] folder");
+    row("a folder without targets", "[output]\nfolder = \"c\"\n",
+        "job:2: [output] is for targets; there are none");
+    row("a map with targets",
+        "calculate = [\"map\"]\n[files]\ntargets = [\"b\"]\n[output]\nfolder = \"c\"\n",
+        "job:1: a map is not calculated together with targets");
+    row("a map's result with targets",
+        "[files]\ntargets = [\"b\"]\nmap_result = \"m\"\n[output]\nfolder = \"c\"\n",
+        "job:3: map_result is not written together with targets");
+    row("no list of targets", "[files]\ntargets = \"b\"\n",
+        "job:2: targets is a list of names and patterns of files, each in quotation marks");
+    row("empty list of targets", "[files]\ntargets = []\n",
+        "job:2: targets is a list of names and patterns of files, each in quotation marks");
+    row("a number among targets", "[files]\ntargets = [\"b\",\n3]\n[output]\nfolder = \"c\"\n",
+        "job:3: targets is a list of names and patterns of files, each in quotation marks");
     row("no table", "files = 3\n", "job:1: files is a table: [files]");
     row("text for a number", "[edge]\nenergy = \"8350\"\n", "job:2: energy is a finite number");
     row("not a number", "[edge]\nenergy = nan\n", "job:2: energy is a finite number");

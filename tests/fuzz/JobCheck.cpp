@@ -20,6 +20,11 @@ bool samePoints(const Job& job, const Job& expected)
 
 bool samePaths(const Job& job, const Job& expected)
 {
+    if (job.output.path != expected.output.path || job.targets.size() != expected.targets.size())
+        return false;
+    for (std::size_t i = 0; i < job.targets.size(); ++i)
+        if (job.targets[i].path != expected.targets[i].path)
+            return false;
     return job.mapResult.path == expected.mapResult.path &&
            std::equal(job.spectra.begin(), job.spectra.end(), expected.spectra.begin(),
                       [](const JobFilePath& a, const JobFilePath& b) { return a.path == b.path; });

@@ -104,12 +104,37 @@ Reading section(const toml::table& root, const char* key, const char* keys)
 
 bool readFiles(const toml::table& root, const QString& folder, Job& job)
 {
-    Reading files = section(root, "files", "ref1 ref2 target blank map_result");
+    Reading files = section(root, "files", "ref1 ref2 target targets blank map_result");
     const char* const names[] = {"ref1", "ref2", "target", "blank"};
     for (std::size_t i = 0; i < 4; ++i)
         job.spectra.at(i).path = files.path(names[i], folder);
     job.mapResult.path = files.path("map_result", folder);
+    if (const toml::node* targets = files.node("targets")) {
+        if (!targets->is_array() || targets->as_array()->empty())
+            return false;
+        for (const toml::node& item : *targets->as_array()) {
+            if (!item.is_string() || item.as_string()->get().empty())
+                return false;
+            job.targets.push_back({fromUtf8(**item.as_string()), 0});
+        }
+    }
     return files.ok;
+}
+
+bool readOutput(const toml::table& root, const QString& folder, Job& job)
+{
+    Reading output = section(root, "output", "folder");
+    job.output.path = output.path("folder", folder);
+    return output.ok;
+}
+
+/// Many targets are alone, and have a folder; one target or a map has none.
+bool targetsFit(const Job& job)
+{
+    if (job.targets.empty())
+        return job.output.path.isEmpty();
+    return !job.output.path.isEmpty() && job.spectra.at(2).path.isEmpty() && !job.calculateMap &&
+           job.mapResult.path.isEmpty();
 }
 
 bool readNumbers(const toml::table& root, Job& job)
@@ -213,9 +238,11 @@ bool readJob(const QByteArray& text, const QString& folder, Job& job)
     }
     const QStringList keys{QStringLiteral("files"),      QStringLiteral("edge"),
                            QStringLiteral("valences"),   QStringLiteral("point"),
-                           QStringLiteral("conditions"), QStringLiteral("calculate")};
+                           QStringLiteral("conditions"), QStringLiteral("calculate"),
+                           QStringLiteral("output")};
     return onlyKeys(root, keys) && readFiles(root, folder, job) && readNumbers(root, job) &&
-           readConditions(root, job) && readPoints(root, folder, job) && readCalculate(root, job);
+           readConditions(root, job) && readPoints(root, folder, job) && readCalculate(root, job) &&
+           readOutput(root, folder, job) && targetsFit(job);
 }
 
 } // namespace literal

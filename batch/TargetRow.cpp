@@ -1,0 +1,127 @@
+#include "batch/TargetRow.h"
+
+#include "batch/JobFacts.h"
+#include "results/ResultText.h"
+#include "text/Csv.h"
+
+#include <QDir>
+
+#include <cmath>
+
+namespace
+{
+
+void refuse(const QString& reason, TargetRow& row)
+{
+    if (row.refusal.isEmpty())
+        row.refusal = reason;
+}
+
+QByteArray methodName(Method method)
+{
+    switch (method) {
+    case Method::ThreePoint:
+        return "3ps";
+    case Method::FourPointExact:
+        return "4ps";
+    case Method::FourPointLeastSquares:
+        break;
+    }
+    return "4ps2";
+}
+
+void calculate(const Job& job, const JobData& data, TargetRow& row)
+{
+    if (job.calculateTarget) {
+        const auto outcome = targetResult(data.input);
+        if (const auto* refusal = std::get_if<RunRefusal>(&outcome))
+            refuse(ResultText::refusal(*refusal), row);
+        else
+            row.result = std::get<TargetResult>(outcome);
+    }
+    if (job.calculateLcf) {
+        auto outcome = lcfResult(data.input);
+        if (const auto* refusal = std::get_if<RunRefusal>(&outcome))
+            refuse(ResultText::refusal(*refusal), row);
+        else
+            row.fit = std::move(std::get<LinearCombination>(outcome));
+    }
+}
+
+JobResults resultsOf(const TargetRow& row)
+{
+    JobResults results;
+    if (row.result) {
+        results.a = row.result->a;
+        results.valence = row.result->valence;
+    }
+    if (row.fit) {
+        results.lcfA = row.fit->share1();
+        results.lcfValence = row.fitValence;
+    }
+    return results;
+}
+
+} // namespace
+
+bool TargetRow::isGood() const
+{
+    return refusal.isEmpty() && areFinite(resultsOf(*this));
+}
+
+TargetRow analyseTarget(const Job& job, const JobData& common, const JobFilePath& target)
+{
+    TargetRow row;
+    row.target = QDir(job.folder).relativeFilePath(target.path);
+    JobError error;
+    const std::optional<JobData> data = withTarget(common, target, error);
+    if (!data) {
+        refuse(error.reason, row);
+        return row;
+    }
+    Job own = job;
+    own.spectra[Job::Target] = target;
+    const AXafsData& spectrum = *data->spectra[Job::Target];
+    row.edgeJump = spectrum.edgeJump();
+    row.edgeJumpNoC = spectrum.edgeJumpNoC();
+    calculate(own, *data, row);
+    if (row.fit)
+        row.fitValence = row.fit->valence(data->settings.valences);
+    for (const JobError& doubt : doubtsBefore(factsOf(own, *data)))
+        row.warnings += doubt.reason;
+    for (const JobError& doubt : doubtsAfter(resultsOf(row)))
+        row.warnings += doubt.reason;
+    return row;
+}
+
+QByteArrayList targetColumns()
+{
+    return {"target",      "method",        "a",       "valence", "t_ts",      "sbys",
+            "mean",        "ls_a",          "ls_b",    "ls_a_nb", "ls_b_nb",   "vic2",
+            "edge_jump",   "edge_jump_noc", "lcf_w1",  "lcf_w2",  "lcf_const", "lcf_a",
+            "lcf_valence", "lcf_r_factor",  "refusal", "warnings"};
+}
+
+QByteArrayList targetFields(const TargetRow& row)
+{
+    using Number = std::optional<double>;
+    const TargetResult found = row.result.value_or(TargetResult());
+    const ThicknessRatios ratios = found.ratios.value_or(ThicknessRatios());
+    const bool hasThickness = row.result && found.method != Method::ThreePoint;
+    const auto ofResult = [&](double value) { return row.result ? Number(value) : Number(); };
+    const auto ofRatios = [&](double value) { return found.ratios ? Number(value) : Number(); };
+    const auto ofFit = [&](auto value) { return row.fit ? Number(value(*row.fit)) : Number(); };
+    QByteArrayList fields{row.target.toUtf8(), row.result ? methodName(found.method) : ""};
+    for (const Number& number :
+         {ofResult(found.a), ofResult(found.valence),
+          hasThickness ? Number(found.thickness) : Number(), ofRatios(ratios.trSbyS),
+          ofRatios(ratios.trMean), ofRatios(ratios.trLsA), ofRatios(ratios.trLsB),
+          ofRatios(ratios.trLsANB), ofRatios(ratios.trLsBNB), ofRatios(ratios.trVic2), row.edgeJump,
+          row.edgeJumpNoC, ofFit([](const LinearCombination& fit) { return fit.p1; }),
+          ofFit([](const LinearCombination& fit) { return fit.p2; }),
+          ofFit([](const LinearCombination& fit) { return fit.p3; }),
+          ofFit([](const LinearCombination& fit) { return fit.share1(); }), row.fitValence,
+          ofFit([](const LinearCombination& fit) { return fit.rFactor; })})
+        fields += csv::number(number);
+    return fields << row.refusal.toUtf8() << row.warnings.join(QStringLiteral("; ")).toUtf8();
+}

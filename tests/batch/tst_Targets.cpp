@@ -1,0 +1,335 @@
+#include "batch/JobRun.h"
+#include "batch/TargetRow.h"
+#include "examples/MixedSample.h"
+#include "examples/MixedSampleFiles.h"
+#include "text/NumberText.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace
+{
+
+struct Output {
+    int status = -1;
+    QByteArray text;
+    QString errors;
+};
+
+Output run(const QStringList& arguments, const QString& folder)
+{
+    QProcess process;
+    process.setWorkingDirectory(folder);
+    process.start(QStringLiteral(BATCH_PROGRAM), arguments);
+    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {process.exitCode(), process.readAllStandardOutput(),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+QByteArray contents(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
+}
+
+void write(const QString& path, const QByteArray& text)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+        qFatal("%s cannot be written", qPrintable(path));
+}
+
+/// A field of a table without quotation marks, by the names of its row and column.
+QByteArray field(const QByteArray& table, const QByteArray& target, const QByteArray& column)
+{
+    const QList<QByteArray> lines = table.split('\n');
+    const int index = lines.first().trimmed().split(',').indexOf(column);
+    for (const QByteArray& line : lines)
+        if (line.startsWith(target + ','))
+            return line.trimmed().split(',').value(index);
+    return "no such row";
+}
+
+} // namespace
+
+/// Many targets in one command.
+class tst_Targets : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void aRowForEachTarget();
+    void figuresAreThoseOfOneTarget_data();
+    void figuresAreThoseOfOneTarget();
+    void threadsChangeNothing();
+    void aBadTargetStopsNoOther();
+    void rFactorIsWhatTheFitMisses();
+    void listed();
+    void checkWritesNothing();
+    void nothingReadIsWritten();
+    void folderThatCannotBe();
+    void fullDisk();
+
+private:
+    QString file(const char* name) const { return m_dir->filePath(QString::fromLatin1(name)); }
+    QByteArray results() const { return contents(file("results/results.csv")); }
+    void writeJob(const QByteArray& more = {}, const QByteArray& targets = "\"scans/*.dat\"") const
+    {
+        write(file("job.toml"),
+              "[files]\nref1 = \"ref1.dat\"\nref2 = \"ref2.dat\"\nblank = \"blank.dat\"\n"
+              "targets = [" +
+                  targets + "]\n[output]\nfolder = \"results\"\n" + points + more);
+    }
+
+    static const QByteArray points;
+    std::unique_ptr<QTemporaryDir> m_dir;
+};
+
+const QByteArray tst_Targets::points =
+    "[[point]]\nenergy = 8313\nt_ratio = true\n[[point]]\nenergy = 8381\nt_ratio = true\n"
+    "[[point]]\nenergy = 8390\nv_point = true\n[[point]]\nenergy = 8404.5\nt_ratio = true\n";
+
+void tst_Targets::init()
+{
+    m_dir = std::make_unique<QTemporaryDir>();
+    QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral("scans")));
+    for (const int percent : {80, 10, 35}) {
+        MixedSample sample;
+        sample.fraction = percent / 100.0;
+        QCOMPARE(writeSample(m_dir->path(), sample, std::nullopt), QString());
+        QVERIFY(QFile::rename(file("target.dat"),
+                              m_dir->filePath(QStringLiteral("scans/%1.dat").arg(percent))));
+    }
+}
+
+void tst_Targets::aRowForEachTarget()
+{
+    writeJob("[conditions]\nthickness = \"sum-by-sum\"\nreferences_minus_victreen = false\n");
+    const Output output = run({QStringLiteral("job.toml")}, m_dir->path());
+    QCOMPARE(output.status, 0);
+    QCOMPARE(output.text, QByteArray());
+    QCOMPARE(output.errors, QStringLiteral("Written: %1\n").arg(file("results/results.csv")));
+    const QByteArray table = results();
+    QCOMPARE(table.left(table.indexOf('\n') + 1),
+             QByteArray("target,method,a,valence,t_ts,sbys,mean,ls_a,ls_b,ls_a_nb,ls_b_nb,vic2,"
+                        "edge_jump,edge_jump_noc,lcf_w1,lcf_w2,lcf_const,lcf_a,lcf_valence,"
+                        "lcf_r_factor,refusal,warnings\r\n"));
+    QCOMPARE(table.count("\r\n"), 4);
+    QCOMPARE(table.count('\n'), 4);
+    // Sorted by the bytes of the paths; what was mixed comes back.
+    QVERIFY(table.indexOf("scans/10.dat") < table.indexOf("scans/35.dat"));
+    for (const int percent : {10, 35, 80}) {
+        const QByteArray name = "scans/" + QByteArray::number(percent) + ".dat";
+        QVERIFY(std::abs(field(table, name, "a").toDouble() - percent / 100.0) < 1e-5);
+        QVERIFY(std::abs(field(table, name, "valence").toDouble() - (3 - percent / 100.0)) < 1e-5);
+        QVERIFY(std::abs(field(table, name, "lcf_a").toDouble() - percent / 100.0) < 5e-3);
+        QCOMPARE(field(table, name, "method"), QByteArray("4ps2"));
+    }
+}
+
+void tst_Targets::figuresAreThoseOfOneTarget_data()
+{
+    QTest::addColumn<QByteArray>("conditions");
+    QTest::newRow("defaults") << QByteArray();
+    QTest::newRow("exact") << QByteArray("[conditions]\nmethod = \"exact\"\n");
+    QTest::newRow("victreen of the target")
+        << QByteArray("[conditions]\ntarget_minus_victreen = true\nvictreen = \"pre\"\n");
+}
+
+// To six digits they are the window's, which a job of one target prints.
+void tst_Targets::figuresAreThoseOfOneTarget()
+{
+    QFETCH(QByteArray, conditions);
+    writeJob(conditions);
+    QCOMPARE(run({QStringLiteral("job.toml")}, m_dir->path()).status, 0);
+    const QByteArray table = results();
+    for (const char* name : {"scans/10.dat", "scans/35.dat", "scans/80.dat"}) {
+        JobError error;
+        const QByteArray text = "[files]\nref1 = \"ref1.dat\"\nref2 = \"ref2.dat\"\nblank = "
+                                "\"blank.dat\"\ntarget = \"" +
+                                QByteArray(name) + "\"\n" + points + conditions;
+        const auto job = parseJob(text, m_dir->path(), error);
+        QVERIFY2(job, qPrintable(error.reason));
+        const auto data = readJobData(*job, error);
+        QVERIFY(data);
+        const QString report = reportText(*job, runJob(*job, *data));
+        const auto six = [&](const char* column) {
+            return textFromNumber(field(table, name, column).toDouble());
+        };
+        QVERIFY(report.contains(QStringLiteral("a = %1, Valence = %2, t/ts = %3\n")
+                                    .arg(six("a"), six("valence"), six("t_ts"))));
+        QVERIFY(report.contains(
+            QStringLiteral("sbys = %1, mean = %2, lsA = %3, lsB = %4, lsA(NB) = %5, lsB(NB) = %6, "
+                           "Vic2 = %7\n")
+                .arg(six("sbys"), six("mean"), six("ls_a"), six("ls_b"), six("ls_a_nb"),
+                     six("ls_b_nb"), six("vic2"))));
+        QVERIFY(report.contains(QStringLiteral("Result of LCF : %1 %2 %3\n")
+                                    .arg(six("lcf_w1"), six("lcf_w2"), six("lcf_const"))));
+        QVERIFY(report.contains(QStringLiteral("a : (1-a) = %1 : ").arg(six("lcf_a"))));
+        QVERIFY(report.contains(QStringLiteral(",  Valence = %1\n").arg(six("lcf_valence"))));
+        const AXafsData& target = *data->spectra[Job::Target];
+        QCOMPARE(field(table, name, "edge_jump").toDouble(), target.edgeJump());
+        QCOMPARE(field(table, name, "edge_jump_noc").toDouble(), target.edgeJumpNoC());
+    }
+}
+
+void tst_Targets::threadsChangeNothing()
+{
+    for (int i = 0; i < 60; ++i)
+        QVERIFY(QFile::copy(file("scans/35.dat"),
+                            m_dir->filePath(QStringLiteral("scans/copy%1.dat").arg(i))));
+    writeJob();
+    QByteArray first;
+    for (const char* threads : {"1", "2", "7"}) {
+        QCOMPARE(run({QStringLiteral("--jobs"), QString::fromLatin1(threads),
+                      QStringLiteral("--quiet"), QStringLiteral("job.toml")},
+                     m_dir->path())
+                     .status,
+                 0);
+        if (first.isEmpty())
+            first = results();
+        QCOMPARE(results(), first);
+    }
+    QCOMPARE(first.count('\n'), 64);
+    for (const char* wrong : {"0", "-1", "x", "100000"}) {
+        const Output output =
+            run({QStringLiteral("--jobs"), QString::fromLatin1(wrong), QStringLiteral("job.toml")},
+                m_dir->path());
+        QCOMPARE(output.status, 2);
+        QCOMPARE(output.errors, QStringLiteral("--jobs takes a number from 1 to 1024.\n"));
+    }
+}
+
+void tst_Targets::aBadTargetStopsNoOther()
+{
+    write(file("scans/20.dat"), "no spectrum\n");
+    write(file("scans/30.dat"), "Offset\n0 13 0 2 1\n");
+    writeJob();
+    const Output output = run({QStringLiteral("job.toml")}, m_dir->path());
+    QCOMPARE(output.status, 1);
+    const QByteArray table = results();
+    QCOMPARE(table.count('\n'), 6);
+    QCOMPARE(field(table, "scans/20.dat", "refusal"),
+             "no spectrum in " + file("scans/20.dat").toUtf8());
+    QCOMPARE(field(table, "scans/20.dat", "a"), QByteArray());
+    QVERIFY(output.errors.contains(QStringLiteral("scans/20.dat: no spectrum in ")));
+    // One point is a spectrum, of which nothing finite comes.
+    QCOMPARE(field(table, "scans/30.dat", "refusal"), QByteArray());
+    QVERIFY(output.errors.contains(
+        QStringLiteral("scans/30.dat: warning: the result of the linear combination fit is no "
+                       "finite number\n")));
+    QVERIFY(!field(table, "scans/35.dat", "a").isEmpty());
+}
+
+void tst_Targets::rFactorIsWhatTheFitMisses()
+{
+    writeJob();
+    QCOMPARE(run({QStringLiteral("job.toml")}, m_dir->path()).status, 0);
+    AXafsData ref1;
+    AXafsData ref2;
+    AXafsData target;
+    for (auto& [spectrum, name] : {std::pair(&ref1, "ref1.dat"), std::pair(&ref2, "ref2.dat"),
+                                   std::pair(&target, "scans/35.dat")}) {
+        spectrum->setBounds(Settings().bounds());
+        QVERIFY(spectrum->read(file(name)));
+    }
+    const QByteArray table = results();
+    const auto number = [&](const char* column) {
+        return field(table, "scans/35.dat", column).toDouble();
+    };
+    double missed = 0.0;
+    double whole = 0.0;
+    for (const SpectrumPoint& point : target.points) {
+        if (point.energy < 8313.0 || point.energy > 8404.5)
+            continue;
+        const double y = target.normalizedAt(point.energy);
+        const double fitted = number("lcf_w1") * ref1.normalizedAt(point.energy) +
+                              number("lcf_w2") * ref2.normalizedAt(point.energy) +
+                              number("lcf_const");
+        missed += (y - fitted) * (y - fitted);
+        whole += y * y;
+    }
+    QVERIFY(missed > 0.0);
+    QVERIFY(std::abs(number("lcf_r_factor") / (missed / whole) - 1.0) < 1e-6);
+}
+
+void tst_Targets::listed()
+{
+    writeJob({}, "\"scans/[38]*.dat\"");
+    const QByteArray first = file("scans/35.dat").toUtf8();
+    const QByteArray second = file("scans/80.dat").toUtf8();
+    QCOMPARE(run({QStringLiteral("--list"), QStringLiteral("job.toml")}, m_dir->path()).text,
+             first + '\n' + second + '\n');
+    QCOMPARE(run({QStringLiteral("--list"), QStringLiteral("-0"), QStringLiteral("job.toml")},
+                 m_dir->path())
+                 .text,
+             first + '\0' + second + '\0');
+    QVERIFY(!QFile::exists(file("results")));
+}
+
+void tst_Targets::checkWritesNothing()
+{
+    writeJob();
+    const Output output =
+        run({QStringLiteral("--check"), QStringLiteral("job.toml")}, m_dir->path());
+    QCOMPARE(output.status, 0);
+    QCOMPARE(output.errors, QString());
+    QVERIFY(!QFile::exists(file("results")));
+    writeJob({}, "\"scans/*.csv\"");
+    const Output bad = run({QStringLiteral("--check"), QStringLiteral("job.toml")}, m_dir->path());
+    QCOMPARE(bad.status, 2);
+    QCOMPARE(bad.errors, QStringLiteral("job.toml:5: no file is named, or matched by, %1\n")
+                             .arg(file("scans/*.csv")));
+}
+
+void tst_Targets::nothingReadIsWritten()
+{
+    QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral("results")));
+    QVERIFY(QFile::link(file("scans/35.dat"), file("results/results.csv")));
+    const QByteArray before = contents(file("scans/35.dat"));
+    writeJob();
+    const Output output = run({QStringLiteral("job.toml")}, m_dir->path());
+    QCOMPARE(output.status, 2);
+    QCOMPARE(output.errors, QStringLiteral("job.toml:7: %1 would be written over the target %2\n")
+                                .arg(file("results/results.csv"), file("scans/35.dat")));
+    QCOMPARE(contents(file("scans/35.dat")), before);
+}
+
+void tst_Targets::folderThatCannotBe()
+{
+    write(file("results"), "a file");
+    writeJob();
+    const Output output = run({QStringLiteral("job.toml")}, m_dir->path());
+    QCOMPARE(output.status, 2);
+    QCOMPARE(output.errors,
+             QStringLiteral("job.toml:7: the output folder is a file: %1\n").arg(file("results")));
+    QCOMPARE(contents(file("results")), QByteArray("a file"));
+}
+
+// A disk that is full leaves the table of before.
+void tst_Targets::fullDisk()
+{
+    for (int i = 0; i < 60; ++i)
+        QVERIFY(QFile::copy(file("scans/35.dat"),
+                            m_dir->filePath(QStringLiteral("scans/copy%1.dat").arg(i))));
+    writeJob();
+    QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral("results")));
+    write(file("results/results.csv"), "earlier");
+    QProcess process;
+    process.setWorkingDirectory(m_dir->path());
+    process.start(QStringLiteral("prlimit"),
+                  {QStringLiteral("--fsize=4096"), QStringLiteral(BATCH_PROGRAM),
+                   QStringLiteral("job.toml")});
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 3);
+    QCOMPARE(process.readAllStandardError(),
+             "cannot write " + file("results/results.csv").toUtf8() + '\n');
+    QCOMPARE(results(), QByteArray("earlier"));
+    QCOMPARE(QDir(file("results")).entryList(QDir::Files | QDir::Hidden).size(), 1);
+}
+
+QTEST_GUILESS_MAIN(tst_Targets)
+#include "tst_Targets.moc"
