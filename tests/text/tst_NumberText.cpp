@@ -68,6 +68,8 @@ private slots:
     void veryLongTokens();
     void numberToText_data();
     void numberToText();
+    void sixDigitsOfANumber();
+    void sixDigitsAreThoseOfTheText();
     void commaLocale();
     void tokenAgreesWithTheToolkit();
 };
@@ -195,6 +197,32 @@ void tst_NumberText::numberToText()
     QFETCH(double, value);
     QTEST(textFromNumber(value), "text");
     QCOMPARE(textFromNumber(value), QStringLiteral("%1").arg(value));
+}
+
+void tst_NumberText::sixDigitsOfANumber()
+{
+    COMPARE_EXACT(sixDigits(0.12345649), 0.123456);
+    COMPARE_EXACT(sixDigits(-0.12345651), -0.123457);
+    COMPARE_EXACT(sixDigits(0.999999501), 1.0);
+    COMPARE_EXACT(sixDigits(8390.0), 8390.0);
+    COMPARE_EXACT(sixDigits(1234567.0), 1234570.0);
+    COMPARE_EXACT(sixDigits(100000.5), 100001.0); // a tie goes away from zero
+    COMPARE_EXACT(sixDigits(1.0 / 3.0), 0.333333);
+    COMPARE_EXACT(sixDigits(-0.0), 0.0);
+    COMPARE_EXACT(sixDigits(5e-324), 4.94066e-324);
+    COMPARE_EXACT(sixDigits(1.7976931348623157e308), 1.79769e308);
+    COMPARE_EXACT(sixDigits(infinity), infinity);
+    COMPARE_EXACT(sixDigits(-infinity), -infinity);
+    COMPARE_EXACT(sixDigits(notANumber), notANumber);
+}
+
+void tst_NumberText::sixDigitsAreThoseOfTheText()
+{
+    Random random;
+    for (int run = 0; run < 200000; ++run) {
+        const double value = random.anyNumber();
+        COMPARE_EXACT(sixDigits(value), QString::number(value, 'g', 6).toDouble());
+    }
 }
 
 void tst_NumberText::commaLocale()
