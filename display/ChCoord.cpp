@@ -68,6 +68,17 @@ void ChCoord::setYRange(double y0, double y1)
     ry1 = y1;
 }
 
+QSize ChCoord::canvasSize() const
+{
+    return {truncToInt(std::fabs(wx1 - wx0)), truncToInt(std::fabs(wy1 - wy0))};
+}
+
+LabelSlot ChCoord::labelSlot() const
+{
+    const int pitch = truncToInt((py1 - py0) / labelDivisions);
+    return {pitch, truncToInt(pitch * labelHeightRatio), truncToInt((wx1 - wx0) * leftMargin)};
+}
+
 double ChCoord::screenToXClamped(double p) const
 {
     return clampedBetween(screenToX(p), rx0, rx1);

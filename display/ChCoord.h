@@ -1,6 +1,15 @@
 #pragma once
 
 #include <QObject>
+#include <QSize>
+
+/// Where the texts along the axes stand, in whole pixels. Heights are negative where y grows
+/// upward.
+struct LabelSlot {
+    int pitch;  ///< height of a line of text with the gap to the next
+    int height; ///< of the text's box in it
+    int margin; ///< width of the margin at the side of wx0
+};
 
 /// Maps data values to pixels of a canvas and back.
 ///
@@ -46,6 +55,10 @@ public:
     void setRange(double x0, double y0, double x1, double y1);
     void setXRange(double x0, double x1);
     void setYRange(double y0, double y1);
+
+    /// Width and height of the window, whichever way its axes point.
+    QSize canvasSize() const;
+    LabelSlot labelSlot() const;
 
     double xToScreen(double x) const { return px0 + (px1 - px0) / (rx1 - rx0) * (x - rx0); }
     double yToScreen(double y) const { return py0 + (py1 - py0) / (ry1 - ry0) * (y - ry0); }

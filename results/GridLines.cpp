@@ -75,12 +75,12 @@ std::vector<double> tenths()
 
 std::vector<int> gridColumns(const ChCoord& coord, const GridSteps& steps)
 {
-    return gridPixels({coord.px0, coord.px1, coord.rx0, coord.rx1},
-                      truncToInt(coord.wx1 - coord.wx0), steps);
+    return gridPixels({coord.px0, coord.px1, coord.rx0, coord.rx1}, coord.canvasSize().width(),
+                      steps);
 }
 
 std::vector<int> gridRows(const ChCoord& coord, const GridSteps& steps)
 {
-    return gridPixels({coord.py0, coord.py1, coord.ry0, coord.ry1},
-                      truncToInt(coord.wy0 - coord.wy1), steps);
+    return gridPixels({coord.py0, coord.py1, coord.ry0, coord.ry1}, coord.canvasSize().height(),
+                      steps);
 }

@@ -57,8 +57,7 @@ class Bars
 public:
     Bars(const ChCoord& coord, const HistogramCounts& histogram)
         : m_coord(coord), m_histogram(histogram), m_bins(static_cast<int>(histogram.counts.size())),
-          m_canvas(0, 0, truncToInt(coord.wx1 - coord.wx0), truncToInt(coord.wy0 - coord.wy1)),
-          m_step(coord.dxToScreen(histogram.width)),
+          m_canvas(QPoint(0, 0), coord.canvasSize()), m_step(coord.dxToScreen(histogram.width)),
           m_ordered(std::isfinite(left(0)) && std::isfinite(left(m_bins)) &&
                     std::isfinite(m_step) && std::isfinite(coord.dyToScreen(1.0))),
           m_distinct(stepsAreDistinct())

@@ -29,6 +29,7 @@ private slots:
     void windowResetsThePlotArea();
     void marginsLieOnWholePixels_data();
     void marginsLieOnWholePixels();
+    void slotOfALabel();
     void convertsThereAndBack();
     void lengthsHaveNoOffset();
     void clampsIntoTheRange_data();
@@ -121,6 +122,19 @@ void TestChCoord::marginsLieOnWholePixels()
     COMPARE_EXACT(coord.px1, plot[1]);
     COMPARE_EXACT(coord.py0, plot[2]);
     COMPARE_EXACT(coord.py1, plot[3]);
+}
+
+void TestChCoord::slotOfALabel()
+{
+    ChCoord coord;
+    setCanvas(coord); // the plot area from (40, 270) up to (380, 15)
+    QCOMPARE(coord.canvasSize(), QSize(400, 300));
+    const LabelSlot slot = coord.labelSlot();
+    QCOMPARE(slot.pitch, -25);  // -255 / 10
+    QCOMPARE(slot.height, -21); // -25 * 0.85
+    QCOMPARE(slot.margin, 40);
+    coord.setWindow(400, 0, 0, 300); // both axes the other way
+    QCOMPARE(coord.canvasSize(), QSize(400, 300));
 }
 
 void TestChCoord::convertsThereAndBack()
