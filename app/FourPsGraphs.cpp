@@ -32,26 +32,31 @@ void FourPs::clearLCFvs4PS(MouseC* mouse)
 void FourPs::draw(Displays::DispId id, DispABase* panel, QStylePainter* painter)
 {
     const ReferenceValences typed = valences();
+    GraphFrame& graph = panel->graph;
     switch (id) {
     case Displays::DispRef1:
     case Displays::DispRef2:
     case Displays::DispTarget:
         return; // their selectors paint them
     case Displays::DispMuts:
-        return drawMutsGraph(panel, painter, {tr("Eng.[eV]"), tr("mut")}, mutsContent());
+        panel->setXYTitle(tr("Eng.[eV]"), tr("mut"));
+        return drawMutsGraph(*painter, graph, mutsContent());
     case Displays::DispLCFvs4PS:
-        return drawLcfGraph(panel, painter, {tr("LCF"), tr("4ps")}, lcfVs4ps, typed);
+        panel->setXYTitle(tr("LCF"), tr("4ps"));
+        return drawLcfGraph(*painter, graph, lcfVs4ps, typed);
     case Displays::DispHistA:
-        return drawValenceHistogram(panel, painter, {valenceCaption, tr("Num.")}, *histA,
-                                    typedEnds(HgAFrom, HgATo), typed);
+        panel->setXYTitle(valenceCaption, tr("Num."));
+        return drawValenceHistogram(*painter, graph, *histA, typedEnds(HgAFrom, HgATo), typed);
     case Displays::DispHistT:
-        return drawThicknessHistogram(panel, painter, {tr("Thick."), tr("Num.")}, *histT,
-                                      typedEnds(HgTFrom, HgTTo));
+        panel->setXYTitle(tr("Thick."), tr("Num."));
+        return drawThicknessHistogram(*painter, graph, *histT, typedEnds(HgTFrom, HgTTo));
     case Displays::DispTA:
-        return m_thicknessGraph.draw(panel, painter, {valenceCaption, tr("Thick.")}, mapPoints(),
-                                     typed, typedEnds(HgAFrom, HgATo), typedEnds(HgTFrom, HgTTo));
+        panel->setXYTitle(valenceCaption, tr("Thick."));
+        return m_thicknessGraph.draw(*painter, graph, mapPoints(), typed, typedEnds(HgAFrom, HgATo),
+                                     typedEnds(HgTFrom, HgTTo));
     case Displays::DispM2M3:
-        return drawFourPointGraph(panel, painter, {tr("M2"), tr("M3")}, rows(), rhoNow());
+        panel->setXYTitle(tr("M2"), tr("M3"));
+        return drawFourPointGraph(*painter, graph, rows(), rhoNow());
     }
 }
 

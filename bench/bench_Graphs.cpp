@@ -2,7 +2,9 @@
 #include "app/FourPs.h"
 #include "bench/BenchSpectrum.h"
 #include "bench/PairedTimes.h"
+#include "display/FramePainter.h"
 #include "display/PopBase.h"
+#include "results/GridPainter.h"
 #include "results/HistogramGraph.h"
 #include "results/ThicknessGraph.h"
 #include "tests/support/CanvasActions.h"
@@ -56,10 +58,12 @@ struct Cloud {
 class Graph : public DispABase
 {
 public:
-    Graph()
+    explicit Graph(const QString& x = QStringLiteral("Valence"),
+                   const QString& y = QStringLiteral("Thick."))
     {
         xTitleInGraph = true;
         yTitleInGraph = true;
+        setXYTitle(x, y);
         DispA->setFixedSize(400, 300);
     }
 
@@ -77,8 +81,7 @@ public:
     explicit ProgramGraph(const Cloud& cloud)
     {
         connect(this, &DispABase::draw, this, [this, &cloud](QStylePainter* painter) {
-            m_graph.draw(this, painter, {QStringLiteral("Valence"), QStringLiteral("Thick.")},
-                         cloud.points(), valences, valenceRange, thicknessRange);
+            m_graph.draw(*painter, graph, cloud.points(), valences, valenceRange, thicknessRange);
         });
     }
 
@@ -93,12 +96,12 @@ public:
     explicit PlainGraph(const Cloud& cloud)
     {
         connect(this, &DispABase::draw, this, [this, &cloud](QStylePainter* painter) {
-            beginGraph(this, painter, {QStringLiteral("Valence"), QStringLiteral("Thick.")}, true);
+            beginGraph(*painter, graph, true);
             setRangeOnce(valenceRange.from, thicknessRange.from, valenceRange.to,
                          thicknessRange.to);
             const ChCoord& coord = DispA->coord;
-            drawGridColumns(coord, painter, gridColumns(coord, valenceSteps(2.0, 3.0)));
-            drawGridAtY(coord, painter, tenths());
+            drawGridColumns(*painter, coord, gridColumns(coord, valenceSteps(2.0, 3.0)));
+            drawGridAtY(*painter, coord, tenths());
             painter->setPen(Qt::black);
             for (std::size_t i = 0; i < cloud.a.size(); ++i) {
                 const double a = cloud.a[i];
@@ -153,14 +156,15 @@ void manyBins(benchmark::State& state)
     histogram.maxCount = 39;
     const bool mirrored = state.range(0) != 0; // without, no bar has a pixel
     const AxisEnds range = mirrored ? AxisEnds{3.5, 1.5} : valenceRange;
-    const AxisTitles titles{QStringLiteral("Valence"), QStringLiteral("Num.")};
-    Graph program;
+    const QString x = QStringLiteral("Valence");
+    const QString y = QStringLiteral("Num.");
+    Graph program(x, y);
     QObject::connect(&program, &DispABase::draw, &program, [&](QStylePainter* painter) {
-        drawValenceHistogram(&program, painter, titles, histogram, range, valences);
+        drawValenceHistogram(*painter, program.graph, histogram, range, valences);
     });
-    Graph plainly;
+    Graph plainly(x, y);
     QObject::connect(&plainly, &DispABase::draw, &plainly, [&](QStylePainter* painter) {
-        drawValenceHistogram(&plainly, painter, titles, histogram, range, valences);
+        drawValenceHistogram(*painter, plainly.graph, histogram, range, valences);
         plain::drawBars(plainly.DispA->coord, histogram, *painter, QColor(255, 200, 200));
         plainly.DispA->drawFrame(painter, true);
     });

@@ -1,32 +1,13 @@
 #include "display/DispABase.h"
 
-#include "display/Pixel.h"
+#include "display/FramePainter.h"
 #include "display/PopBase.h"
 #include "text/NumberText.h"
 
-#include <cmath>
-
-namespace
-{
-
-constexpr double titleMaxSize = 12.0;
-
-/// A title that stays between the canvas's edge and the plot; `above` and `below` are the room on
-/// either side of the box's middle.
-void putTitle(QStylePainter* painter, const QRectF& box, const QString& title, double above,
-              double below)
-{
-    DrawText::putText(painter, box, QFont(), Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextDontClip,
-                      1, title, DrawText::sizeWithin(*painter, title, above, below, titleMaxSize),
-                      false);
-}
-
-} // namespace
-
 DispABase::DispABase(QWidget* parent)
-    : QFrame(parent), pop(std::make_unique<PopBase>()), popLayout(pop->PopLayout)
+    : QFrame(parent), graph(graphOfForm()), pop(std::make_unique<PopBase>()),
+      popLayout(pop->PopLayout)
 {
-    setupUi(this);
     connect(DispA, &DispArea::nowPos, this, &DispABase::receiveNowPos);
     connect(DispA, &DispArea::draw, this, &DispABase::receiveDraw);
     connect(this, &DispABase::draw, pop.get(), &PopBase::update);
@@ -52,10 +33,7 @@ void DispABase::setTitle(const QString& title)
 
 void DispABase::setRangeOnce(double x0, double y0, double x1, double y1)
 {
-    if (DispA->rangeSet)
-        return;
-    DispA->coord.setRange(x0, y0, x1, y1);
-    DispA->rangeSet = true;
+    graph.setRangeOnce(x0, y0, x1, y1);
 }
 
 void DispABase::setXYTitle(const QString& x, const QString& y)
@@ -93,22 +71,11 @@ void DispABase::popDock()
 
 void DispABase::drawXYTitle(QStylePainter* painter)
 {
-    const ChCoord& coord = DispA->coord;
-    painter->setPen(Qt::black);
-    const int h = truncToInt((coord.py1 - coord.py0) / coord.labelDivisions);
-    const int b = truncToInt(h * coord.labelHeightRatio);
-    if (xTitleInGraph) {
-        const QRectF strip(truncToInt(coord.px0), truncToInt(coord.py0) - h,
-                           truncToInt(std::fabs(coord.px1 - coord.px0)), b);
-        const double middle = strip.center().y();
-        putTitle(painter, strip, xTitle, middle - coord.py0, coord.wy0 - middle);
-    }
-    if (yTitleInGraph) {
-        const int w = truncToInt(std::fabs(coord.wy1 - coord.wy0));
-        painter->rotate(270.0);
-        const QRectF strip(-w, -b, w, b);
-        const double middle = strip.center().y();
-        putTitle(painter, strip, yTitle, middle, coord.px0 - coord.wx0 - middle);
-        painter->rotate(-270.0);
-    }
+    drawAxisTitles(*painter, graph);
+}
+
+GraphFrame& DispABase::graphOfForm()
+{
+    setupUi(this);
+    return DispA->graph;
 }

@@ -20,13 +20,14 @@ public:
     explicit DispABase(QWidget* parent = nullptr);
     ~DispABase() override;
 
+    GraphFrame& graph; ///< what the canvas shows
     std::unique_ptr<PopBase> pop;
     QGridLayout* popLayout; ///< where the canvas sits in the pop-out
     bool docked = true;
-    QString xTitle;
-    QString yTitle;
-    bool xTitleInGraph = false; ///< the title is painted in the graph, its label stays empty
-    bool yTitleInGraph = false;
+    QString& xTitle = graph.xTitle;
+    QString& yTitle = graph.yTitle;
+    bool& xTitleInGraph = graph.xTitleInGraph; ///< its label stays empty
+    bool& yTitleInGraph = graph.yTitleInGraph;
 
     /// Shows the panel's title and names the canvas, the read-outs and the button after it, for
     /// screen readers.
@@ -53,4 +54,8 @@ public slots:
     void popDock();
     /// Paints the titles that belong into the graph.
     void drawXYTitle(QStylePainter* painter);
+
+private:
+    /// Makes the form: the canvas in it has the graph.
+    GraphFrame& graphOfForm();
 };

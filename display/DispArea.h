@@ -1,7 +1,7 @@
 #pragma once
 
-#include "display/ChCoord.h"
 #include "display/DrawText.h"
+#include "display/GraphFrame.h"
 #include "display/MouseC.h"
 
 #include <QFrame>
@@ -18,14 +18,14 @@ class DispArea : public QFrame
 public:
     explicit DispArea(QWidget* parent = nullptr);
 
+    GraphFrame graph;
     MouseC mouse;
-    ChCoord coord;
-    bool rangeSet = false; ///< the owner has given the data range; a double click forgets it
+    ChCoord& coord = graph.coord;
+    bool& rangeSet = graph.rangeSet; ///< a double click forgets the range
     DrawText text;
     MarkLines* markLines = nullptr; ///< not owned
 
-    /// The common frame of a graph: white margins on request, a grey border around the plot area
-    /// and the ends of both ranges.
+    /// As drawGraphFrame().
     void drawFrame(QPainter* p, bool clearMargins);
 
 signals:
@@ -48,6 +48,4 @@ private:
     void pickMarkLine();
     void dragMarkLine();
     void endMarkLineDrag();
-    void fillMargins(QPainter* p) const;
-    void drawRangeLabels(QPainter* p);
 };

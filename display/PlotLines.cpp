@@ -66,8 +66,8 @@ std::optional<QLine> reachingLine(const QLine& line, const QRect& rect)
 }
 
 PlotLines::PlotLines(const ChCoord& coord, int penWidth)
-    : m_coord(coord),
-      m_reach(QRect(0, 0, truncToInt(coord.wx1 - coord.wx0), truncToInt(coord.wy0 - coord.wy1))
+    : m_coord(coord), m_canvas(coord.canvasSize()),
+      m_reach(QRect(QPoint(0, 0), m_canvas)
                   .adjusted(-penWidth - 1, -penWidth - 1, penWidth + 1, penWidth + 1))
 {
 }
@@ -94,20 +94,20 @@ void PlotLines::addVertical(double x)
 {
     const double sx = m_coord.xToScreen(x);
     if (!std::isnan(sx))
-        addPixels(QLine(truncToInt(sx), 0, truncToInt(sx), truncToInt(m_coord.wy0 - m_coord.wy1)));
+        addPixels(QLine(truncToInt(sx), 0, truncToInt(sx), m_canvas.height()));
 }
 
 void PlotLines::addHorizontal(double y)
 {
     const double sy = m_coord.yToScreen(y);
     if (!std::isnan(sy))
-        addPixels(QLine(0, truncToInt(sy), truncToInt(m_coord.wx1 - m_coord.wx0), truncToInt(sy)));
+        addPixels(QLine(0, truncToInt(sy), m_canvas.width(), truncToInt(sy)));
 }
 
-void PlotLines::draw(QPainter* p, const QPen& pen) const
+void PlotLines::draw(QPainter& painter, const QPen& pen) const
 {
-    p->setPen(pen);
-    p->drawLines(m_lines);
+    painter.setPen(pen);
+    painter.drawLines(m_lines);
 }
 
 bool PlotLines::extendsLast(const QLine& line)

@@ -3,7 +3,8 @@
 #include "display/ChCoord.h"
 
 #include <QLine>
-#include <QRectF>
+#include <QRect>
+#include <QSize>
 #include <QVector>
 
 #include <optional>
@@ -36,12 +37,13 @@ public:
     void addHorizontal(double y);
 
     const QVector<QLine>& lines() const { return m_lines; }
-    void draw(QPainter* p, const QPen& pen) const;
+    void draw(QPainter& painter, const QPen& pen) const;
 
 private:
     bool extendsLast(const QLine& line);
 
     const ChCoord& m_coord;
+    QSize m_canvas;
     QRect m_reach; ///< the canvas and what a pen's width adds
     QVector<QLine> m_lines;
 };

@@ -1,11 +1,14 @@
 #include "display/SpectrumPreview.h"
 
-#include "display/DispABase.h"
+#include "analysis/FittedSpectrum.h"
+#include "display/DrawText.h"
+#include "display/FramePainter.h"
 #include "display/Pixel.h"
 #include "display/PlotLines.h"
-#include "analysis/FittedSpectrum.h"
 
-#include <cmath>
+#include <QFont>
+#include <QPainter>
+#include <QPen>
 
 namespace
 {
@@ -22,13 +25,7 @@ struct Extent {
     double top;
 };
 
-void clearCanvas(const ChCoord& coord, QPainter* painter)
-{
-    painter->fillRect(0, 0, truncToInt(std::fabs(coord.wx1 - coord.wx0)),
-                      truncToInt(std::fabs(coord.wy1 - coord.wy0)), Qt::white);
-}
-
-void drawEnergies(const ChCoord& coord, QPainter* painter, const QColor& color, const Extent& y,
+void drawEnergies(QPainter& painter, const ChCoord& coord, const QColor& color, const Extent& y,
                   std::initializer_list<double> energies)
 {
     PlotLines lines(coord);
@@ -38,7 +35,7 @@ void drawEnergies(const ChCoord& coord, QPainter* painter, const QColor& color, 
 }
 
 template <class Value>
-void drawCurve(const ChCoord& coord, QPainter* painter, const QColor& color,
+void drawCurve(QPainter& painter, const ChCoord& coord, const QColor& color,
                const SpectrumPoints& points, const Value& value)
 {
     PlotLines lines(coord);
@@ -47,54 +44,48 @@ void drawCurve(const ChCoord& coord, QPainter* painter, const QColor& color,
     lines.draw(painter, color);
 }
 
-void drawCurves(const ChCoord& coord, QPainter* painter, const FittedSpectrum& data)
+void drawCurves(QPainter& painter, const ChCoord& coord, const FittedSpectrum& data)
 {
-    drawCurve(coord, painter, Qt::black, data.points,
+    drawCurve(painter, coord, Qt::black, data.points,
               [](const SpectrumPoint& point) { return point.mut; });
-    drawCurve(coord, painter, preColor, data.points,
+    drawCurve(painter, coord, preColor, data.points,
               [&data](const SpectrumPoint& point) { return data.preVicAt(point.energy); });
-    drawCurve(coord, painter, postColor, data.points,
+    drawCurve(painter, coord, postColor, data.points,
               [&data](const SpectrumPoint& point) { return data.postVicAt(point.energy); });
 }
 
 // In the top right corner of the plot area, the second text under the first.
-void putEdgeJumps(const ChCoord& coord, QPainter* painter, const FittedSpectrum& data,
+void putEdgeJumps(QPainter& painter, const ChCoord& coord, const FittedSpectrum& data,
                   const PreviewCaptions& captions)
 {
-    const int h = truncToInt((coord.py1 - coord.py0) / coord.labelDivisions);
-    const int b = truncToInt(h * coord.labelHeightRatio);
-    const int m = truncToInt((coord.wx1 - coord.wx0) * coord.leftMargin);
-    const int x = truncToInt(coord.px1) - 3 * m;
-    const int y = truncToInt(coord.py1) - h;
-    DrawText::putText(painter, QRectF(x, y, 3 * m, b), QFont(),
+    const LabelSlot slot = coord.labelSlot();
+    const int width = 3 * slot.margin;
+    const int x = truncToInt(coord.px1) - width;
+    const int y = truncToInt(coord.py1) - slot.pitch;
+    DrawText::putText(&painter, QRectF(x, y, width, slot.height), QFont(),
                       Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, 1,
                       captions.edgeJumpNoC.arg(data.edgeJumpNoC(), 0, 'g', -1), 0.0, false);
-    DrawText::putText(painter, QRectF(x, y - h, 3 * m, b), QFont(),
+    DrawText::putText(&painter, QRectF(x, y - slot.pitch, width, slot.height), QFont(),
                       Qt::AlignRight | Qt::AlignVCenter | Qt::TextDontClip, 1,
                       captions.edgeJump.arg(data.edgeJump(), 0, 'g', -1), 0.0, false);
 }
 
 } // namespace
 
-void drawSpectrumPreview(DispABase* panel, QPainter* painter, const FittedSpectrum* data,
+void drawSpectrumPreview(QPainter& painter, GraphFrame& frame, const FittedSpectrum* data,
                          const PreviewCaptions& captions)
 {
-    ChCoord& coord = panel->DispA->coord;
-    coord.applyMargins();
-    panel->setXYTitle(captions.xTitle, captions.yTitle);
-    clearCanvas(coord, painter);
-    if (!data || data->points.empty()) {
-        coord.valid = 0;
+    if (!beginGraph(painter, frame, data && !data->points.empty()))
         return;
-    }
     const double dE = data->energyMax - data->energyMin;
     const double dM = data->mutMax - data->mutMin;
     const Extent y{data->mutMin - extraRoom * dM, data->mutMax + extraRoom * dM};
-    panel->setRangeOnce(data->energyMin - extraRoom * dE, y.bottom,
-                        data->energyMax + extraRoom * dE, y.top);
-    drawEnergies(coord, painter, rangeColor, y, {data->preEdgeEnd, data->postEdgeStart});
-    drawEnergies(coord, painter, edgeColor, y, {data->edge});
-    drawCurves(coord, painter, *data);
-    panel->DispA->drawFrame(painter, true);
-    putEdgeJumps(coord, painter, *data, captions);
+    frame.setRangeOnce(data->energyMin - extraRoom * dE, y.bottom, data->energyMax + extraRoom * dE,
+                       y.top);
+    const ChCoord& coord = frame.coord;
+    drawEnergies(painter, coord, rangeColor, y, {data->preEdgeEnd, data->postEdgeStart});
+    drawEnergies(painter, coord, edgeColor, y, {data->edge});
+    drawCurves(painter, coord, *data);
+    drawGraphFrame(painter, coord, true);
+    putEdgeJumps(painter, coord, *data, captions);
 }

@@ -1,21 +1,18 @@
 #pragma once
 
-#include <QString>
+#include "display/GraphFrame.h"
 
 struct FittedSpectrum;
-class DispABase;
 class QPainter;
 
 /// Texts of a preview, translated by the owner.
 struct PreviewCaptions {
-    QString xTitle;
-    QString yTitle;
     QString edgeJumpNoC; ///< with %1 for the jump between the two-term lines
     QString edgeJump;    ///< with %1 for the jump between the three-term lines
 };
 
-/// Draws a spectrum in a panel: its points joined in file order, the ends of the fit ranges, the
+/// A spectrum: its points joined in file order, the ends of the fit ranges, the
 /// edge, both Victreen lines and the edge jumps.
-/// @param data  null, or without points, for an empty panel
-void drawSpectrumPreview(DispABase* panel, QPainter* painter, const FittedSpectrum* data,
+/// @param data  null, or without points, for an empty graph
+void drawSpectrumPreview(QPainter& painter, GraphFrame& frame, const FittedSpectrum* data,
                          const PreviewCaptions& captions);

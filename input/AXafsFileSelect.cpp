@@ -62,9 +62,9 @@ void AXafsFileSelect::draw(QStylePainter* painter)
 {
     if (!m_preview)
         return;
-    drawSpectrumPreview(
-        m_preview, painter, m_data.get(),
-        {tr("Eng.[eV]"), tr("mut"), tr("Edge Jump(1) : %1"), tr("Edge Jump(2) : %1")});
+    m_preview->setXYTitle(tr("Eng.[eV]"), tr("mut"));
+    drawSpectrumPreview(*painter, m_preview->graph, m_data.get(),
+                        {tr("Edge Jump(1) : %1"), tr("Edge Jump(2) : %1")});
 }
 
 void AXafsFileSelect::mPressed(MouseC* mouse)

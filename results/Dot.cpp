@@ -16,13 +16,13 @@ bool isFarOff(QPoint pixel)
     return pixel.x() < -far || pixel.x() > far || pixel.y() < -far || pixel.y() > far;
 }
 
-void drawEllipse(QPainter* painter, QPoint pixel, QPoint topLeft, QPoint bottomRight,
+void drawEllipse(QPainter& painter, QPoint pixel, QPoint topLeft, QPoint bottomRight,
                  const QBrush& brush)
 {
     if (isFarOff(pixel))
         return;
-    painter->setBrush(brush);
-    painter->drawEllipse(QRect(pixel + topLeft, pixel + bottomRight));
+    painter.setBrush(brush);
+    painter.drawEllipse(QRect(pixel + topLeft, pixel + bottomRight));
 }
 
 } // namespace
@@ -32,18 +32,18 @@ QPoint dotPixel(const ChCoord& coord, double x, double y)
     return {truncToInt(coord.xToScreen(x)), truncToInt(coord.yToScreen(y))};
 }
 
-void drawDot(QPainter* painter, QPoint pixel)
+void drawDot(QPainter& painter, QPoint pixel)
 {
     drawEllipse(painter, pixel, QPoint(-1, -1), QPoint(0, 0), Qt::NoBrush);
 }
 
-void drawRing(QPainter* painter, QPoint pixel)
+void drawRing(QPainter& painter, QPoint pixel)
 {
     drawEllipse(painter, pixel, QPoint(-2, -2), QPoint(1, 1), Qt::NoBrush);
 }
 
-void drawDisc(QPainter* painter, QPoint pixel, const QColor& color)
+void drawDisc(QPainter& painter, QPoint pixel, const QColor& color)
 {
-    painter->setPen(color);
+    painter.setPen(color);
     drawEllipse(painter, pixel, QPoint(-3, -3), QPoint(2, 2), color);
 }

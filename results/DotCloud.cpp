@@ -116,7 +116,7 @@ std::vector<QPoint> dotPattern(int scale)
     QPainter painter(&image);
     painter.scale(scale, scale);
     painter.setPen(Qt::black);
-    drawDot(&painter, QPoint(dotReach, dotReach));
+    drawDot(painter, QPoint(dotReach, dotReach));
     painter.end();
     std::vector<QPoint> pattern;
     for (int y = 0; y < image.height(); ++y) {
@@ -152,14 +152,9 @@ QImage stampedImage(QSize canvas, int scale, const std::vector<QPoint>& dots)
     return image;
 }
 
-QSize canvasSize(const ChCoord& coord)
-{
-    return {truncToInt(coord.wx1 - coord.wx0), truncToInt(coord.wy0 - coord.wy1)};
-}
-
 DotPixels marked(const ChCoord& coord, const MapPoints& points, double valence1, double valence2)
 {
-    DotPixels dots(canvasSize(coord));
+    DotPixels dots(coord.canvasSize());
     dots.mark(coord, points, valence1, valence2);
     return dots;
 }
@@ -216,25 +211,25 @@ bool DotCloud::Key::operator==(const Key& other) const
     return all(*this) == all(other) && canvas == other.canvas;
 }
 
-void DotCloud::draw(QPainter* painter, const ChCoord& coord, const MapPoints& points,
+void DotCloud::draw(QPainter& painter, const ChCoord& coord, const MapPoints& points,
                     double valence1, double valence2)
 {
-    painter->setPen(Qt::black);
-    const int scale = wholeScale(painter->deviceTransform());
+    painter.setPen(Qt::black);
+    const int scale = wholeScale(painter.deviceTransform());
     if (scale == 0) { // dots differ from place to place
         for (const QPoint dot : marked(coord, points, valence1, valence2).pixels())
             drawDot(painter, dot);
         return;
     }
-    const Key key{points.revision, points.size, valence1,          valence2,  coord.px0,
-                  coord.px1,       coord.py0,   coord.py1,         coord.rx0, coord.rx1,
-                  coord.ry0,       coord.ry1,   canvasSize(coord), scale};
+    const Key key{points.revision, points.size, valence1,           valence2,  coord.px0,
+                  coord.px1,       coord.py0,   coord.py1,          coord.rx0, coord.rx1,
+                  coord.ry0,       coord.ry1,   coord.canvasSize(), scale};
     if (!m_key || !(*m_key == key)) {
         m_image =
             stampedImage(key.canvas, scale, marked(coord, points, valence1, valence2).pixels());
         m_key = key;
     }
-    painter->drawImage(-imageMargin, -imageMargin, m_image);
+    painter.drawImage(-imageMargin, -imageMargin, m_image);
 }
 
 void DotCloud::clear()

@@ -45,7 +45,7 @@ class DotCloud
 {
 public:
     /// Paints the points (valence, t) in black.
-    void draw(QPainter* painter, const ChCoord& coord, const MapPoints& points, double valence1,
+    void draw(QPainter& painter, const ChCoord& coord, const MapPoints& points, double valence1,
               double valence2);
     /// Gives the picture back.
     void clear();

@@ -1,9 +1,10 @@
 #include "results/FourPointGraph.h"
 
 #include "analysis/FourPoint.h"
-#include "display/DispABase.h"
+#include "display/FramePainter.h"
 #include "display/PlotLines.h"
 #include "results/Dot.h"
+#include "results/GridPainter.h"
 
 #include <QPainter>
 #include <QPen>
@@ -72,7 +73,7 @@ private:
 
 // The line through a place in a direction, from one end of the plot area to the other: from left to
 // right where it is flat on the canvas, else from bottom to top.
-void drawLineThrough(const ChCoord& coord, QPainter* painter, const QColor& color,
+void drawLineThrough(QPainter& painter, const ChCoord& coord, const QColor& color,
                      const QPointF& place, const QPointF& direction)
 {
     const auto atX = [&](double x) {
@@ -91,7 +92,7 @@ void drawLineThrough(const ChCoord& coord, QPainter* painter, const QColor& colo
     line.draw(painter, color);
 }
 
-void drawVPointLines(const ChCoord& coord, QPainter* painter, const QPointF& v)
+void drawVPointLines(QPainter& painter, const ChCoord& coord, const QPointF& v)
 {
     PlotLines lines(coord);
     lines.addVertical(v.x());
@@ -99,24 +100,24 @@ void drawVPointLines(const ChCoord& coord, QPainter* painter, const QPointF& v)
     lines.draw(painter, QColor(Qt::black));
 }
 
-void drawMethodLines(const ChCoord& coord, QPainter* painter, const FourPointGeometry& geometry)
+void drawMethodLines(QPainter& painter, const ChCoord& coord, const FourPointGeometry& geometry)
 {
-    drawLineThrough(coord, painter, equalAbsorptionColor, QPointF(0.0, 0.0),
+    drawLineThrough(painter, coord, equalAbsorptionColor, QPointF(0.0, 0.0),
                     QPointF(geometry.rho, 1.0));
     if (!geometry.target)
         return;
-    drawLineThrough(coord, painter, referenceSumColor, *geometry.target, QPointF(1.0, -1.0));
-    drawLineThrough(coord, painter, mixtureColor, *geometry.target, *geometry.target - *geometry.v);
+    drawLineThrough(painter, coord, referenceSumColor, *geometry.target, QPointF(1.0, -1.0));
+    drawLineThrough(painter, coord, mixtureColor, *geometry.target, *geometry.target - *geometry.v);
 }
 
 // A filled disc for a row in use, a ring for one that is not.
-void drawMark(const ChCoord& coord, QPainter* painter, const FourPointGeometry::Mark& mark)
+void drawMark(QPainter& painter, const ChCoord& coord, const FourPointGeometry::Mark& mark)
 {
     const QColor color = mark.vPoint ? vPointColor : pointColor;
     const QPoint pixel = dotPixel(coord, mark.place.x(), mark.place.y());
     if (mark.use)
         return drawDisc(painter, pixel, color);
-    painter->setPen(color);
+    painter.setPen(color);
     drawRing(painter, pixel);
 }
 
@@ -164,21 +165,20 @@ PlaneRange fourPointRange(const FourPointGeometry& geometry)
     return bounds.withRoom();
 }
 
-void drawFourPointGraph(DispABase* panel, QPainter* painter, const AxisTitles& titles,
-                        const PointRows& rows, double rho)
+void drawFourPointGraph(QPainter& painter, GraphFrame& frame, const PointRows& rows, double rho)
 {
-    if (!beginGraph(panel, painter, titles, hasReferences(rows)))
+    if (!beginGraph(painter, frame, hasReferences(rows)))
         return;
     const FourPointGeometry geometry = fourPointGeometry(rows, rho);
     const PlaneRange range = fourPointRange(geometry);
-    panel->setRangeOnce(range.x.from, range.y.from, range.x.to, range.y.to);
-    const ChCoord& coord = panel->DispA->coord;
-    drawGridAtX(coord, painter, {0.0});
-    drawGridAtY(coord, painter, {0.0});
+    frame.setRangeOnce(range.x.from, range.y.from, range.x.to, range.y.to);
+    const ChCoord& coord = frame.coord;
+    drawGridAtX(painter, coord, {0.0});
+    drawGridAtY(painter, coord, {0.0});
     if (geometry.v)
-        drawVPointLines(coord, painter, *geometry.v);
-    drawMethodLines(coord, painter, geometry);
+        drawVPointLines(painter, coord, *geometry.v);
+    drawMethodLines(painter, coord, geometry);
     for (const FourPointGeometry::Mark& mark : geometry.marks)
-        drawMark(coord, painter, mark);
-    panel->DispA->drawFrame(painter, true);
+        drawMark(painter, coord, mark);
+    drawGraphFrame(painter, coord, true);
 }

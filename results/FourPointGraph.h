@@ -1,11 +1,13 @@
 #pragma once
 
 #include "analysis/PointRow.h"
-#include "results/GraphFrame.h"
+#include "display/GraphFrame.h"
 
 #include <QPointF>
 
 #include <optional>
+
+class QPainter;
 
 /// The four-point method in the plane of the two references: M2 is mu-t of Ref 1, M3 that of Ref 2,
 /// both without the blank.
@@ -50,5 +52,4 @@ struct PlaneRange {
 PlaneRange fourPointRange(const FourPointGeometry& geometry);
 
 /// "M2/M3": the four-point geometry.
-void drawFourPointGraph(DispABase* panel, QPainter* painter, const AxisTitles& titles,
-                        const PointRows& rows, double rho);
+void drawFourPointGraph(QPainter& painter, GraphFrame& frame, const PointRows& rows, double rho);

@@ -1,13 +1,15 @@
 #pragma once
 
 #include "analysis/HistogramCounts.h"
-#include "results/GraphFrame.h"
+#include "analysis/TargetResult.h"
+#include "display/GraphFrame.h"
+
+class QPainter;
 
 /// "Histgram of a": counts of valences.
-void drawValenceHistogram(DispABase* panel, QPainter* painter, const AxisTitles& titles,
-                          const HistogramCounts& histogram, const AxisEnds& xRange,
-                          const ReferenceValences& valences);
+void drawValenceHistogram(QPainter& painter, GraphFrame& frame, const HistogramCounts& histogram,
+                          const AxisEnds& xRange, const ReferenceValences& valences);
 
 /// "Histgram of t": counts of thickness ratios.
-void drawThicknessHistogram(DispABase* panel, QPainter* painter, const AxisTitles& titles,
-                            const HistogramCounts& histogram, const AxisEnds& xRange);
+void drawThicknessHistogram(QPainter& painter, GraphFrame& frame, const HistogramCounts& histogram,
+                            const AxisEnds& xRange);

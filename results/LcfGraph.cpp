@@ -1,8 +1,11 @@
 #include "results/LcfGraph.h"
 
-#include "display/DispABase.h"
+#include "display/FramePainter.h"
 #include "display/PlotLines.h"
 #include "results/Dot.h"
+#include "results/GridPainter.h"
+
+#include <QPainter>
 
 namespace
 {
@@ -11,7 +14,7 @@ constexpr double roomAround = 0.2; // in valences
 const QColor diagonalColor(0, 200, 0);
 
 // Where both methods agree.
-void drawDiagonal(const ChCoord& coord, QPainter* painter, const ReferenceValences& valences)
+void drawDiagonal(QPainter& painter, const ChCoord& coord, const ReferenceValences& valences)
 {
     PlotLines diagonal(coord);
     diagonal.add(valences.ref1, valences.ref1, valences.ref2, valences.ref2);
@@ -20,24 +23,24 @@ void drawDiagonal(const ChCoord& coord, QPainter* painter, const ReferenceValenc
 
 } // namespace
 
-void drawLcfGraph(DispABase* panel, QPainter* painter, const AxisTitles& titles,
-                  const std::vector<LCFvs4PSPoint>& points, const ReferenceValences& valences)
+void drawLcfGraph(QPainter& painter, GraphFrame& frame, const std::vector<LCFvs4PSPoint>& points,
+                  const ReferenceValences& valences)
 {
-    if (!beginGraph(panel, painter, titles, !points.empty()))
+    if (!beginGraph(painter, frame, !points.empty()))
         return;
     const double low = valences.ref1 - roomAround;
     const double high = valences.ref2 + roomAround;
-    panel->setRangeOnce(low, low, high, high);
-    const ChCoord& coord = panel->DispA->coord;
+    frame.setRangeOnce(low, low, high, high);
+    const ChCoord& coord = frame.coord;
     const GridSteps steps = valenceSteps(valences.ref1, valences.ref2);
-    drawGridColumns(coord, painter, gridColumns(coord, steps));
-    drawGridRows(coord, painter, gridRows(coord, steps));
-    drawDiagonal(coord, painter, valences);
-    painter->setPen(Qt::black);
+    drawGridColumns(painter, coord, gridColumns(coord, steps));
+    drawGridRows(painter, coord, gridRows(coord, steps));
+    drawDiagonal(painter, coord, valences);
+    painter.setPen(Qt::black);
     for (const LCFvs4PSPoint& point : points)
         drawDot(painter, dotPixel(coord, point.lcfValence, point.psValence));
     const LCFvs4PSPoint& newest = points.back();
-    painter->setPen(Qt::red);
+    painter.setPen(Qt::red);
     drawRing(painter, dotPixel(coord, newest.lcfValence, newest.psValence));
-    panel->DispA->drawFrame(painter, true);
+    drawGraphFrame(painter, coord, true);
 }

@@ -1,9 +1,9 @@
 #include "results/MutsGraph.h"
 
-#include "display/CColors.h"
-#include "display/DispABase.h"
-#include "display/PlotLines.h"
 #include "analysis/FittedSpectrum.h"
+#include "display/CColors.h"
+#include "display/FramePainter.h"
+#include "display/PlotLines.h"
 
 #include <QPen>
 
@@ -86,7 +86,7 @@ private:
     }
 };
 
-void drawCurve(const ChCoord& coord, QPainter* painter, const Curve& curve, const QColor& color,
+void drawCurve(QPainter& painter, const ChCoord& coord, const Curve& curve, const QColor& color,
                int width)
 {
     PlotLines lines(coord, width);
@@ -95,7 +95,7 @@ void drawCurve(const ChCoord& coord, QPainter* painter, const Curve& curve, cons
     lines.draw(painter, QPen(color, width));
 }
 
-void drawLevels(const ChCoord& coord, QPainter* painter)
+void drawLevels(QPainter& painter, const ChCoord& coord)
 {
     PlotLines levels(coord);
     for (const double level : {0.0, 0.5, 1.0})
@@ -103,7 +103,7 @@ void drawLevels(const ChCoord& coord, QPainter* painter)
     levels.draw(painter, levelColor);
 }
 
-void drawEdges(const ChCoord& coord, QPainter* painter, const MutsContent& content)
+void drawEdges(QPainter& painter, const ChCoord& coord, const MutsContent& content)
 {
     PlotLines edges(coord);
     edges.addVertical(content.edge);
@@ -112,7 +112,7 @@ void drawEdges(const ChCoord& coord, QPainter* painter, const MutsContent& conte
     edges.draw(painter, edgeColor);
 }
 
-void drawRows(const ChCoord& coord, QPainter* painter, const PointRows& rows)
+void drawRows(QPainter& painter, const ChCoord& coord, const PointRows& rows)
 {
     for (const PointRow& row : rows) {
         const int width = row.use ? usedWidth : plainWidth;
@@ -124,20 +124,20 @@ void drawRows(const ChCoord& coord, QPainter* painter, const PointRows& rows)
 
 // Display-only spectra first, so that they never hide what is analysed; the first of the selected
 // ones on top.
-void drawCurves(const ChCoord& coord, QPainter* painter, const MutsCurves& curves, int chosen)
+void drawCurves(QPainter& painter, const ChCoord& coord, const MutsCurves& curves, int chosen)
 {
     const int count = static_cast<int>(curves.selected.size() + curves.displayOnly.size());
     const CColors palette(count);
     const int firstDisplayOnly = static_cast<int>(curves.selected.size());
     for (int i = 0; i < static_cast<int>(curves.displayOnly.size()); ++i) {
-        drawCurve(coord, painter, curves.displayOnly[static_cast<std::size_t>(i)],
+        drawCurve(painter, coord, curves.displayOnly[static_cast<std::size_t>(i)],
                   palette.colors[firstDisplayOnly + i], i == chosen ? chosenWidth : plainWidth);
     }
     for (int i = firstDisplayOnly - 1; i >= 0; --i) {
-        drawCurve(coord, painter, curves.selected[static_cast<std::size_t>(i)], palette.colors[i],
+        drawCurve(painter, coord, curves.selected[static_cast<std::size_t>(i)], palette.colors[i],
                   selectedWidth);
     }
-    drawCurve(coord, painter, curves.fit, fitColor, plainWidth);
+    drawCurve(painter, coord, curves.fit, fitColor, plainWidth);
 }
 
 } // namespace
@@ -193,21 +193,20 @@ AxisEnds curveRange(const std::vector<std::vector<QPointF>>& curves, const AxisE
     return {min - roomAround * (max - min), max + roomAround * (max - min)};
 }
 
-void drawMutsGraph(DispABase* panel, QPainter* painter, const AxisTitles& titles,
-                   const MutsContent& content)
+void drawMutsGraph(QPainter& painter, GraphFrame& frame, const MutsContent& content)
 {
-    if (!beginGraph(panel, painter, titles, !content.isEmpty()))
+    if (!beginGraph(painter, frame, !content.isEmpty()))
         return;
     const MutsCurves curves(content);
-    if (!panel->DispA->rangeSet) {
+    if (!frame.rangeSet) {
         const AxisEnds x = content.energies();
         const AxisEnds y = curveRange(curves.ranged(), x);
-        panel->setRangeOnce(x.from, y.from, x.to, y.to);
+        frame.setRangeOnce(x.from, y.from, x.to, y.to);
     }
-    const ChCoord& coord = panel->DispA->coord;
-    drawLevels(coord, painter);
-    drawEdges(coord, painter, content);
-    drawRows(coord, painter, content.rows);
-    drawCurves(coord, painter, curves, content.chosen);
-    panel->DispA->drawFrame(painter, true);
+    const ChCoord& coord = frame.coord;
+    drawLevels(painter, coord);
+    drawEdges(painter, coord, content);
+    drawRows(painter, coord, content.rows);
+    drawCurves(painter, coord, curves, content.chosen);
+    drawGraphFrame(painter, coord, true);
 }

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "analysis/PointRow.h"
-#include "results/GraphFrame.h"
+#include "display/GraphFrame.h"
 
 #include <QPoint>
 #include <QPointF>
 
 struct FittedSpectrum;
+class QPainter;
 
 /// How a spectrum is brought to the scale from 0, below the edge, to 1, above it.
 enum class Normalization {
@@ -25,8 +26,9 @@ struct MutsContent {
     /// without an edge is not drawn.
     std::vector<const FittedSpectrum*> selected;
     std::vector<const FittedSpectrum*> displayOnly;
-    int chosen = -1;                ///< of displayOnly, drawn wider
-    const FittedSpectrum* fit = nullptr; ///< curve of the linear combination fit, normalized already
+    int chosen = -1; ///< of displayOnly, drawn wider
+    const FittedSpectrum* fit =
+        nullptr; ///< curve of the linear combination fit, normalized already
 
     AxisEnds energies() const { return {edge + preEndOffset, edge + postStartOffset}; }
     bool isEmpty() const;
@@ -46,5 +48,4 @@ bool hasEdge(const std::vector<QPointF>& curve, const MutsContent& content);
 AxisEnds curveRange(const std::vector<std::vector<QPointF>>& curves, const AxisEnds& energies);
 
 /// "Muts": all spectra, normalized, around the edge, with the energies that the user can drag.
-void drawMutsGraph(DispABase* panel, QPainter* painter, const AxisTitles& titles,
-                   const MutsContent& content);
+void drawMutsGraph(QPainter& painter, GraphFrame& frame, const MutsContent& content);

@@ -1,19 +1,20 @@
 #include "results/ThicknessGraph.h"
 
-#include "display/DispABase.h"
+#include "display/FramePainter.h"
+#include "results/GridPainter.h"
 
-void ThicknessGraph::draw(DispABase* panel, QPainter* painter, const AxisTitles& titles,
-                          const MapPoints& points, const ReferenceValences& valences,
-                          const AxisEnds& xRange, const AxisEnds& yRange)
+void ThicknessGraph::draw(QPainter& painter, GraphFrame& frame, const MapPoints& points,
+                          const ReferenceValences& valences, const AxisEnds& xRange,
+                          const AxisEnds& yRange)
 {
-    if (!beginGraph(panel, painter, titles, points.size > 0)) {
+    if (!beginGraph(painter, frame, points.size > 0)) {
         m_dots.clear();
         return;
     }
-    panel->setRangeOnce(xRange.from, yRange.from, xRange.to, yRange.to);
-    const ChCoord& coord = panel->DispA->coord;
-    drawGridColumns(coord, painter, gridColumns(coord, valenceSteps(valences.ref1, valences.ref2)));
-    drawGridAtY(coord, painter, tenths());
+    frame.setRangeOnce(xRange.from, yRange.from, xRange.to, yRange.to);
+    const ChCoord& coord = frame.coord;
+    drawGridColumns(painter, coord, gridColumns(coord, valenceSteps(valences.ref1, valences.ref2)));
+    drawGridAtY(painter, coord, tenths());
     m_dots.draw(painter, coord, points, valences.ref1, valences.ref2);
-    panel->DispA->drawFrame(painter, true);
+    drawGraphFrame(painter, coord, true);
 }

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "analysis/TargetResult.h"
+#include "display/GraphFrame.h"
 #include "results/DotCloud.h"
-#include "results/GraphFrame.h"
 
 /// "t/a": thickness ratio against valence, a dot for each point of a map. Keeps the picture of the
 /// dots between repaints.
@@ -9,9 +10,8 @@ class ThicknessGraph
 {
 public:
     /// @param xRange  valences, @param yRange  thickness ratios, both as typed for the histograms
-    void draw(DispABase* panel, QPainter* painter, const AxisTitles& titles,
-              const MapPoints& points, const ReferenceValences& valences, const AxisEnds& xRange,
-              const AxisEnds& yRange);
+    void draw(QPainter& painter, GraphFrame& frame, const MapPoints& points,
+              const ReferenceValences& valences, const AxisEnds& xRange, const AxisEnds& yRange);
 
 private:
     DotCloud m_dots;

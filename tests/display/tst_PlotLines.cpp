@@ -50,7 +50,7 @@ QImage drawnTogether(const QVector<QLine>& lines, const QPen& pen)
         plot.addPixels(line);
     QImage image = blank();
     QPainter painter(&image);
-    plot.draw(&painter, pen);
+    plot.draw(painter, pen);
     return image;
 }
 

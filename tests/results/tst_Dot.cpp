@@ -26,14 +26,14 @@ QImage tst_Dot::painted(const Paint& paint)
     QPainter painter(&image);
     painter.setPen(Qt::black);
     painter.setBrush(Qt::green);
-    paint(&painter);
+    paint(painter);
     return image;
 }
 
 void tst_Dot::discIsOfOneColor()
 {
     const QImage image =
-        painted([](QPainter* painter) { drawDisc(painter, QPoint(10, 10), Qt::red); });
+        painted([](QPainter& painter) { drawDisc(painter, QPoint(10, 10), Qt::red); });
     const int red = canvas::count(image, Qt::red);
     QCOMPARE(red + canvas::count(image, Qt::white), 400);
     for (const QPoint& inside : {QPoint(10, 10), QPoint(7, 10), QPoint(12, 10), QPoint(10, 7)})
@@ -44,18 +44,18 @@ void tst_Dot::discIsOfOneColor()
 
 void tst_Dot::dotAndRingAreOfThePen()
 {
-    const QImage dot = painted([](QPainter* painter) { drawDot(painter, QPoint(10, 10)); });
+    const QImage dot = painted([](QPainter& painter) { drawDot(painter, QPoint(10, 10)); });
     QVERIFY(canvas::count(dot, Qt::black) > 0);
     QCOMPARE(canvas::count(dot, Qt::black) + canvas::count(dot, Qt::white), 400);
-    const QImage ring = painted([](QPainter* painter) { drawRing(painter, QPoint(10, 10)); });
+    const QImage ring = painted([](QPainter& painter) { drawRing(painter, QPoint(10, 10)); });
     QVERIFY(canvas::count(ring, Qt::black) > canvas::count(dot, Qt::black));
     QCOMPARE(canvas::count(ring, Qt::black) + canvas::count(ring, Qt::white), 400);
 }
 
 void tst_Dot::farMarksAreLeftOut()
 {
-    const QImage image = painted([](QPainter* painter) {
-        painter->scale(1e-3, 1e-3); // would bring it back onto the canvas
+    const QImage image = painted([](QPainter& painter) {
+        painter.scale(1e-3, 1e-3); // would bring it back onto the canvas
         drawDisc(painter, QPoint(0, 32769), Qt::red);
         drawDisc(painter, QPoint(-32769, 0), Qt::red);
     });

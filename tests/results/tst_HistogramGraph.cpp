@@ -70,8 +70,6 @@ QImage paintedBars(const ChCoord& coord, const HistogramCounts& h)
     return image;
 }
 
-const AxisTitles titles{QStringLiteral("Valence"), QStringLiteral("Num.")};
-
 } // namespace
 
 class TestHistogramGraph : public QObject
@@ -190,12 +188,10 @@ void TestHistogramGraph::absurdNumbers()
 void TestHistogramGraph::valenceGraph()
 {
     const HistogramCounts h = histogram(1.5, 3.5, 41, std::vector<int>(41, 7), 3, 4);
-    GraphPanel panel([&](DispABase* p, QStylePainter* painter) {
-        drawValenceHistogram(p, painter, titles, h, {1.5, 3.5}, {2, 3});
+    GraphPanel panel([&](QPainter& painter, GraphFrame& frame) {
+        drawValenceHistogram(painter, frame, h, {1.5, 3.5}, {2, 3});
     });
     const QImage image = panel.picture();
-    QCOMPARE(panel.xTitle, QStringLiteral("Valence"));
-    QCOMPARE(panel.yTitle, QStringLiteral("Num."));
     QCOMPARE(panel.coord().valid, 1);
     QCOMPARE(panel.coord().rx0, 1.5);
     QCOMPARE(panel.coord().rx1, 3.5);
@@ -220,12 +216,10 @@ void TestHistogramGraph::valenceGraph()
 void TestHistogramGraph::thicknessGraph()
 {
     const HistogramCounts h = histogram(0.25, 0.75, 3, {8, 4, 2}, 0, 0);
-    GraphPanel panel([&](DispABase* p, QStylePainter* painter) {
-        drawThicknessHistogram(p, painter, {QStringLiteral("Thick."), QStringLiteral("Num.")}, h,
-                               {-0.2, 1.2});
+    GraphPanel panel([&](QPainter& painter, GraphFrame& frame) {
+        drawThicknessHistogram(painter, frame, h, {-0.2, 1.2});
     });
     const QImage image = panel.picture();
-    QCOMPARE(panel.xTitle, QStringLiteral("Thick."));
     // 340 pixels for 1.4 units: zero at 88.6, a tenth is 24.3 pixels.
     const QVector<int> found = canvas::columnsOf(image, gridColor, 20, 41, 379);
     QCOMPARE(found, (QVector<int>{88, 112, 137, 161, 185, 210, 234, 258, 282, 307, 331}));
@@ -239,8 +233,8 @@ void TestHistogramGraph::thicknessGraph()
 void TestHistogramGraph::gridOfCounts()
 {
     const HistogramCounts h = histogram(0.5, 3.5, 4, {10, 0, 25, 20}, 0, 0);
-    GraphPanel panel([&](DispABase* p, QStylePainter* painter) {
-        drawThicknessHistogram(p, painter, titles, h, {-10, 10});
+    GraphPanel panel([&](QPainter& painter, GraphFrame& frame) {
+        drawThicknessHistogram(painter, frame, h, {-10, 10});
     });
     // From -2.5 to 27.5, 8.5 pixels a count: 0, 10 and 20 but not 30. Column 50 has no bar.
     QCOMPARE(canvas::rowsOf(panel.picture(), gridColor, 50, 16, 269), (QVector<int>{78, 163, 248}));
@@ -250,8 +244,8 @@ void TestHistogramGraph::noBinsLeaveItWhite()
 {
     for (const int boxes : {0, -3}) {
         const HistogramCounts h = histogram(1.5, 3.5, boxes, {}, 4, 5);
-        GraphPanel panel([&](DispABase* p, QStylePainter* painter) {
-            drawValenceHistogram(p, painter, titles, h, {1.5, 3.5}, {2, 3});
+        GraphPanel panel([&](QPainter& painter, GraphFrame& frame) {
+            drawValenceHistogram(painter, frame, h, {1.5, 3.5}, {2, 3});
         });
         QVERIFY(panel.isWhite());
         QCOMPARE(panel.coord().valid, 0);
@@ -262,8 +256,8 @@ void TestHistogramGraph::noBinsLeaveItWhite()
 void TestHistogramGraph::nothingCounted()
 {
     const HistogramCounts h = histogram(1.5, 3.5, 41, {}, 0, 0);
-    GraphPanel panel([&](DispABase* p, QStylePainter* painter) {
-        drawValenceHistogram(p, painter, titles, h, {1.5, 3.5}, {2, 3});
+    GraphPanel panel([&](QPainter& painter, GraphFrame& frame) {
+        drawValenceHistogram(painter, frame, h, {1.5, 3.5}, {2, 3});
     });
     const QImage image = panel.picture();
     QCOMPARE(canvas::count(image, valenceBar), 0);
@@ -274,8 +268,8 @@ void TestHistogramGraph::nothingCounted()
 void TestHistogramGraph::zoomSurvives()
 {
     HistogramCounts h = fourBins();
-    GraphPanel panel([&](DispABase* p, QStylePainter* painter) {
-        drawThicknessHistogram(p, painter, titles, h, {0, 4});
+    GraphPanel panel([&](QPainter& painter, GraphFrame& frame) {
+        drawThicknessHistogram(painter, frame, h, {0, 4});
     });
     panel.picture();
     canvas::wheel(panel.DispA, QPointF(200, 150), QPoint(0, 120));

@@ -11,7 +11,6 @@ namespace
 
 const QColor gridColor(200, 200, 255);
 const QColor diagonalColor(0, 200, 0);
-const AxisTitles titles{QStringLiteral("LCF"), QStringLiteral("4ps")};
 
 LCFvs4PSPoint point(double lcfValence, double psValence)
 {
@@ -20,8 +19,8 @@ LCFvs4PSPoint point(double lcfValence, double psValence)
 
 GraphPanel::Paint painter(const std::vector<LCFvs4PSPoint>& points, ReferenceValences valences)
 {
-    return [&points, valences](DispABase* panel, QStylePainter* p) {
-        drawLcfGraph(panel, p, titles, points, valences);
+    return [&points, valences](QPainter& painter, GraphFrame& frame) {
+        drawLcfGraph(painter, frame, points, valences);
     };
 }
 
@@ -64,8 +63,6 @@ void TestLcfGraph::noPointsLeaveItWhite()
     QVERIFY(panel.isWhite());
     QCOMPARE(panel.coord().valid, 0);
     QVERIFY(!panel.DispA->rangeSet);
-    QCOMPARE(panel.xTitle, QStringLiteral("LCF"));
-    QCOMPARE(panel.yTitle, QStringLiteral("4ps"));
 }
 
 void TestLcfGraph::rangeGridAndDiagonal()

@@ -12,7 +12,6 @@ namespace
 constexpr double infinite = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
-const AxisTitles titles{QStringLiteral("Eng.[eV]"), QStringLiteral("mut")};
 const QColor grey(200, 200, 200);
 const QColor green(80, 255, 80);
 const QColor red(255, 0, 0);
@@ -49,7 +48,7 @@ MutsContent content()
 
 GraphPanel::Paint painter(const MutsContent& c)
 {
-    return [&c](DispABase* panel, QStylePainter* p) { drawMutsGraph(panel, p, titles, c); };
+    return [&c](QPainter& painter, GraphFrame& frame) { drawMutsGraph(painter, frame, c); };
 }
 
 } // namespace
@@ -142,8 +141,6 @@ void TestMutsGraph::nothingLoadedLeavesItWhite()
     QVERIFY(panel.isWhite());
     QCOMPARE(panel.coord().valid, 0);
     QVERIFY(!panel.DispA->rangeSet);
-    QCOMPARE(panel.xTitle, QStringLiteral("Eng.[eV]"));
-    QCOMPARE(panel.yTitle, QStringLiteral("mut"));
 }
 
 void TestMutsGraph::rangesAroundTheEdge()

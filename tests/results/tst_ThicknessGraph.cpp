@@ -14,7 +14,6 @@ namespace
 constexpr double v1 = 2.0;
 constexpr double v2 = 3.0;
 const QColor gridColor(200, 200, 255);
-const AxisTitles titles{QStringLiteral("Valence"), QStringLiteral("Thick.")};
 
 struct Cloud {
     std::vector<double> a;
@@ -150,7 +149,7 @@ void TestThicknessGraph::looksLikeOneDotForEachRecord()
         for (int repaint = 0; repaint < 2; ++repaint) {
             QImage painted = blank(size.width(), size.height(), scale);
             QPainter painter(&painted);
-            dots.draw(&painter, coord, cloud.points(), v1, v2);
+            dots.draw(painter, coord, cloud.points(), v1, v2);
             painter.end();
             QCOMPARE(painted, expected);
         }
@@ -176,7 +175,7 @@ void TestThicknessGraph::cloudInACornerOfTheWindow()
             QPainter other(&painted);
             other.translate(offset);
             other.setClipRect(0, 0, 200, 150);
-            dots.draw(&other, coord, cloud.points(), v1, v2);
+            dots.draw(other, coord, cloud.points(), v1, v2);
         }
         QCOMPARE(painted, expected);
     }
@@ -192,7 +191,7 @@ void TestThicknessGraph::pictureIsKept()
     const auto picture = [&](std::uint64_t revision) {
         QImage image = blank(400, 300, 1);
         QPainter painter(&image);
-        dots.draw(&painter, coord, cloud.points(revision), v1, v2);
+        dots.draw(painter, coord, cloud.points(revision), v1, v2);
         painter.end();
         return image;
     };
@@ -214,9 +213,9 @@ void TestThicknessGraph::pictureFollowsChanges()
         QImage kept = blank(400, 300, 1);
         QImage fresh = blank(400, 300, 1);
         QPainter onKept(&kept);
-        dots.draw(&onKept, coord, cloud.points(), valence1, valence2);
+        dots.draw(onKept, coord, cloud.points(), valence1, valence2);
         QPainter onFresh(&fresh);
-        DotCloud().draw(&onFresh, coord, cloud.points(), valence1, valence2);
+        DotCloud().draw(onFresh, coord, cloud.points(), valence1, valence2);
         onKept.end();
         onFresh.end();
         QCOMPARE(kept, fresh);
@@ -255,7 +254,7 @@ void TestThicknessGraph::emptyCanvas()
     QImage image = blank(10, 10, 1);
     QPainter painter(&image);
     painter.setClipRect(0, 0, 0, 0);
-    DotCloud().draw(&painter, coord, cloud.points(), v1, v2);
+    DotCloud().draw(painter, coord, cloud.points(), v1, v2);
     painter.end();
     QCOMPARE(image, blank(10, 10, 1));
 }
@@ -263,8 +262,8 @@ void TestThicknessGraph::emptyCanvas()
 void TestThicknessGraph::noPointsLeaveItWhite()
 {
     ThicknessGraph graph;
-    GraphPanel panel([&](DispABase* p, QStylePainter* painter) {
-        graph.draw(p, painter, titles, {}, {v1, v2}, {1.5, 3.5}, {-0.2, 1.2});
+    GraphPanel panel([&](QPainter& painter, GraphFrame& frame) {
+        graph.draw(painter, frame, {}, {v1, v2}, {1.5, 3.5}, {-0.2, 1.2});
     });
     QVERIFY(panel.isWhite());
     QCOMPARE(panel.coord().valid, 0);
@@ -276,12 +275,10 @@ void TestThicknessGraph::rangeGridAndDots()
     Cloud cloud;
     cloud.add(0.73, 0.45);
     ThicknessGraph graph;
-    GraphPanel panel([&](DispABase* p, QStylePainter* painter) {
-        graph.draw(p, painter, titles, cloud.points(), {v1, v2}, {1.5, 3.5}, {-0.2, 1.2});
+    GraphPanel panel([&](QPainter& painter, GraphFrame& frame) {
+        graph.draw(painter, frame, cloud.points(), {v1, v2}, {1.5, 3.5}, {-0.2, 1.2});
     });
     const QImage image = panel.picture();
-    QCOMPARE(panel.xTitle, QStringLiteral("Valence"));
-    QCOMPARE(panel.yTitle, QStringLiteral("Thick."));
     QCOMPARE(panel.coord().rx0, 1.5);
     QCOMPARE(panel.coord().ry0, -0.2);
     QCOMPARE(panel.coord().rx1, 3.5);
@@ -306,8 +303,8 @@ void TestThicknessGraph::pointsBesideTheRange()
     Cloud cloud;
     cloud.add(-1.0, 0.5); // valence 4
     ThicknessGraph graph;
-    GraphPanel panel([&](DispABase* p, QStylePainter* painter) {
-        graph.draw(p, painter, titles, cloud.points(), {v1, v2}, {1.5, 3.5}, {-0.2, 1.2});
+    GraphPanel panel([&](QPainter& painter, GraphFrame& frame) {
+        graph.draw(painter, frame, cloud.points(), {v1, v2}, {1.5, 3.5}, {-0.2, 1.2});
     });
     QCOMPARE(canvas::count(panel.plot(), Qt::black), 0);
     canvas::drag(panel.DispA, {QPointF(300, 200), QPointF(200, 200)}, Qt::ShiftModifier);

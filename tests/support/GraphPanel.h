@@ -10,15 +10,16 @@
 class GraphPanel : public DispABase
 {
 public:
-    using Paint = std::function<void(DispABase*, QStylePainter*)>;
+    using Paint = std::function<void(QPainter&, GraphFrame&)>;
 
     explicit GraphPanel(const Paint& paint)
     {
         xTitleInGraph = true;
         yTitleInGraph = true;
+        setXYTitle(QStringLiteral("x"), QStringLiteral("y"));
         DispA->setFixedSize(400, 300);
         QObject::connect(this, &DispABase::draw, this,
-                         [this, paint](QStylePainter* painter) { paint(this, painter); });
+                         [this, paint](QStylePainter* painter) { paint(*painter, graph); });
     }
 
     QImage picture() { return canvas::picture(DispA); }
