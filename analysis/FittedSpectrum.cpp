@@ -18,8 +18,8 @@ void widen(double value, double& min, double& max)
 void FittedSpectrum::setPoints(SpectrumPoints found)
 {
     points = std::move(found);
-    angleMin = energyMin = mutMin = 1e300;
-    angleMax = energyMax = mutMax = -1e300;
+    angleMin = energyMin = mutMin = beyondAll;
+    angleMax = energyMax = mutMax = -beyondAll;
     for (const SpectrumPoint& point : points) {
         widen(point.angle, angleMin, angleMax);
         widen(point.energy, energyMin, energyMax);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/Constants.h"
 #include "analysis/Spectrum.h"
 #include "analysis/Victreen.h"
 
@@ -15,12 +16,12 @@ struct FitBounds {
 /// A spectrum: the points in file order, their ranges, the energies that bound the Victreen fits,
 /// and the fitted lines. As a constant it can be used by several threads at once.
 struct FittedSpectrum : FitBounds {
-    double angleMin = 1e300; ///< degrees
-    double angleMax = -1e300;
-    double energyMin = 1e300; ///< eV
-    double energyMax = -1e300;
-    double mutMin = 1e300;
-    double mutMax = -1e300;
+    double angleMin = beyondAll; ///< degrees
+    double angleMax = -beyondAll;
+    double energyMin = beyondAll; ///< eV
+    double energyMax = -beyondAll;
+    double mutMin = beyondAll;
+    double mutMax = -beyondAll;
     SpectrumPoints points;
 
     VictreenLineNoC preVicNoC;

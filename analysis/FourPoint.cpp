@@ -1,11 +1,9 @@
 #include "analysis/FourPoint.h"
 
-#include <limits>
+#include "analysis/Constants.h"
 
 namespace
 {
-
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 double referenceSum(const PointRow& row)
 {

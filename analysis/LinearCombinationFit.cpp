@@ -1,5 +1,6 @@
 #include "analysis/LinearCombinationFit.h"
 
+#include "analysis/Constants.h"
 #include "analysis/LinearSolver.h"
 #include "analysis/NormalizedSpectrum.h"
 
@@ -61,7 +62,7 @@ Vector<3> solve(const Samples& samples)
 
 std::optional<LcfRange> lcfRange(const PointRows& rows)
 {
-    LcfRange range{1e300, -1e300};
+    LcfRange range{beyondAll, -beyondAll};
     int count = 0;
     for (const PointRow& row : rows) {
         if (!row.tRatio)

@@ -6,14 +6,14 @@
 /// One row of the point table, as read from the window: an energy near the edge with the mu-t of
 /// the four spectra there (no unit; six-digit values, since they are read from the fields' texts).
 struct PointRow {
-    bool use = false;           ///< takes part in the point methods
-    bool tRatio = false;        ///< takes part in the thickness ratio and marks the LCF range
-    bool vPoint = false;        ///< the energy at which the two valence states differ
-    bool useVicRefs = false;    ///< references already have a Victreen line subtracted
-    bool useVicTarget = false;  ///< target already has a Victreen line subtracted
-    double energy = 0.0;        ///< eV
-    double mut1 = 0.0;          ///< Ref 1
-    double mut2 = 0.0;          ///< Ref 2
+    bool use = false;          ///< takes part in the point methods
+    bool tRatio = false;       ///< takes part in the thickness ratio and marks the LCF range
+    bool vPoint = false;       ///< the energy at which the two valence states differ
+    bool useVicRefs = false;   ///< references already have a Victreen line subtracted
+    bool useVicTarget = false; ///< target already has a Victreen line subtracted
+    double energy = 0.0;       ///< eV
+    double mut1 = 0.0;         ///< Ref 1
+    double mut2 = 0.0;         ///< Ref 2
     double mutTarget = 0.0;
     double mutBlank = 0.0;
 
@@ -40,9 +40,3 @@ struct PointChoice {
 /// Walks the table from its first to its last row. Of several rows marked as V point the last one
 /// counts; the others drop out of the normalization points all the same.
 PointChoice choosePoints(const PointRows& rows);
-
-/// Valence as the mean of the references' valences, weighted with the fraction a of Ref 1.
-inline double meanValence(double valence1, double valence2, double a)
-{
-    return valence1 * a + valence2 * (1.0 - a);
-}

@@ -1,15 +1,13 @@
 #include "analysis/TargetResult.h"
 
+#include "analysis/Constants.h"
 #include "analysis/FourPoint.h"
 #include "analysis/ThreePoint.h"
 
-#include <limits>
 #include <vector>
 
 namespace
 {
-
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 /// The target's mu-t at the first `count` normalization points; missing points are not-a-number.
 std::vector<double> targetAt(const PointRows& table, const PointChoice& choice, std::size_t count)

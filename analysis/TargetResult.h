@@ -12,7 +12,7 @@ struct ReferenceValences {
     double ref2 = 3.0;
 
     /// Mean valence of a sample from the fraction a of Ref 1.
-    double mean(double a) const { return meanValence(ref1, ref2, a); }
+    double mean(double a) const { return ref1 * a + ref2 * (1.0 - a); }
 };
 
 /// What a calculation starts from: the point table and the spectra that it belongs to.

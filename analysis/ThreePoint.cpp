@@ -1,10 +1,9 @@
 #include "analysis/ThreePoint.h"
 
-#include <limits>
+#include "analysis/Constants.h"
 
 ThreePoint::ThreePoint(const PointRows& rows, const PointChoice& choice)
-    : m_reference2(std::numeric_limits<double>::quiet_NaN()), m_contrast(m_reference2),
-      m_step(m_reference2)
+    : m_reference2(notANumber), m_contrast(notANumber), m_step(notANumber)
 {
     if (!choice.hasVPoint() || choice.normalization.size() < 2)
         return;

@@ -1,13 +1,10 @@
 #pragma once
 
+#include "analysis/Constants.h"
 #include "analysis/Spectrum.h"
 
 /// Victreen lines: the smooth fall of the absorption away from an edge, c + a lambda^3 + b lambda^4
 /// (J. A. Victoreen, J. Appl. Phys. 14 (1943) 95; J. A. Victoreen, J. Appl. Phys. 19 (1948) 855).
-
-/// Planck's constant times the speed of light, eV times angstrom, to the digits in which all
-/// results of the program are defined.
-constexpr double hcElectronVoltAngstrom = 12398.424360387684;
 
 /// Wavelength in angstrom of a photon of the given energy (eV).
 inline double wavelength(double energy)

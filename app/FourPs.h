@@ -111,18 +111,9 @@ private:
     void buildMarkLines();
     void putInScrollArea(); ///< of use on screens smaller than the panel
 
-    /// Where the Victreen lines of all spectra end, eV.
-    struct EdgeBounds {
-        double preEdgeEnd;
-        double edge;
-        double postEdgeStart;
-
-        void fit(AXafsData& spectrum) const;
-    };
-
     // Inputs.
     PointRows rows() const;
-    EdgeBounds edgeBounds() const;
+    FitBounds edgeBounds() const; ///< of all spectra
     SpectrumSet spectra() const;
     ReferenceValences valences() const;
     Conditions conditions() const;

@@ -4,33 +4,36 @@
 #include "input/AXafsData.h"
 #include "text/NumberText.h"
 
+namespace
+{
+
+void fit(AXafsData& spectrum, const FitBounds& bounds)
+{
+    spectrum.setBounds(bounds);
+    spectrum.fitVictreens();
+}
+
+} // namespace
+
 void FourPs::repaintDisplays()
 {
     displays->update();
 }
 
-FourPs::EdgeBounds FourPs::edgeBounds() const
+FitBounds FourPs::edgeBounds() const
 {
     const double edge = numberFromText(EdgeE->text());
     return {edge + numberFromText(PreEEndDE->text()), edge,
             edge + numberFromText(PostEStartDE->text())};
 }
 
-void FourPs::EdgeBounds::fit(AXafsData& spectrum) const
-{
-    spectrum.preEdgeEnd = preEdgeEnd;
-    spectrum.edge = edge;
-    spectrum.postEdgeStart = postEdgeStart;
-    spectrum.fitVictreens();
-}
-
 void FourPs::setEdge()
 {
-    const EdgeBounds bounds = edgeBounds();
+    const FitBounds bounds = edgeBounds();
     for (AXafsFileSelect* select : qAsConst(xafsSelects))
-        select->setEdgeParameters(bounds.preEdgeEnd, bounds.edge, bounds.postEdgeStart);
+        select->setBounds(bounds);
     for (const auto& spectrum : dispData)
-        bounds.fit(*spectrum);
+        fit(*spectrum, bounds);
     repaintDisplays();
 }
 
@@ -168,14 +171,14 @@ void FourPs::receiveNewDir(const QString& dir)
 // fields are the same when the next one comes.
 void FourPs::receiveNewDispFiles(const QStringList& paths)
 {
-    const EdgeBounds bounds = edgeBounds();
+    const FitBounds bounds = edgeBounds();
     dispData.reserve(dispData.size() + static_cast<std::size_t>(paths.size()));
     bool others = false;
     for (const QString& path : paths) {
         auto spectrum = std::make_unique<AXafsData>();
         if (!spectrum->read(path))
             continue;
-        bounds.fit(*spectrum);
+        fit(*spectrum, bounds);
         if (!others)
             setEdge();
         others = true;

@@ -3,13 +3,13 @@
 #include "batch/Nesting.h"
 #include "system/ReadableFile.h"
 #include "text/NearestName.h"
+#include "text/TextBytes.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
 #include <QStringList>
-#include <QTextCodec>
 
 #include <toml++/toml.h>
 
@@ -22,15 +22,6 @@ namespace
 
 constexpr std::size_t rowsOfTheTable = 8;
 constexpr qint64 largestJob = 1 << 20; ///< bytes
-
-/// Without a header: a file's name may begin with U+FEFF, which elsewhere marks the byte order.
-QString textOf(std::string_view text)
-{
-    constexpr int utf8 = 106;
-    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-    return QTextCodec::codecForMib(utf8)->toUnicode(text.data(), static_cast<int>(text.size()),
-                                                    &state);
-}
 
 int lineOf(const toml::source_region& source)
 {
@@ -98,7 +89,7 @@ void JobReader::readKeys(const toml::table& table, const QString& where, const K
     for (const auto& [key, node] : table) {
         const auto known = std::find_if(keys.begin(), keys.end(),
                                         [&key = key](const Key& k) { return key.str() == k.name; });
-        const QString name = textOf(key.str());
+        const QString name = textFromUtf8(key.str());
         if (known != keys.end()) {
             known->handler(node, name);
             continue;
@@ -169,7 +160,7 @@ JobReader::Handler JobReader::filePath(JobFilePath& file)
     return [this, &file](const toml::node& node, const QString& name) {
         const auto text = node.value_exact<std::string_view>();
         if (text && !text->empty())
-            file = {QDir(m_folder).filePath(textOf(*text)), lineOf(node.source())};
+            file = {QDir(m_folder).filePath(textFromUtf8(*text)), lineOf(node.source())};
         else
             fail(node, QStringLiteral("%1 is the path of a file, in quotation marks").arg(name));
     };
@@ -190,7 +181,7 @@ JobReader::Handler JobReader::patterns(std::vector<JobFilePath>& files)
         for (const toml::node& item : *array) {
             const auto text = item.value_exact<std::string_view>();
             if (text && !text->empty())
-                files.push_back({textOf(*text), lineOf(item.source())});
+                files.push_back({textFromUtf8(*text), lineOf(item.source())});
             else
                 fail(item, wanted);
         }
@@ -359,7 +350,7 @@ std::optional<Job> parseJob(const QByteArray& text, const QString& folder, JobEr
     try {
         reader.read(toml::parse(toml));
     } catch (const toml::parse_error& syntax) {
-        error = {lineOf(syntax.source()), textOf(syntax.description()).simplified()};
+        error = {lineOf(syntax.source()), textFromUtf8(syntax.description()).simplified()};
         return std::nullopt;
     }
     if (reader.error) {

@@ -7,6 +7,7 @@ namespace absorption
 namespace
 {
 
+// The sample's physics is the example's own: nothing of the program's analysis goes into it.
 constexpr double pi = 3.14159265358979323846;
 constexpr double edge = 8350.0;
 constexpr double threshold = 8345.0; ///< where photoelectrons start, eV

@@ -1,5 +1,6 @@
 #include "examples/BeamlineFile.h"
 
+#include "analysis/Constants.h"
 #include "analysis/Victreen.h"
 
 #include <cmath>
@@ -7,12 +8,13 @@
 namespace
 {
 
-constexpr double latticeSpacing = 3.13551; ///< silicon 111, angstrom
-constexpr double readersPi = 3.1415926535; ///< the reader turns angles back with these digits
+/// Silicon 111, angstrom; the file names it, and it need not be the program's own.
+constexpr double latticeSpacing = 3.13551;
 
+/// In degrees, with the digits by which the reader turns angles back.
 double braggAngle(double energy)
 {
-    return std::asin(wavelength(energy) / (2.0 * latticeSpacing)) * 180.0 / readersPi;
+    return std::asin(wavelength(energy) / (2.0 * latticeSpacing)) * 180.0 / piOfAngles;
 }
 
 QByteArray column(double value, int decimals, int width)

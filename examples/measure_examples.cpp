@@ -1,3 +1,4 @@
+#include "analysis/Constants.h"
 #include "examples/ErrorBudget.h"
 #include "examples/MeasuredSample.h"
 
@@ -7,7 +8,6 @@
 
 #include <cmath>
 #include <initializer_list>
-#include <limits>
 
 namespace
 {
@@ -165,11 +165,10 @@ void printNoiseRow(QTextStream& out, const QString& folder, const Named& named,
 void printNoise(QTextStream& out, const QString& folder)
 {
     const MixedSample sample;
-    constexpr double none = std::numeric_limits<double>::quiet_NaN();
     out << "| " << noisySamples << " noisy samples | mean of a | deviation | derived "
         << "| mean of t/ts | deviation | derived |\n|---|---|---|---|---|---|---|\n";
     printNoiseRow(out, folder, {"job.toml", exampleConditions()}, noiseOfJob(sample));
-    printNoiseRow(out, folder, {"job.toml, six rows", sixRows()}, {none, none});
+    printNoiseRow(out, folder, {"job.toml, six rows", sixRows()}, {notANumber, notANumber});
     printNoiseRow(out, folder, {"defaults", defaultConditions()}, noiseOfDefaults(sample));
 }
 

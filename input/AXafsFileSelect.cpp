@@ -10,16 +10,12 @@ AXafsFileSelect::AXafsFileSelect(QWidget* parent, int mode) : AFileSelect(parent
 
 AXafsFileSelect::~AXafsFileSelect() = default;
 
-void AXafsFileSelect::setEdgeParameters(double preEdgeEnd, double edge, double postEdgeStart)
+void AXafsFileSelect::setBounds(const FitBounds& bounds)
 {
-    m_preEdgeEnd = preEdgeEnd;
-    m_edge = edge;
-    m_postEdgeStart = postEdgeStart;
+    m_bounds = bounds;
     if (!m_data)
         return;
-    m_data->preEdgeEnd = preEdgeEnd;
-    m_data->edge = edge;
-    m_data->postEdgeStart = postEdgeStart;
+    m_data->setBounds(bounds);
     m_data->fitVictreens();
 }
 
@@ -51,7 +47,7 @@ void AXafsFileSelect::newFile(const QString& path)
 {
     if (!m_data) {
         m_data = std::make_unique<AXafsData>();
-        setEdgeParameters(m_preEdgeEnd, m_edge, m_postEdgeStart);
+        setBounds(m_bounds);
     }
     m_data->read(path);
     if (!m_data->refusal.isEmpty())

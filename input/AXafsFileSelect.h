@@ -28,9 +28,9 @@ public:
     /// Edge jump of the record (units of mu-t), 0 without one.
     double edgeJump() const { return m_data ? m_data->edgeJump() : 0.0; }
 
-    /// Keeps the energies (eV) that bound the fits, also for spectra read later, and refits the
-    /// lines of a spectrum that is there.
-    void setEdgeParameters(double preEdgeEnd, double edge, double postEdgeStart);
+    /// Keeps the energies that bound the fits, also for spectra read later, and refits the lines of
+    /// a spectrum that is there.
+    void setBounds(const FitBounds& bounds);
 
     void setUseVic(bool use) { m_useVic = use; }
     void setVicIsPre(bool pre) { m_vicIsPre = pre; }
@@ -56,9 +56,7 @@ public slots:
 
 private:
     std::unique_ptr<AXafsData> m_data;
-    double m_preEdgeEnd = 8000.0;
-    double m_edge = 0.0;
-    double m_postEdgeStart = 8500.0;
+    FitBounds m_bounds;
     bool m_useVic = false;
     bool m_vicIsPre = false;
     DispABase* m_preview = nullptr;

@@ -2,6 +2,7 @@
 
 #include "text/LineTokens.h"
 #include "text/NumberText.h"
+#include "text/PowersOfTen.h"
 #include "text/TextBytes.h"
 
 #include <array>
@@ -15,11 +16,6 @@ namespace
 
 /// Bytes of the shortest record, "1 1 1" and a line feed.
 constexpr std::size_t shortestRecord = 6;
-
-/// Powers of ten that a double holds exactly.
-constexpr std::array<double, 23> exactPower = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                               1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                               1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
 /// Integers up to here are exact doubles.
 constexpr std::uint64_t exactIntegers = std::uint64_t{1} << 53;
@@ -78,7 +74,7 @@ public:
         if (!endsToken() || count > digitsOf64Bits || mantissa > exactIntegers)
             return anyNumber(first, value);
         // Two exact numbers give a correctly rounded quotient.
-        value = static_cast<double>(mantissa) / exactPower[places];
+        value = static_cast<double>(mantissa) / exactPowersOfTen[places];
         if (negative)
             value = -value;
         return true;

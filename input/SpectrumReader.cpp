@@ -1,5 +1,6 @@
 #include "input/SpectrumReader.h"
 
+#include "analysis/Constants.h"
 #include "system/AvailableMemory.h"
 #include "system/InputFile.h"
 #include "text/LineReader.h"
@@ -27,11 +28,11 @@ constexpr std::size_t pieceBytes = std::size_t{1} << 16;
 /// A file up to this size is read without asking how much memory there is.
 constexpr std::int64_t smallFile = std::int64_t{1} << 24;
 
-/// Bragg's law with the constants in which the energies of all results are defined: hc in
-/// keV angstrom, and pi to ten decimals.
+/// Bragg's law, in eV for degrees and angstrom.
 double photonEnergy(double angle, double spacing)
 {
-    return 12.398424360387684 / (2.0 * spacing * std::sin(angle * 3.1415926535 / 180.0)) * 1000.0;
+    return hcKiloElectronVoltAngstrom / (2.0 * spacing * std::sin(angle * piOfAngles / 180.0)) *
+           1000.0;
 }
 
 /// ln(I0 / I); 0 where an intensity makes no sense.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/Constants.h"
 #include "analysis/Spectrum.h"
 #include "system/ReadOutcome.h"
 
@@ -36,7 +37,7 @@ private:
 
     std::size_t m_memory;
     bool m_started = false;
-    double m_spacing = 3.1355316; ///< of the crystal's lattice planes, angstrom; Si(111)
+    double m_spacing = silicon111Spacing; ///< of the crystal's lattice planes, angstrom
     SpectrumPoints m_points;
     std::string m_scratch;
 };

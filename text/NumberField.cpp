@@ -1,6 +1,7 @@
 #include "text/NumberField.h"
 
 #include "text/NumberText.h"
+#include "text/PowersOfTen.h"
 
 #include <QtEndian>
 
@@ -17,10 +18,6 @@ constexpr int digitCount = 6;
 /// 0.0001 is written without an exponent, 0.00001 with one.
 constexpr int smallestPlainPoint = -3;
 
-/// Powers of ten that a double holds exactly.
-constexpr std::array<double, 23> exactPower = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                               1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                               1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr int maxPower = 22;
 
 /// Powers of ten from 1e-17 on, to find a number's exponent.
@@ -56,14 +53,14 @@ struct Decimal {
 /// magnitude * 10^power with a single rounding.
 double scaled(double magnitude, int power)
 {
-    return power >= 0 ? magnitude * exactPower[static_cast<std::size_t>(power)]
-                      : magnitude / exactPower[static_cast<std::size_t>(-power)];
+    return power >= 0 ? magnitude * exactPowersOfTen[static_cast<std::size_t>(power)]
+                      : magnitude / exactPowersOfTen[static_cast<std::size_t>(-power)];
 }
 
 /// True if magnitude * 10^power lies below its rounded value.
 bool roundedUp(double magnitude, int power, double product)
 {
-    const double ten = exactPower[static_cast<std::size_t>(std::abs(power))];
+    const double ten = exactPowersOfTen[static_cast<std::size_t>(std::abs(power))];
     return power >= 0 ? std::fma(magnitude, ten, -product) < 0.0
                       : std::fma(-product, ten, magnitude) < 0.0;
 }

@@ -1,5 +1,6 @@
 #include "analysis/FourPoint.h"
 #include "analysis/Method.h"
+#include "analysis/TargetResult.h"
 #include "analysis/ThreePoint.h"
 #include "tests/support/Exact.h"
 #include "tests/support/LiteralFormulas.h"
@@ -220,10 +221,12 @@ void tst_PointMethods::choiceOfMethod()
 
 void tst_PointMethods::meanOfTheValences()
 {
-    COMPARE_EXACT(meanValence(2, 3, 0.25), 2.75);
-    COMPARE_EXACT(meanValence(2, 3, 1), 2.0);
-    COMPARE_EXACT(meanValence(2, 3, 0), 3.0);
-    COMPARE_EXACT(meanValence(2, 4, -0.5), 5.0);
+    const ReferenceValences valences{2, 3};
+    COMPARE_EXACT(valences.mean(0.25), 2.75);
+    COMPARE_EXACT(valences.mean(1), 2.0);
+    COMPARE_EXACT(valences.mean(0), 3.0);
+    const ReferenceValences others{2, 4};
+    COMPARE_EXACT(others.mean(-0.5), 5.0);
 }
 
 void tst_PointMethods::blankIsSubtracted()
@@ -253,6 +256,7 @@ void tst_PointMethods::threePointByHand()
 
 void tst_PointMethods::targetLikeAReferenceIsItsState()
 {
+    const ReferenceValences valences{2, 3};
     Random random;
     for (int run = 0; run < 1000; ++run) {
         PointRows rows = threeRows();
@@ -263,10 +267,10 @@ void tst_PointMethods::targetLikeAReferenceIsItsState()
         }
         setTargets(rows, [](const PointRow& r) { return r.mut1; });
         COMPARE_EXACT(fraction(rows), 1.0);
-        COMPARE_EXACT(meanValence(2, 3, fraction(rows)), 2.0);
+        COMPARE_EXACT(valences.mean(fraction(rows)), 2.0);
         setTargets(rows, [](const PointRow& r) { return r.mut2; });
         QVERIFY(fraction(rows) == 0.0);
-        COMPARE_EXACT(meanValence(2, 3, fraction(rows)), 3.0);
+        COMPARE_EXACT(valences.mean(fraction(rows)), 3.0);
     }
 }
 
