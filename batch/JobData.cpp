@@ -2,7 +2,7 @@
 
 #include "input/KnownPositions.h"
 #include "input/MapReader.h"
-#include "system/ReadableFile.h"
+#include "system/InputFile.h"
 #include "text/NumberText.h"
 
 #include <utility>
@@ -20,10 +20,11 @@ JobError unusable(const JobFilePath& file, const QString& refusal, const QString
 
 std::optional<JobError> cannotOpen(const JobFilePath& file)
 {
-    const QString reason = whyUnreadable(file.path);
-    if (reason.isEmpty())
+    int error = 0;
+    if (InputFile::open(file.path, &error))
         return std::nullopt;
-    return JobError{file.line, QStringLiteral("cannot open %1: %2").arg(file.path, reason)};
+    return JobError{file.line,
+                    QStringLiteral("cannot open %1: %2").arg(file.path, whyNotOpened(error))};
 }
 
 std::optional<JobError> readSpectrum(const JobFilePath& file, std::size_t i, JobData& data)

@@ -1,20 +1,21 @@
 #include "batch/JobFile.h"
 
 #include "batch/Nesting.h"
-#include "system/ReadableFile.h"
+#include "system/InputFile.h"
 #include "text/NearestName.h"
 #include "text/TextBytes.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QLocale>
 #include <QStringList>
 
 #include <toml++/toml.h>
 
+#include <cerrno>
 #include <cmath>
 #include <functional>
+#include <memory>
 #include <string_view>
 
 namespace
@@ -363,18 +364,19 @@ std::optional<Job> parseJob(const QByteArray& text, const QString& folder, JobEr
 
 std::optional<Job> readJob(const QString& path, JobError& error)
 {
-    QFile file;
-    if (const QString reason = openReadable(path, file); !reason.isEmpty()) {
-        error = {0, QStringLiteral("cannot be opened: ") + reason};
+    int number = 0;
+    const std::unique_ptr<InputFile> file = InputFile::open(path, &number);
+    if (!file) {
+        error = {0, QStringLiteral("cannot be opened: ") + whyNotOpened(number)};
         return std::nullopt;
     }
-    const QByteArray text = file.read(largestJob + 1);
-    if (file.error() != QFileDevice::NoError) {
-        error = {0, QStringLiteral("cannot be read: ") + file.errorString()};
-        return std::nullopt;
-    }
-    if (text.size() > largestJob) {
+    if (file->size() > largestJob) {
         error = {0, QStringLiteral("is larger than 1 MiB and no job")};
+        return std::nullopt;
+    }
+    QByteArray text(static_cast<int>(file->size()), Qt::Uninitialized);
+    if (!file->read(text.data(), static_cast<std::size_t>(text.size()), 0)) {
+        error = {0, QStringLiteral("cannot be read: ") + qt_error_string(errno)};
         return std::nullopt;
     }
     return parseJob(text, QFileInfo(path).absolutePath(), error);

@@ -9,8 +9,6 @@
 #include "text/LineReader.h"
 #include "text/TextBytes.h"
 
-#include <QFile>
-
 #include <atomic>
 #include <memory>
 #include <new>
@@ -140,7 +138,7 @@ MapReadResult readMapData(const QString& path, MapData& data, const MapReadOptio
 {
     MapReadResult result;
     data.valid = false;
-    if (const auto file = InputFile::open(QFile::encodeName(path).constData()))
+    if (const auto file = InputFile::open(path))
         result = readMapData(*file, data, options, workers);
     result.reason = reasonText(result.outcome, path);
     return result;

@@ -8,8 +8,6 @@
 #include "text/NumberText.h"
 #include "text/TextBytes.h"
 
-#include <QFile>
-
 #include <array>
 #include <cmath>
 #include <cstring>
@@ -144,7 +142,7 @@ ReadOutcome readSpectrum(const ByteSource& file, SpectrumPoints& points, std::si
 
 ReadOutcome readSpectrum(const QString& path, SpectrumPoints& points)
 {
-    const std::unique_ptr<InputFile> file = InputFile::open(QFile::encodeName(path).constData());
+    const std::unique_ptr<InputFile> file = InputFile::open(path);
     if (!file)
         return ReadOutcome::CannotOpen;
     try {

@@ -171,7 +171,7 @@ void tst_UnreadableFiles::whatIsAppendedWhileReadingIsNotRead()
     const QByteArray row = "0 13.2 1 6 5\n";
     const QString path =
         hostile::write(folder.filePath(QStringLiteral("growing")), "Offset\n" + row.repeated(rows));
-    const std::unique_ptr<InputFile> file = InputFile::open(QFile::encodeName(path).constData());
+    const std::unique_ptr<InputFile> file = InputFile::open(path);
     QVERIFY(file);
     QFile more(path);
     QVERIFY(more.open(QIODevice::Append));
@@ -207,7 +207,7 @@ void tst_UnreadableFiles::aPipeThatTakesTheNameIsNotWaitedFor()
     int opened = 0;
     int refused = 0;
     for (int i = 0; i < 20000; ++i)
-        ++(InputFile::open(name.constData()) ? opened : refused);
+        ++(InputFile::open(QFile::decodeName(name)) ? opened : refused);
     done = true;
     exchange.join();
     QVERIFY(opened > 0);

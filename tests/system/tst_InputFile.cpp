@@ -5,7 +5,9 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <cerrno>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace
 {
@@ -19,7 +21,7 @@ void write(const QString& path, const QByteArray& bytes)
 
 std::unique_ptr<InputFile> open(const QString& path)
 {
-    return InputFile::open(QFile::encodeName(path).constData());
+    return InputFile::open(path);
 }
 
 QByteArray read(const InputFile& file, std::size_t count, std::int64_t offset)
@@ -39,6 +41,8 @@ private slots:
     void anyPlaceOfAFile();
     void emptyFile();
     void onlyRegularFiles();
+    void reasons_data();
+    void reasons();
     void whatIsAppendedIsNotRead();
     void whatIsShorterCannotBeRead();
     void removedFileIsReadToTheEnd();
@@ -92,6 +96,49 @@ void tst_InputFile::onlyRegularFiles()
     QVERIFY(open(link));
 }
 
+void tst_InputFile::reasons_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<int>("error");
+    QTest::addColumn<QString>("reason");
+    const QString none = QStringLiteral("there is no such file");
+    const QString irregular = QStringLiteral("it is no regular file");
+    QTest::newRow("none") << QStringLiteral("none") << ENOENT << none;
+    QTest::newRow("below a file") << QStringLiteral("file/x") << ENOTDIR << none;
+    QTest::newRow("folder") << QStringLiteral(".") << EISDIR << QStringLiteral("it is a folder");
+    QTest::newRow("device") << QStringLiteral("/dev/zero") << ENODEV << irregular;
+    QTest::newRow("pipe") << QStringLiteral("pipe") << ENODEV << irregular;
+    QTest::newRow("circle") << QStringLiteral("circle") << ELOOP
+                            << QStringLiteral("its links lead in a circle");
+    QTest::newRow("long name") << QString(300, QLatin1Char('x')) << ENAMETOOLONG
+                               << QStringLiteral("its name is too long");
+    if (geteuid() != 0) // who may read everything
+        QTest::newRow("forbidden") << QStringLiteral("forbidden") << EACCES
+                                   << QStringLiteral("there is no permission to read it");
+}
+
+void tst_InputFile::reasons()
+{
+    QFETCH(QString, path);
+    QFETCH(int, error);
+    QFETCH(QString, reason);
+    const QDir folder(m_dir->path());
+    write(folder.filePath(QStringLiteral("file")), "1");
+    write(folder.filePath(QStringLiteral("forbidden")), "1");
+    QVERIFY(QFile::setPermissions(folder.filePath(QStringLiteral("forbidden")),
+                                  QFileDevice::WriteOwner));
+    const QString pipe = folder.filePath(QStringLiteral("pipe"));
+    QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const QString circle = folder.filePath(QStringLiteral("circle"));
+    QVERIFY(QFile::link(circle, circle));
+    int found = 0;
+    QVERIFY(InputFile::open(m_path, &found));
+    QCOMPARE(found, 0);
+    QVERIFY(!InputFile::open(folder.filePath(path), &found));
+    QCOMPARE(found, error);
+    QCOMPARE(whyNotOpened(found), reason);
+}
+
 void tst_InputFile::whatIsAppendedIsNotRead()
 {
     const auto file = open(m_path);
@@ -111,7 +158,9 @@ void tst_InputFile::whatIsShorterCannotBeRead()
     QVERIFY(QFile::resize(m_path, 4));
     QCOMPARE(file->size(), std::int64_t{10});
     QCOMPARE(read(*file, 4, 0), QByteArray("0123"));
+    errno = 0;
     QCOMPARE(read(*file, 5, 0), QByteArray("unreadable"));
+    QCOMPARE(errno, EIO);
     QCOMPARE(read(*file, 1, 9), QByteArray("unreadable"));
 }
 
