@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -16,6 +17,7 @@ private slots:
     void brokenTables();
     void oneIncludeInTheProgramItself();
     void contributingShowsTheTable();
+    void contributingNamesWhatIsThere();
 };
 
 namespace
@@ -179,6 +181,22 @@ void tst_Directions::contributingShowsTheTable()
     QVERIFY2(textOf(root + QStringLiteral("/CONTRIBUTING.md"))
                  .contains(QLatin1Char('\n') + lines + QLatin1Char('\n')),
              qPrintable(lines));
+}
+
+// Its ways through the code name a class by its folder; one that moves takes its name along.
+void tst_Directions::contributingNamesWhatIsThere()
+{
+    const QString text = textOf(root + QStringLiteral("/CONTRIBUTING.md"));
+    const QRegularExpression name(QStringLiteral("`(?!build/)([a-z]+/[A-Za-z0-9_./-]*)`"));
+    QStringList missing;
+    int found = 0;
+    for (auto i = name.globalMatch(text); i.hasNext(); ++found) {
+        const QString path = root + QLatin1Char('/') + i.next().captured(1);
+        if (!QFileInfo::exists(path) && !QFileInfo::exists(path + QStringLiteral(".h")))
+            missing += path;
+    }
+    QVERIFY(found > 50);
+    QCOMPARE(missing, QStringList());
 }
 
 QTEST_GUILESS_MAIN(tst_Directions)
