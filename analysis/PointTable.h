@@ -18,6 +18,9 @@ struct Conditions {
     bool leastSquares = true;            ///< least squares
 };
 
+/// Rows of the point table.
+constexpr std::size_t pointTableRows = 8;
+
 /// A row of the point table as it is chosen; its mu-t come from the spectra.
 struct ChosenPoint {
     std::optional<double> energy; ///< eV; a row without one has no mu-t

@@ -11,7 +11,7 @@ struct Settings {
     double preEdgeEnd = -50.0;    ///< eV, against the edge
     double postEdgeStart = 100.0; ///< eV, against the edge
     ReferenceValences valences;
-    /// The eight rows of the point table.
+    /// All rows of the point table.
     std::vector<ChosenPoint> points = {{8313.0, true, false, false},
                                        {8381.0, true, false, false},
                                        {8390.0, true, false, true},

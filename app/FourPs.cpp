@@ -17,7 +17,7 @@
 namespace
 {
 
-constexpr int pointCount = 8;
+constexpr int pointCount = static_cast<int>(pointTableRows);
 constexpr int pointsUsedAtStart = 4;
 
 /// Places of the graph panels in Displays.

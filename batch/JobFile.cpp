@@ -1,5 +1,6 @@
 #include "batch/JobFile.h"
 
+#include "analysis/PointTable.h"
 #include "batch/Nesting.h"
 #include "system/InputFile.h"
 #include "text/NearestName.h"
@@ -21,7 +22,6 @@
 namespace
 {
 
-constexpr std::size_t rowsOfTheTable = 8;
 constexpr qint64 largestJob = 1 << 20; ///< bytes
 
 int lineOf(const toml::source_region& source)
@@ -239,9 +239,9 @@ void JobReader::readPoints(const toml::node& node)
         fail(node, QStringLiteral("points are tables: [[point]]"));
         return;
     }
-    if (array->size() > rowsOfTheTable) {
-        fail((*array)[rowsOfTheTable], QStringLiteral("there are more than %1 [[point]] tables")
-                                           .arg(static_cast<int>(rowsOfTheTable)));
+    if (array->size() > pointTableRows) {
+        fail((*array)[pointTableRows], QStringLiteral("there are more than %1 [[point]] tables")
+                                           .arg(static_cast<int>(pointTableRows)));
         return;
     }
     std::vector<JobPoint> points;
