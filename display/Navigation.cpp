@@ -1,5 +1,6 @@
 #include "display/Navigation.h"
 
+#include "analysis/Constants.h"
 #include "display/ChCoord.h"
 
 #include <cmath>
@@ -47,7 +48,7 @@ void panBetween(ChCoord& coord, int fromX, int fromY, int toX, int toY)
 
 int pickMark(const ChCoord& coord, const std::vector<MarkPosition>& marks, int x, int y)
 {
-    double best = 1e300;
+    double best = beyondAll;
     int nearest = -1;
     int i = 0;
     for (const MarkPosition& mark : marks) {

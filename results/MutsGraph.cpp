@@ -1,5 +1,6 @@
 #include "results/MutsGraph.h"
 
+#include "analysis/Constants.h"
 #include "analysis/FittedSpectrum.h"
 #include "display/CColors.h"
 #include "display/FramePainter.h"
@@ -176,8 +177,8 @@ bool hasEdge(const std::vector<QPointF>& curve, const MutsContent& content)
 
 AxisEnds curveRange(const std::vector<std::vector<QPointF>>& curves, const AxisEnds& energies)
 {
-    double min = 1e300;
-    double max = -1e300;
+    double min = beyondAll;
+    double max = -beyondAll;
     for (const Curve& curve : curves) {
         for (const QPointF& point : curve) {
             if (!isBetween(point.x(), energies) || !std::isfinite(point.y()))
