@@ -12,11 +12,11 @@ int distance(const QString& a, const QString& b)
     // Of the letters of `a` so far to each beginning of b.
     std::vector<int> row(static_cast<std::size_t>(b.size()) + 1);
     std::iota(row.begin(), row.end(), 0);
-    for (int i = 0; i < a.size(); ++i) {
+    for (const QChar letter : a) {
         int diagonal = row[0]++;
         for (int k = 0; k < b.size(); ++k) {
             const auto at = static_cast<std::size_t>(k) + 1;
-            const int exchanged = diagonal + (a[i] == b[k] ? 0 : 1);
+            const int exchanged = diagonal + (letter == b[k] ? 0 : 1);
             diagonal = row[at];
             row[at] = std::min({exchanged, row[at] + 1, row[at - 1] + 1});
         }
