@@ -48,6 +48,40 @@ private:
     QTemporaryDir m_dir;
 };
 
+/// The X server that this test has been started on.
+QMap<QString, QString> realServer()
+{
+    QMap<QString, QString> variables{{QStringLiteral("DISPLAY"), qEnvironmentVariable("DISPLAY")}};
+    if (qEnvironmentVariableIsSet("XAUTHORITY"))
+        variables[QStringLiteral("XAUTHORITY")] = qEnvironmentVariable("XAUTHORITY");
+    return variables;
+}
+
+/// What xdotool prints on the main window of a program, once it is shown.
+QString windowFact(const Start& start, const QString& question)
+{
+    QProcess search;
+    search.start(QStringLiteral("xdotool"),
+                 {QStringLiteral("search"), QStringLiteral("--sync"),
+                  QStringLiteral("--onlyvisible"), QStringLiteral("--pid"),
+                  QString::number(start.process.processId()), QStringLiteral("--name"),
+                  QStringLiteral("^drovik$"), question});
+    return search.waitForFinished() ? QString::fromLatin1(search.readAllStandardOutput())
+                                    : QString();
+}
+
+/// Size of the window on a screen of so many points an inch, in pixels of the screen.
+QSize windowSize(int dotsPerInch)
+{
+    QMap<QString, QString> variables = realServer();
+    variables[QStringLiteral("QT_FONT_DPI")] = QString::number(dotsPerInch);
+    const Start start(variables, {QStringLiteral("-e")});
+    const QString geometry = windowFact(start, QStringLiteral("getwindowgeometry"));
+    const QRegularExpression size(QStringLiteral("Geometry: (\\d+)x(\\d+)"));
+    const QRegularExpressionMatch match = size.match(geometry);
+    return {match.captured(1).toInt(), match.captured(2).toInt()};
+}
+
 } // namespace
 
 /// How the window's program starts, seen from outside.
@@ -63,6 +97,7 @@ private slots:
     void failedWritesAreReported();
     void realDisplay_data();
     void realDisplay();
+    void everythingGrowsOnADenseScreen();
 };
 
 void tst_StartUp::withoutDisplay_data()
@@ -161,27 +196,30 @@ void tst_StartUp::realDisplay_data()
 void tst_StartUp::realDisplay()
 {
     QFETCH(bool, byOption);
-    const QString display = qEnvironmentVariable("DISPLAY");
     if (qEnvironmentVariable("QT_QPA_PLATFORM") != QLatin1String("xcb"))
         QSKIP("there is no X server");
-    QMap<QString, QString> variables;
-    if (!byOption)
-        variables[QStringLiteral("DISPLAY")] = display;
-    if (qEnvironmentVariableIsSet("XAUTHORITY"))
-        variables[QStringLiteral("XAUTHORITY")] = qEnvironmentVariable("XAUTHORITY");
+    QMap<QString, QString> variables = realServer();
     QStringList arguments;
     if (byOption)
-        arguments = QStringList{QStringLiteral("-platform"), QStringLiteral("xcb"),
-                                QStringLiteral("-display"), display};
-    Start start(variables, arguments);
-    QProcess search;
-    search.start(QStringLiteral("xdotool"),
-                 {QStringLiteral("search"), QStringLiteral("--sync"),
-                  QStringLiteral("--onlyvisible"), QStringLiteral("--pid"),
-                  QString::number(start.process.processId()), QStringLiteral("--name"),
-                  QStringLiteral("^drovik$")});
-    QVERIFY(search.waitForFinished());
-    QVERIFY(!search.readAllStandardOutput().isEmpty());
+        arguments =
+            QStringList{QStringLiteral("-platform"), QStringLiteral("xcb"),
+                        QStringLiteral("-display"), variables.take(QStringLiteral("DISPLAY"))};
+    const Start start(variables, arguments);
+    QVERIFY(windowFact(start, QStringLiteral("getwindowname")).startsWith(QLatin1String("drovik")));
+}
+
+/// Letters and what is drawn grow alike: the window keeps its shape.
+void tst_StartUp::everythingGrowsOnADenseScreen()
+{
+    if (qEnvironmentVariable("QT_QPA_PLATFORM") != QLatin1String("xcb"))
+        QSKIP("there is no X server");
+    const QSize usual = windowSize(96);
+    QVERIFY(!usual.isEmpty());
+    const QSize dense = windowSize(120); // five quarters of 96
+    const QSize expected(qRound(usual.width() * 1.25), qRound(usual.height() * 1.25));
+    QVERIFY2(qAbs(dense.width() - expected.width()) <= 2 &&
+                 qAbs(dense.height() - expected.height()) <= 2,
+             qPrintable(QStringLiteral("%1 x %2").arg(dense.width()).arg(dense.height())));
 }
 
 QTEST_GUILESS_MAIN(tst_StartUp)
