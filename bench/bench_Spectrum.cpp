@@ -1,7 +1,7 @@
 #include "analysis/LinearCombinationFit.h"
 #include "bench/PairedTimes.h"
 #include "input/AXafsData.h"
-#include "tests/support/LiteralFormulas.h"
+#include "tests/model/LiteralFormulas.h"
 #include "tests/support/PlainReader.h"
 #include "tests/support/SpectrumFile.h"
 
@@ -83,11 +83,12 @@ void combine(benchmark::State& state)
         const auto line = [](const VictreenLine& l) {
             return formulas::Victreen{l.c, l.a, l.b, 0, 0};
         };
-        return formulas::Spectrum{data.points, line(data.preVic), line(data.postVic)};
+        return formulas::Spectrum<SpectrumPoints>{data.points, line(data.preVic),
+                                                  line(data.postVic)};
     };
-    const formulas::Spectrum plain1 = literal(ref1);
-    const formulas::Spectrum plain2 = literal(ref2);
-    const formulas::Spectrum plainTarget = literal(target);
+    const formulas::Spectrum<SpectrumPoints> plain1 = literal(ref1);
+    const formulas::Spectrum<SpectrumPoints> plain2 = literal(ref2);
+    const formulas::Spectrum<SpectrumPoints> plainTarget = literal(target);
     double program = 0.0;
     double plainly = 0.0;
     PairedTimes times;

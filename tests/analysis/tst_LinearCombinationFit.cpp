@@ -1,8 +1,8 @@
 #include "analysis/LinearCombinationFit.h"
 
 #include "analysis/FittedSpectrum.h"
+#include "tests/model/LiteralFormulas.h"
 #include "tests/support/Exact.h"
-#include "tests/support/LiteralFormulas.h"
 #include "tests/support/Random.h"
 #include "tests/support/SpectrumFile.h"
 
@@ -57,7 +57,7 @@ formulas::Victreen literal(const VictreenLine& line)
     return {line.c, line.a, line.b, 0, 0};
 }
 
-formulas::Spectrum literal(const FittedSpectrum& data)
+formulas::Spectrum<SpectrumPoints> literal(const FittedSpectrum& data)
 {
     return {data.points, literal(data.preVic), literal(data.postVic)};
 }

@@ -1,6 +1,6 @@
 #include "analysis/LinearSolver.h"
+#include "tests/model/LiteralFormulas.h"
 #include "tests/support/Exact.h"
-#include "tests/support/LiteralFormulas.h"
 #include "tests/support/Random.h"
 
 #include <QtTest>

@@ -2,8 +2,8 @@
 #include "analysis/Method.h"
 #include "analysis/TargetResult.h"
 #include "analysis/ThreePoint.h"
+#include "tests/model/LiteralFormulas.h"
 #include "tests/support/Exact.h"
-#include "tests/support/LiteralFormulas.h"
 #include "tests/support/Random.h"
 
 #include <QtTest>
@@ -109,6 +109,12 @@ double fourPointFraction(const PointRows& rows, const TargetScale& scale, double
 bool close(double found, double expected, double relative)
 {
     return std::abs(found - expected) <= relative * std::abs(expected);
+}
+
+formulas::Point literal(const PointRow& row)
+{
+    return {row.energy, row.mut1 - row.mutBlank, row.mut2 - row.mutBlank,
+            row.useVicTarget ? row.mutTarget : row.mutTarget - row.mutBlank};
 }
 
 PointRows randomRows(Random& random, int count)
@@ -366,7 +372,7 @@ void tst_PointMethods::threePointAgreesWithTheLiteralFormula()
         const PointRow& p1 = rows[choice.normalization[1]];
         const PointRow& v = rows[choice.vPoint];
         const ThreePoint method(rows, choice);
-        const auto expected = formulas::threePoint(p0, p1, v, p0.target(), p1.target(), v.target());
+        const auto expected = formulas::threePoint(literal(p0), literal(p1), literal(v));
         COMPARE_EXACT(method.fraction(p0.target(), p1.target(), v.target()), expected.a);
         COMPARE_EXACT(method.thickness(p0.target(), p1.target()), expected.thickness);
     }
@@ -535,24 +541,19 @@ void tst_PointMethods::fourPointAgreesWithTheLiteralFormula()
         const PointChoice choice = choosePoints(rows);
         if (!choice.hasVPoint() || choice.normalization.size() < 3)
             continue;
-        formulas::Numbers energies, sums, targets;
-        for (const std::size_t i : choice.normalization) {
-            energies.push_back(rows[i].energy);
-            sums.push_back((rows[i].mut1 - rows[i].mutBlank) + (rows[i].mut2 - rows[i].mutBlank));
-            targets.push_back(rows[i].target());
-        }
+        std::vector<formulas::Point> points;
+        for (const std::size_t i : choice.normalization)
+            points.push_back(literal(rows[i]));
         const PointRow& v = rows[choice.vPoint];
         const double rho = random.oneIn(10) ? random.anyNumber() : random.uniform(0.2, 2);
         const auto agrees = [&](const TargetScale& scale, const formulas::Scale& expected) {
-            const auto result = formulas::fourPoint(expected, rho, v.energy, v.mut1 - v.mutBlank,
-                                                    v.mut2 - v.mutBlank, v.target());
+            const auto result = formulas::fourPoint(expected, rho, literal(v));
             return same(scale.q, expected.q) && same(scale.mu0, expected.mu0) &&
                    same(scale.k, expected.k) && same(scale.thickness(), result.thickness) &&
                    same(fourPointFraction(rows, scale, rho), result.a);
         };
-        QVERIFY(agrees(exactScale(rows), formulas::exactScale(energies, sums, targets)));
-        QVERIFY(
-            agrees(leastSquaresScale(rows), formulas::leastSquaresScale(energies, sums, targets)));
+        QVERIFY(agrees(exactScale(rows), formulas::exactScale(points)));
+        QVERIFY(agrees(leastSquaresScale(rows), formulas::leastSquaresScale(points)));
     }
 }
 

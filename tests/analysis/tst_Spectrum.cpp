@@ -1,7 +1,7 @@
 #include "analysis/NormalizedSpectrum.h"
 #include "analysis/Spectrum.h"
+#include "tests/model/LiteralFormulas.h"
 #include "tests/support/Exact.h"
-#include "tests/support/LiteralFormulas.h"
 #include "tests/support/Random.h"
 
 #include <QtTest>

@@ -1,6 +1,6 @@
 #include "analysis/ThicknessRatio.h"
+#include "tests/model/LiteralFormulas.h"
 #include "tests/support/Exact.h"
-#include "tests/support/LiteralFormulas.h"
 #include "tests/support/Random.h"
 
 #include <QtTest>

@@ -10,10 +10,10 @@ namespace
 
 const char* pointDifference(const SpectrumPoints& points, const literal::Spectrum& expected)
 {
-    if (static_cast<int>(points.size()) != expected.points.size())
+    if (points.size() != expected.points.size())
         return "number of points";
     for (std::size_t i = 0; i < points.size(); ++i) {
-        const literal::SpectrumPoint& point = expected.points[static_cast<int>(i)];
+        const literal::SpectrumPoint& point = expected.points[i];
         if (!sameNumber(points[i].angle, point.angle))
             return "angle";
         if (!sameNumber(points[i].energy, point.energy))
@@ -24,7 +24,7 @@ const char* pointDifference(const SpectrumPoints& points, const literal::Spectru
     return nullptr;
 }
 
-bool sameLine(const VictreenLine& line, const literal::ThreeTerms& expected)
+bool sameLine(const VictreenLine& line, const formulas::Victreen& expected)
 {
     return sameNumber(line.c, expected.c) && sameNumber(line.a, expected.a) &&
            sameNumber(line.b, expected.b);
@@ -32,9 +32,9 @@ bool sameLine(const VictreenLine& line, const literal::ThreeTerms& expected)
 
 const char* fitDifference(const AXafsData& data, const literal::Spectrum& expected)
 {
-    if (!sameLine(data.preVic, expected.preVic))
+    if (!sameLine(data.preVic, expected.pre))
         return "pre-edge line";
-    if (!sameLine(data.postVic, expected.postVic))
+    if (!sameLine(data.postVic, expected.post))
         return "post-edge line";
     if (!sameNumber(data.edgeJump(), expected.edgeJump()))
         return "edge jump";

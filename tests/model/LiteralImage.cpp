@@ -1,10 +1,9 @@
 #include "tests/model/LiteralImage.h"
 
+#include "tests/model/LiteralFormulas.h"
 #include "tests/support/PlainText.h"
 
 #include <QFile>
-
-#include <cmath>
 
 namespace literal
 {
@@ -58,11 +57,7 @@ double Image::mutAt(qint64 i) const
     if (i < 0 || i >= records.size())
         return -1.0;
     const ImageRecord& pixel = records[static_cast<int>(i)];
-    if (pixel.incident == 0)
-        return pixel.transmitted;
-    if (pixel.transmitted == 0)
-        return 1.0;
-    return std::log(pixel.incident / pixel.transmitted);
+    return formulas::pixelMuT(pixel.transmitted, pixel.incident);
 }
 
 } // namespace literal

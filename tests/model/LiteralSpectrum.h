@@ -1,8 +1,12 @@
 #pragma once
 
-#include <QIODevice>
+#include "tests/model/LiteralFormulas.h"
+
+#include <QByteArray>
 #include <QString>
-#include <QVector>
+#include <QStringList>
+
+#include <vector>
 
 namespace literal
 {
@@ -11,12 +15,6 @@ struct SpectrumPoint {
     double angle = 0.0;
     double energy = 0.0;
     double mut = 0.0;
-};
-
-struct ThreeTerms {
-    double c = 0.0;
-    double a = 0.0;
-    double b = 0.0;
 };
 
 /// A spectrum's record read and evaluated line by line with the toolkit's text stream and its
@@ -32,14 +30,12 @@ public:
     double energyMax = -1e300;
     double mutMin = 1e300;
     double mutMax = -1e300;
-    QVector<SpectrumPoint> points;
+    std::vector<SpectrumPoint> points;
     double preEdgeEnd = 8000.0;
     double edge = 0.0;
     double postEdgeStart = 8500.0;
-    ThreeTerms preVic;
-    ThreeTerms postVic;
-    ThreeTerms preVicNoC; ///< c stays 0
-    ThreeTerms postVicNoC;
+    formulas::Victreen pre{}; ///< the lines below and above the edge
+    formulas::Victreen post{};
 
     bool read(const QString& path);
     /// What `read` does with the bytes of the file.
@@ -49,8 +45,6 @@ public:
     double postVicAt(double energy) const;
     double edgeJump() const;
     double edgeJumpNoC() const;
-    /// Normalized by both three-term lines at point i's own energy.
-    double normalizedPoint(int i) const;
     double normalizedAt(double energy) const;
 
 private:

@@ -79,20 +79,22 @@ private:
     void changedVictreenChoice(bool before);
     void removeDisplayFile();
 
-    struct Point {
+    struct Point : formulas::Point {
         int row = 0;
-        double e = 0.0;
-        double r1 = 0.0;
-        double r2 = 0.0;
-        double t = 0.0;
     };
     struct Points {
         QVector<Point> norm;
         Point v;
     };
-    struct Result {
-        double a = 0.0;
-        double t = 0.0;
+    /// A row of the point table, for the thickness ratio.
+    struct Row {
+        bool use = false;
+        bool tRatio = false;
+        bool vPoint = false;
+        bool useVicRefs = false;
+        double mut1 = 0.0;
+        double mut2 = 0.0;
+        double mutBlank = 0.0;
     };
     struct MapRecord {
         double position1 = 0.0;
@@ -105,12 +107,9 @@ private:
     Method methodFor(int n) const;
     bool refuse(int vRow, const QString& noVPoint, bool targetToo);
     Points choosePoints() const;
-    Result threePoint(const Points& points, double& mapThickness) const;
-    Result fourPoint(Method method, const Points& points, double rho) const;
-    Result exactBackground(const QVector<Point>& p, double& q, double& mu0, double& k) const;
-    void leastSquaresBackground(const QVector<Point>& p, double& q, double& mu0, double& k) const;
+    formulas::Result resultOf(Method method, const Points& points, double rho) const;
     double thicknessRatio();
-    QVector<int> thicknessRows() const;
+    QVector<Row> rows() const;
     double valence(double a) const;
     void takeTargetResult(const QString& text, double a);
     void fillMap(Method method);

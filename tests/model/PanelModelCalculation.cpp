@@ -1,4 +1,3 @@
-#include "tests/model/LiteralSolver.h"
 #include "tests/model/PanelModel.h"
 
 #include <QDir>
@@ -80,17 +79,16 @@ void PanelModel::calcTarget()
     }
     const Points points = choosePoints();
     if (method == Method::Three) {
-        double unused = 0.0;
-        const Result result = threePoint(points, unused);
+        const formulas::Result result = resultOf(method, points, 0.0);
         takeTargetResult(name("3ps: a = %1, Valence = %2").arg(result.a).arg(valence(result.a)),
                          result.a);
         return;
     }
     const double rho = thicknessRatio();
-    const Result result = fourPoint(method, points, rho);
+    const formulas::Result result = resultOf(method, points, rho);
     const QString form = method == Method::Exact ? name("a = %1, Valence = %2, t/ts = %3")
                                                  : name("4ps2: a = %1, Valence = %2, t/ts = %3");
-    takeTargetResult(form.arg(result.a).arg(valence(result.a)).arg(result.t), result.a);
+    takeTargetResult(form.arg(result.a).arg(valence(result.a)).arg(result.thickness), result.a);
 }
 
 void PanelModel::takeTargetResult(const QString& text, double a)
@@ -144,150 +142,47 @@ PanelModel::Points PanelModel::choosePoints() const
     return points;
 }
 
-PanelModel::Result PanelModel::threePoint(const Points& points, double& mapThickness) const
+formulas::Result PanelModel::resultOf(Method method, const Points& points, double rho) const
 {
-    const Point& p0 = points.norm[0];
-    const Point& p1 = points.norm[1];
-    const Point& v = points.v;
-    const double k = (v.r2 - p0.r2) / (p1.r2 - p0.r2);
-    const double a = ((v.t - p0.t) / (p1.t - p0.t) - k) / ((v.r1 - p0.r1) / (p1.r1 - p0.r1) - k);
-    mapThickness = (p1.t - p0.t) / (((p1.r1 - p0.r1) + (p1.r1 - p0.r2)) * 0.5);
-    return {a, mapThickness};
+    if (method == Method::Three)
+        return formulas::threePoint(points.norm[0], points.norm[1], points.v);
+    return formulas::fourPoint(method == Method::Exact ? formulas::exactScale(points.norm)
+                                                       : formulas::leastSquaresScale(points.norm),
+                               rho, points.v);
 }
 
-void PanelModel::leastSquaresBackground(const QVector<Point>& p, double& q, double& mu0,
-                                        double& k) const
+QVector<PanelModel::Row> PanelModel::rows() const
 {
-    double n = 0.0;
-    double e = 0.0;
-    double t = 0.0;
-    double s = 0.0;
-    double ee = 0.0;
-    double et = 0.0;
-    double tt = 0.0;
-    double es = 0.0;
-    double ts = 0.0;
-    for (const Point& point : p) {
-        const double sum = point.r1 + point.r2;
-        n += 1.0;
-        e += point.e;
-        t += point.t;
-        s += sum;
-        ee += point.e * point.e;
-        et += point.e * point.t;
-        tt += point.t * point.t;
-        es += point.e * sum;
-        ts += point.t * sum;
-    }
-    const QVector<double> x = solve({{n, e, t}, {e, ee, et}, {t, et, tt}}, {s, es, ts});
-    q = x[2];
-    mu0 = -x[0] / x[2];
-    k = -x[1] / x[2];
-}
-
-PanelModel::Result PanelModel::exactBackground(const QVector<Point>& p, double& q, double& mu0,
-                                               double& k) const
-{
-    const double e0 = p[0].e;
-    const double e1 = p[1].e;
-    const double e2 = p[2].e;
-    const double t0 = p[0].t;
-    const double t1 = p[1].t;
-    const double t2 = p[2].t;
-    const double s0 = p[0].r1 + p[0].r2;
-    const double s1 = p[1].r1 + p[1].r2;
-    const double s2 = p[2].r1 + p[2].r2;
-    const double ds = s2 * (e1 - e0) + s1 * (e0 - e2) + s0 * (e2 - e1);
-    const double dt = t2 * (e1 - e0) + t1 * (e0 - e2) + t0 * (e2 - e1);
-    q = ds / dt;
-    mu0 = -((e0 * t1 - t0 * e1) * s2 + (e1 * s0 - e0 * s1) * t2 + e2 * t0 * s1 - e2 * s0 * t1) / ds;
-    k = ((t1 - t0) * s2 + (s0 - s1) * t2 + s1 * t0 - s0 * t1) / ds;
-    return {0.0, 1 / (q * 0.5)};
-}
-
-PanelModel::Result PanelModel::fourPoint(Method method, const Points& points, double rho) const
-{
-    double q = 0.0;
-    double mu0 = 0.0;
-    double k = 0.0;
-    if (method == Method::Exact)
-        exactBackground(points.norm, q, mu0, k);
-    else
-        leastSquaresBackground(points.norm, q, mu0, k);
-    const Point& v = points.v;
-    const double u = q / (rho + 1);
-    const double a =
-        (v.r2 * rho * u + rho * u * u * (mu0 + k * v.e - v.t)) / (v.r2 * rho * u - u * v.r1);
-    return {a, 1 / (q * 0.5)};
-}
-
-QVector<int> PanelModel::thicknessRows() const
-{
-    bool any = false;
+    QVector<Row> rows;
     for (int row = 1; row <= 8; ++row)
-        any = any || rowChecked(row, "tratio");
-    QVector<int> rows;
-    for (int row = 1; row <= 8; ++row) {
-        if (rowChecked(row, any ? "tratio" : "use") && !rowChecked(row, "vpoint"))
-            rows.append(row);
-    }
+        rows.append({rowChecked(row, "use"), rowChecked(row, "tratio"), rowChecked(row, "vpoint"),
+                     rowsUseVic, rowNumber(row, "mut1"), rowNumber(row, "mut2"),
+                     rowNumber(row, "mutBlank")});
     return rows;
 }
 
 double PanelModel::thicknessRatio()
 {
-    double n = 0.0;
-    double x = 0.0;
-    double xx = 0.0;
-    double y = 0.0;
-    double xy = 0.0;
-    double ratio = 0.0;
-    double bx = 0.0;
-    double bxx = 0.0;
-    double by = 0.0;
-    double bxy = 0.0;
-    for (const int row : thicknessRows()) {
-        const double typed1 = rowNumber(row, "mut1");
-        const double typed2 = rowNumber(row, "mut2");
-        const double blank = rowsUseVic ? 0.0 : rowNumber(row, "mutBlank");
-        const double y1 = rowsUseVic ? typed1 : typed1 - blank;
-        const double x1 = rowsUseVic ? typed2 : typed2 - blank;
-        n += 1.0;
-        x += x1;
-        xx += x1 * x1;
-        y += y1;
-        xy += x1 * y1;
-        ratio += y1 / x1;
-        bx += typed2;
-        bxx += typed2 * typed2;
-        by += typed1;
-        bxy += typed2 * typed1;
-    }
-    const double sbys = y / x;
-    const double mean = ratio / n;
-    const double lsA = (n * xy - y * x) / (n * xx - x * x);
-    const double lsB = (y * xx - xy * x) / (n * xx - x * x);
-    const double lsANB = (n * bxy - by * bx) / (n * bxx - bx * bx);
-    const double lsBNB = (bxx * by - bxy * bx) / (n * bxx - bx * bx);
-    const double vic2 = selectors[0].spectrum.edgeJump() / selectors[1].spectrum.edgeJump();
+    const formulas::Ratios r = formulas::thicknessRatios(rows(), selectors[0].spectrum.edgeJump(),
+                                                         selectors[1].spectrum.edgeJump());
     appendMessage(name("sbys = %1, mean = %2, lsA = %3, lsB = %4, lsA(NB) = %5, lsB(NB) = %6, "
                        "Vic2 = %7")
-                      .arg(sbys)
-                      .arg(mean)
-                      .arg(lsA)
-                      .arg(lsB)
-                      .arg(lsANB)
-                      .arg(lsBNB)
-                      .arg(vic2));
+                      .arg(r.sbys)
+                      .arg(r.mean)
+                      .arg(r.lsA)
+                      .arg(r.lsB)
+                      .arg(r.lsANB)
+                      .arg(r.lsBNB)
+                      .arg(r.vic2));
     if (checks[name("TRSbyS")])
-        return sbys;
+        return r.sbys;
     if (checks[name("TRMean")])
-        return mean;
+        return r.mean;
     if (checks[name("TRLSquare")])
-        return lsA;
+        return r.lsA;
     if (checks[name("TRLSquareNB")])
-        return lsANB;
-    return vic2;
+        return r.lsANB;
+    return r.vic2;
 }
 
 void PanelModel::fillMap(Method method)
@@ -310,14 +205,12 @@ void PanelModel::fillMap(Method method)
             for (Point& point : points.norm)
                 targetAt(point, ix, iy);
             targetAt(points.v, ix, iy);
-            double thickness = 0.0;
-            const Result result = method == Method::Three ? threePoint(points, thickness)
-                                                          : fourPoint(method, points, rho);
+            const formulas::Result result = resultOf(method, points, rho);
             const int i = iy * mapColumns + ix;
             const ImageRecord pixel = i < grid.records.size() ? grid.records[i] : ImageRecord();
-            mapResults.append({pixel.position1, pixel.position2, result.a, result.t});
+            mapResults.append({pixel.position1, pixel.position2, result.a, result.thickness});
             histA.add(valence(result.a));
-            histT.add(result.t);
+            histT.add(result.thickness);
         }
     }
 }
@@ -345,43 +238,13 @@ void PanelModel::lcf()
 
 void PanelModel::fitCombination(double min, double max)
 {
-    const Spectrum& target = selectors[2].spectrum;
-    double s11 = 0.0;
-    double s12 = 0.0;
-    double s1 = 0.0;
-    double s22 = 0.0;
-    double s2 = 0.0;
-    double n = 0.0;
-    double s1y = 0.0;
-    double s2y = 0.0;
-    double sy = 0.0;
-    for (int i = 0; i < target.points.size(); ++i) {
-        const double e = target.points[i].energy;
-        if (!(min <= e && e <= max))
-            continue;
-        const double x1 = selectors[0].spectrum.normalizedAt(e);
-        const double x2 = selectors[1].spectrum.normalizedAt(e);
-        const double y = target.normalizedPoint(i);
-        s11 += x1 * x1;
-        s12 += x1 * x2;
-        s1 += x1;
-        s22 += x2 * x2;
-        s2 += x2;
-        n += 1.0;
-        s1y += x1 * y;
-        s2y += x2 * y;
-        sy += y;
-    }
-    const QVector<double> p = solve({{s11, s12, s1}, {s12, s22, s2}, {s1, s2, n}}, {s1y, s2y, sy});
-    appendMessage(name("Result of LCF : %1 %2 %3").arg(p[0]).arg(p[1]).arg(p[2]));
-    const double v1 = number(name("Valence1"));
-    const double v2 = number(name("Valence2"));
-    const double s = p[0] + p[1];
-    texts[name("LCFRes")] = name("a : (1-a) = %1 : %2,  Valence = %3")
-                                .arg(p[0] / s)
-                                .arg(p[1] / s)
-                                .arg(v1 * p[0] / s + v2 * p[1] / s);
-    lcfVs4ps.append({lastA, lastValence, p[0] / s, v1 * p[0] / s + v2 * p[1] / s});
+    const auto fit =
+        formulas::combine(selectors[0].spectrum, selectors[1].spectrum, selectors[2].spectrum, min,
+                          max, number(name("Valence1")), number(name("Valence2")));
+    appendMessage(name("Result of LCF : %1 %2 %3").arg(fit.p1).arg(fit.p2).arg(fit.p3));
+    texts[name("LCFRes")] =
+        name("a : (1-a) = %1 : %2,  Valence = %3").arg(fit.a).arg(fit.rest).arg(fit.valence);
+    lcfVs4ps.append({lastA, lastValence, fit.a, fit.valence});
 }
 
 QString PanelModel::resultText() const

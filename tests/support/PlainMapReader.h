@@ -1,12 +1,13 @@
 #pragma once
 
+#include "tests/model/LiteralFormulas.h"
+
 #include <QFile>
 #include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 #include <QTextStream>
 #include <QVector>
-#include <cmath>
 
 namespace plain
 {
@@ -20,14 +21,7 @@ struct MapFile {
         double transmitted;
         double incident;
 
-        double mut() const
-        {
-            if (incident == 0.0)
-                return transmitted;
-            if (transmitted == 0.0)
-                return 1.0;
-            return std::log(incident / transmitted);
-        }
+        double mut() const { return formulas::pixelMuT(transmitted, incident); }
     };
 
     bool valid = false;

@@ -1,13 +1,12 @@
 #pragma once
 
 #include "analysis/Spectrum.h"
+#include "tests/model/LiteralFormulas.h"
 
 #include <QFile>
 #include <QRegularExpression>
 #include <QStringList>
 #include <QTextStream>
-
-#include <cmath>
 
 /// The rules of the spectrum file read in the plainest way the toolkit offers: line by line through
 /// a text stream, each line simplified and split by a regular expression. Slow, and the measure of
@@ -23,14 +22,8 @@ inline QStringList tokens(const QString& line)
 inline SpectrumPoint spectrumPoint(const QStringList& row, double d)
 {
     const double theta = row[1].toDouble();
-    const double i0 = row[3].toDouble();
-    const double i = row[4].toDouble();
-    const double energy =
-        12.398424360387684 / (2 * d * std::sin(theta * 3.1415926535 / 180)) * 1000;
-    double mut = 0;
-    if (i != 0 && i0 / i > 0)
-        mut = std::log(i0 / i);
-    return {theta, energy, mut};
+    return {theta, formulas::energyAt(theta, d),
+            formulas::muTOf(row[3].toDouble(), row[4].toDouble())};
 }
 
 inline SpectrumPoints readSpectrum(QTextStream& in)

@@ -1,15 +1,14 @@
 #pragma once
 
-#include "analysis/PointRow.h"
-#include "analysis/Spectrum.h"
-
 #include <cmath>
 #include <functional>
 #include <optional>
+#include <type_traits>
 #include <vector>
 
 /// The program's formulas a second time, written down literally and without regard to speed: the
-/// measure of the kernels, bit by bit.
+/// measure of the kernels, bit by bit, and of the whole panel. They share no code with the program;
+/// points and rows are taken in whatever type has the members.
 namespace formulas
 {
 
@@ -111,11 +110,11 @@ inline double noCAt(double a, double b, double energy)
     return lambda * lambda * lambda * (a + b * lambda);
 }
 
-inline Victreen fitVictreen(const SpectrumPoints& points,
-                            const std::function<bool(double energy)>& selects)
+template <class Points>
+Victreen fitVictreen(const Points& points, const std::function<bool(double energy)>& selects)
 {
     double n = 0, S3 = 0, S4 = 0, S6 = 0, S7 = 0, S8 = 0, Sm = 0, Sm3 = 0, Sm4 = 0;
-    for (const SpectrumPoint& p : points) {
+    for (const auto& p : points) {
         if (!selects(p.energy))
             continue;
         const double l = 12398.424360387684 / p.energy;
@@ -139,15 +138,27 @@ inline Victreen fitVictreen(const SpectrumPoints& points,
 
 // Spectra --------------------------------------------------------------------------------------
 
-inline double normalized(const SpectrumPoint& p, const Victreen& pre, const Victreen& post)
+/// Energy (eV) at a Bragg angle (degrees) and a lattice spacing (angstrom).
+inline double energyAt(double theta, double d)
+{
+    return 12.398424360387684 / (2 * d * std::sin(theta * 3.1415926535 / 180)) * 1000;
+}
+
+inline double muTOf(double i0, double i)
+{
+    return i != 0 && i0 / i > 0 ? std::log(i0 / i) : 0.0;
+}
+
+template <class Point>
+double normalized(const Point& p, const Victreen& pre, const Victreen& post)
 {
     const double below = victreenAt(pre.c, pre.a, pre.b, p.energy);
     const double above = victreenAt(post.c, post.a, post.b, p.energy);
     return (p.mut - below) / (above - below);
 }
 
-inline double normalizedAt(const SpectrumPoints& points, const Victreen& pre, const Victreen& post,
-                           double energy)
+template <class Points>
+double normalizedAt(const Points& points, const Victreen& pre, const Victreen& post, double energy)
 {
     if (points.size() < 2)
         return 0.0;
@@ -165,11 +176,12 @@ inline double normalizedAt(const SpectrumPoints& points, const Victreen& pre, co
     return 0.0;
 }
 
-inline std::optional<double> muTAt(const SpectrumPoints& points, double energy)
+template <class Points>
+std::optional<double> muTAt(const Points& points, double energy)
 {
     double previousE = 0.0;
     double previousMut = 0.0;
-    for (const SpectrumPoint& p : points) {
+    for (const auto& p : points) {
         if (p.energy >= energy)
             return previousMut +
                    (p.mut - previousMut) / (p.energy - previousE) * (energy - previousE);
@@ -181,20 +193,24 @@ inline std::optional<double> muTAt(const SpectrumPoints& points, double energy)
 
 // Point methods --------------------------------------------------------------------------------
 
+/// An energy with the references, less the blank, and the target there.
+struct Point {
+    double e = 0.0;
+    double r1 = 0.0;
+    double r2 = 0.0;
+    double t = 0.0;
+};
+
 struct Result {
     double a;
     double thickness;
 };
 
-inline Result threePoint(const PointRow& p0, const PointRow& p1, const PointRow& v, double t0,
-                         double t1, double tV)
+inline Result threePoint(const Point& p0, const Point& p1, const Point& v)
 {
-    const auto r1 = [](const PointRow& row) { return row.mut1 - row.mutBlank; };
-    const auto r2 = [](const PointRow& row) { return row.mut2 - row.mutBlank; };
-    const double k = (r2(v) - r2(p0)) / (r2(p1) - r2(p0));
-    const double a = ((tV - t0) / (t1 - t0) - k) / ((r1(v) - r1(p0)) / (r1(p1) - r1(p0)) - k);
-    const double t = (t1 - t0) / (((r1(p1) - r1(p0)) + (r1(p1) - r2(p0))) * 0.5);
-    return {a, t};
+    const double k = (v.r2 - p0.r2) / (p1.r2 - p0.r2);
+    const double a = ((v.t - p0.t) / (p1.t - p0.t) - k) / ((v.r1 - p0.r1) / (p1.r1 - p0.r1) - k);
+    return {a, (p1.t - p0.t) / (((p1.r1 - p0.r1) + (p1.r1 - p0.r2)) * 0.5)};
 }
 
 /// q, mu0 and k of the target's model.
@@ -202,11 +218,13 @@ struct Scale {
     double q, mu0, k;
 };
 
-inline Scale exactScale(const Numbers& E, const Numbers& S, const Numbers& T)
+/// From the first three points.
+template <class Points>
+Scale exactScale(const Points& p)
 {
-    const double E0 = E[0], E1 = E[1], E2 = E[2];
-    const double S0 = S[0], S1 = S[1], S2 = S[2];
-    const double T0 = T[0], T1 = T[1], T2 = T[2];
+    const double E0 = p[0].e, E1 = p[1].e, E2 = p[2].e;
+    const double S0 = p[0].r1 + p[0].r2, S1 = p[1].r1 + p[1].r2, S2 = p[2].r1 + p[2].r2;
+    const double T0 = p[0].t, T1 = p[1].t, T2 = p[2].t;
     const double DS = S2 * (E1 - E0) + S1 * (E0 - E2) + S0 * (E2 - E1);
     const double DT = T2 * (E1 - E0) + T1 * (E0 - E2) + T0 * (E2 - E1);
     const double mu0 =
@@ -215,30 +233,43 @@ inline Scale exactScale(const Numbers& E, const Numbers& S, const Numbers& T)
     return {DS / DT, mu0, k};
 }
 
-inline Scale leastSquaresScale(const Numbers& E, const Numbers& S, const Numbers& T)
+template <class Points>
+Scale leastSquaresScale(const Points& points)
 {
     double n = 0, sE = 0, sT = 0, sS = 0, sEE = 0, sET = 0, sTT = 0, sES = 0, sTS = 0;
-    for (size_t i = 0; i < E.size(); i++) {
+    for (const auto& p : points) {
+        const double S = p.r1 + p.r2;
         n += 1;
-        sE += E[i];
-        sT += T[i];
-        sS += S[i];
-        sEE += E[i] * E[i];
-        sET += E[i] * T[i];
-        sTT += T[i] * T[i];
-        sES += E[i] * S[i];
-        sTS += T[i] * S[i];
+        sE += p.e;
+        sT += p.t;
+        sS += S;
+        sEE += p.e * p.e;
+        sET += p.e * p.t;
+        sTT += p.t * p.t;
+        sES += p.e * S;
+        sTS += p.t * S;
     }
     const Numbers x = solve({{n, sE, sT}, {sE, sEE, sET}, {sT, sET, sTT}}, {sS, sES, sTS});
     return {x[2], -x[0] / x[2], -x[1] / x[2]};
 }
 
-inline Result fourPoint(const Scale& s, double rho, double EV, double R1V, double R2V, double TV)
+inline Result fourPoint(const Scale& s, double rho, const Point& v)
 {
     const double u = s.q / (rho + 1);
     const double a =
-        (R2V * rho * u + rho * u * u * (s.mu0 + s.k * EV - TV)) / (R2V * rho * u - u * R1V);
+        (v.r2 * rho * u + rho * u * u * (s.mu0 + s.k * v.e - v.t)) / (v.r2 * rho * u - u * v.r1);
     return {a, 1 / (s.q * 0.5)};
+}
+
+// Pixels ---------------------------------------------------------------------------------------
+
+inline double pixelMuT(double transmitted, double incident)
+{
+    if (incident == 0)
+        return transmitted;
+    if (transmitted == 0)
+        return 1.0;
+    return std::log(incident / transmitted);
 }
 
 // Thickness ratio ------------------------------------------------------------------------------
@@ -247,15 +278,16 @@ struct Ratios {
     double sbys, mean, lsA, lsB, lsANB, lsBNB, vic2;
 };
 
-inline Ratios thicknessRatios(const PointRows& rows, double edgeJump1, double edgeJump2)
+template <class Rows>
+Ratios thicknessRatios(const Rows& rows, double edgeJump1, double edgeJump2)
 {
     bool anyMarked = false;
-    for (const PointRow& row : rows)
+    for (const auto& row : rows)
         if (row.tRatio)
             anyMarked = true;
     double n = 0, sx = 0, sxx = 0, sy = 0, sxy = 0, syx = 0;
     double nx = 0, nxx = 0, ny = 0, nxy = 0;
-    for (const PointRow& row : rows) {
+    for (const auto& row : rows) {
         if (row.vPoint)
             continue;
         if (anyMarked ? !row.tRatio : !row.use)
@@ -289,21 +321,25 @@ inline Ratios thicknessRatios(const PointRows& rows, double edgeJump1, double ed
 // Linear combination fit -----------------------------------------------------------------------
 
 /// A spectrum with its three-term lines.
+template <class Points>
 struct Spectrum {
-    SpectrumPoints points;
+    Points points;
     Victreen pre, post;
 };
 
+template <class Points>
 struct Combination {
     double p1, p2, p3, a, rest, valence;
-    SpectrumPoints curve;
+    Points curve;
 };
 
-inline Combination combine(const Spectrum& ref1, const Spectrum& ref2, const Spectrum& target,
-                           double eMin, double eMax, double valence1, double valence2)
+/// @param ref1, ref2, target  have the members of a Spectrum
+template <class Lined>
+auto combine(const Lined& ref1, const Lined& ref2, const Lined& target, double eMin, double eMax,
+             double valence1, double valence2)
 {
     Numbers x1, x2, y, e, f0;
-    for (const SpectrumPoint& p : target.points) {
+    for (const auto& p : target.points) {
         if (!(eMin <= p.energy && p.energy <= eMax))
             continue;
         x1.push_back(normalizedAt(ref1.points, ref1.pre, ref1.post, p.energy));
@@ -326,7 +362,8 @@ inline Combination combine(const Spectrum& ref1, const Spectrum& ref2, const Spe
     }
     const Numbers p = solve({{S11, S12, S1}, {S12, S22, S2}, {S1, S2, N}}, {S1y, S2y, Sy});
     const double s = p[0] + p[1];
-    Combination c{p[0], p[1], p[2], p[0] / s, p[1] / s, 0, {}};
+    Combination<std::decay_t<decltype(target.points)>> c{p[0],     p[1], p[2], p[0] / s,
+                                                         p[1] / s, 0,    {}};
     c.valence = valence1 * p[0] / s + valence2 * p[1] / s;
     for (size_t k = 0; k < y.size(); k++)
         c.curve.push_back({f0[k], e[k], p[0] * x1[k] + p[1] * x2[k] + p[2]});
