@@ -25,7 +25,7 @@ struct MapResult {
 struct MapRun {
     QVector<MapFile> images; ///< normalization points in the table's order
     MapFile imageV;
-    PixelInput table; ///< its values are set anew for each pixel
+    PixelInput table; ///< its target values are set anew for each pixel
     QString valence1 = QStringLiteral("2");
     QString valence2 = QStringLiteral("3");
     double rho = 1.0;
@@ -51,8 +51,8 @@ struct MapRun {
         for (int y = 0; y < imageV.rows; ++y) {
             for (int x = 0; x < imageV.columns; ++x) {
                 for (int k = 0; k < images.size(); ++k)
-                    table.values[static_cast<std::size_t>(k)] = value(images[k], x, y);
-                table.valueV = value(imageV, x, y);
+                    table.points[static_cast<std::size_t>(k)].t = value(images[k], x, y);
+                table.v.t = value(imageV, x, y);
                 const PixelResult pixel = method(table);
                 const MapFile::Record& record = imageV.records[y * imageV.columns + x];
                 results.append({record.first, record.second, pixel.a, pixel.t});

@@ -157,13 +157,13 @@ void calculate(benchmark::State& state, Method method)
     plain::MapRun run = plainMaps(side);
     const bool three = method == Method::ThreePoint;
     run.rho = 1.1;
-    run.table.rows = {table()[0], table()[1], table()[3]};
+    for (const std::size_t i : {0U, 1U, 3U})
+        run.table.points.push_back(plain::point(table()[i], 0.0));
     if (three) {
-        run.table.rows.pop_back();
+        run.table.points.pop_back();
         run.images.removeLast();
     }
-    run.table.values.resize(run.table.rows.size());
-    run.table.v = table()[2];
+    run.table.v = plain::point(table()[2], 0.0);
     PairedTimes times;
     for (auto _ : state) {
         times.run(

@@ -57,13 +57,11 @@ struct Case {
         for (std::size_t i = 0; i < points.size(); ++i) {
             if (!points[i].use)
                 continue;
-            if (points[i].vPoint) {
-                in.v = points[i];
-                in.valueV = images[i].at(x, y);
-            } else {
-                in.rows.push_back(points[i]);
-                in.values.push_back(images[i].at(x, y));
-            }
+            const formulas::Point point = plain::point(points[i], images[i].at(x, y));
+            if (points[i].vPoint)
+                in.v = point;
+            else
+                in.points.push_back(point);
         }
         return in;
     }

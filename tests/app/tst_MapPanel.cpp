@@ -184,13 +184,10 @@ plain::PixelInput tst_MapPanel::input(int pixel) const
         const MapData& data = point(i).mapData();
         const plain::Image image{{data.mut.begin(), data.mut.end()}, data.columns};
         const double value = image.at(pixel % columns, pixel / columns);
-        if (row.vPoint) {
-            in.v = row;
-            in.valueV = value;
-        } else {
-            in.rows.push_back(row);
-            in.values.push_back(value);
-        }
+        if (row.vPoint)
+            in.v = plain::point(row, value);
+        else
+            in.points.push_back(plain::point(row, value));
     }
     return in;
 }
@@ -270,7 +267,7 @@ void tst_MapPanel::rowInUseWithoutDataIsMissing()
     QCOMPARE(calc(), QStringList());
     compareWith([](const plain::PixelInput& in) { return plain::threePoint(in); });
     // The records of the failed reload are still the row's.
-    QCOMPARE(input(0).values[0], point(0).mapData().mut[0]);
+    QCOMPARE(input(0).points[0].t, point(0).mapData().mut[0]);
     // A row that never had any gives -1.
     useRows(5);
     point(1).UseCB->setChecked(false);
@@ -279,7 +276,7 @@ void tst_MapPanel::rowInUseWithoutDataIsMissing()
     point(5).UseCB->setChecked(true);
     user::drop(point(6).MapFile, file("map4.dat"));
     point(6).UseCB->setChecked(true);
-    QCOMPARE(input(0).values[1], -1.0);
+    QCOMPARE(input(0).points[1].t, -1.0);
     QCOMPARE(calc(), QStringList());
     compareWith([](const plain::PixelInput& in) { return plain::threePoint(in); });
 }

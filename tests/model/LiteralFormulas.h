@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 /// The program's formulas a second time, written down literally and without regard to speed: the
@@ -23,9 +24,9 @@ struct Decomposition {
     std::vector<int> perm;
 };
 
-inline Decomposition luDecompose(int n, const Lines& matrix)
+inline Decomposition luDecompose(int n, Lines matrix)
 {
-    Decomposition d{matrix, Lines(n, Numbers(n, 0.0)), std::vector<int>(n)};
+    Decomposition d{std::move(matrix), Lines(n, Numbers(n, 0.0)), std::vector<int>(n)};
     Lines& a = d.lower;
     std::vector<int>& perm = d.perm;
     for (int i = 0; i < n; i++)
@@ -56,9 +57,9 @@ inline Decomposition luDecompose(int n, const Lines& matrix)
     return d;
 }
 
-inline Numbers luForward(int n, const Decomposition& d, const Numbers& b)
+/// @param y  the right side
+inline Numbers luForward(int n, const Decomposition& d, Numbers y)
 {
-    Numbers y = b;
     for (int k = 0; k <= n - 2; k++) {
         const int r = d.perm[k];
         y[r] = y[r] / d.lower[r][k];
@@ -68,9 +69,9 @@ inline Numbers luForward(int n, const Decomposition& d, const Numbers& b)
     return y;
 }
 
-inline Numbers luBackward(int n, const Decomposition& d, const Numbers& y)
+/// @param x  what luForward brings
+inline Numbers luBackward(int n, const Decomposition& d, Numbers x)
 {
-    Numbers x = y;
     for (int k = n - 1; k >= 0; k--) {
         const int r = d.perm[k];
         x[r] = x[r] / d.upper[r][k];
@@ -80,11 +81,11 @@ inline Numbers luBackward(int n, const Decomposition& d, const Numbers& y)
     return x;
 }
 
-inline Numbers solve(const Lines& matrix, const Numbers& right)
+inline Numbers solve(Lines matrix, Numbers right)
 {
     const int n = static_cast<int>(matrix.size());
-    const Decomposition d = luDecompose(n, matrix);
-    const Numbers x = luBackward(n, d, luForward(n, d, right));
+    const Decomposition d = luDecompose(n, std::move(matrix));
+    const Numbers x = luBackward(n, d, luForward(n, d, std::move(right)));
     Numbers unknowns;
     for (int k = 0; k < n; k++)
         unknowns.push_back(x[d.perm[k]]);

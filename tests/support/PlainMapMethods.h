@@ -32,46 +32,35 @@ struct Image {
 
 /// Normalization points in the table's order and the V point, with the target's value at each.
 struct PixelInput {
-    std::vector<PointRow> rows;
-    std::vector<double> values;
-    PointRow v;
-    double valueV = 0.0;
+    std::vector<formulas::Point> points;
+    formulas::Point v;
 };
 
-inline formulas::Point point(const PointRow& row, double value)
+inline formulas::Point point(const PointRow& row, double target)
 {
-    return {row.energy, row.mut1 - row.mutBlank, row.mut2 - row.mutBlank, value};
-}
-
-inline std::vector<formulas::Point> points(const PixelInput& in)
-{
-    std::vector<formulas::Point> points(in.rows.size());
-    for (std::size_t i = 0; i < points.size(); ++i)
-        points[i] = point(in.rows[i], in.values[i]);
-    return points;
+    return {row.energy, row.mut1 - row.mutBlank, row.mut2 - row.mutBlank, target};
 }
 
 inline PixelResult threePoint(const PixelInput& in)
 {
-    const formulas::Result result = formulas::threePoint(
-        point(in.rows[0], in.values[0]), point(in.rows[1], in.values[1]), point(in.v, in.valueV));
+    const formulas::Result result = formulas::threePoint(in.points[0], in.points[1], in.v);
     return {result.a, result.thickness};
 }
 
 inline PixelResult fourPoint(const PixelInput& in, const formulas::Scale& scale, double rho)
 {
-    const formulas::Result result = formulas::fourPoint(scale, rho, point(in.v, in.valueV));
+    const formulas::Result result = formulas::fourPoint(scale, rho, in.v);
     return {result.a, result.thickness};
 }
 
 inline PixelResult fourPointExact(const PixelInput& in, double rho)
 {
-    return fourPoint(in, formulas::exactScale(points(in)), rho);
+    return fourPoint(in, formulas::exactScale(in.points), rho);
 }
 
 inline PixelResult fourPointLeastSquares(const PixelInput& in, double rho)
 {
-    return fourPoint(in, formulas::leastSquaresScale(points(in)), rho);
+    return fourPoint(in, formulas::leastSquaresScale(in.points), rho);
 }
 
 } // namespace plain
