@@ -35,7 +35,7 @@ struct SpectrumSet {
     static constexpr std::size_t count = 4;
     std::array<const FittedSpectrum*, count> all{};
 
-    const FittedSpectrum* operator[](Index i) const { return all[i]; }
+    const FittedSpectrum* operator[](Index i) const { return all.at(i); }
     bool isValid(Index i) const { return all[i] != nullptr && !all[i]->points.empty(); }
     /// Edge jump, 0 without a spectrum.
     double edgeJump(Index i) const { return all[i] != nullptr ? all[i]->edgeJump() : 0.0; }

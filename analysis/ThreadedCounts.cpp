@@ -1,5 +1,7 @@
 #include "analysis/ThreadedCounts.h"
 
+#include <utility>
+
 namespace
 {
 
@@ -26,8 +28,8 @@ void ThreadedCounts::add(unsigned thread, const double* values, std::size_t coun
 
 HistogramCounts ThreadedCounts::take()
 {
-    HistogramCounts& sum = m_parts.front();
+    HistogramCounts sum = std::move(m_parts.front());
     for (std::size_t i = 1; i < m_parts.size(); ++i)
         sum.merge(m_parts[i]);
-    return std::move(sum);
+    return sum;
 }
