@@ -1,6 +1,7 @@
 #include "app/Body.h"
 #include "tests/support/AddressLimit.h"
 #include "tests/support/Exact.h"
+#include "tests/support/Files.h"
 #include "tests/support/PanelActions.h"
 #include "tests/support/PlainMapMethods.h"
 #include "tests/support/SpectrumFile.h"
@@ -57,12 +58,6 @@ QByteArray records(double energy)
         text += QByteArray::number(i % columns) + ' ' + QByteArray::number(10 * (i / columns)) +
                 ' ' + spectra::number(1e6 * std::exp(-pixelMut(i, energy))) + " 1000000\n";
     return text;
-}
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 #include "tests/batch/RandomJob.h"
 
 #include "tests/model/RandomFiles.h"
+#include "tests/support/Files.h"
 
 #include <QDir>
-#include <QFile>
 
 #include <algorithm>
 
@@ -25,13 +25,6 @@ constexpr struct {
 double rounded(double value, int digits)
 {
     return QByteArray::number(value, 'g', digits).toDouble();
-}
-
-void create(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qPrintable(path));
 }
 
 } // namespace

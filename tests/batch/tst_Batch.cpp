@@ -1,3 +1,4 @@
+#include "tests/support/Files.h"
 #include "tests/support/PanelActions.h"
 
 #include <QProcess>
@@ -48,12 +49,6 @@ Output runBatch(const QStringList& arguments, const QString& runtimeDir,
         return {};
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
-}
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
 }
 
 void copyMapExample(const QTemporaryDir& dir)

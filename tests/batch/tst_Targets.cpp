@@ -2,6 +2,7 @@
 #include "batch/TargetRow.h"
 #include "examples/MixedSample.h"
 #include "examples/MixedSampleFiles.h"
+#include "tests/support/Files.h"
 #include "text/NumberText.h"
 
 #include <QDir>
@@ -27,12 +28,6 @@ Output run(const QStringList& arguments, const QString& folder)
         return {};
     return {process.exitCode(), process.readAllStandardOutput(),
             QString::fromUtf8(process.readAllStandardError())};
-}
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
 }
 
 void write(const QString& path, const QByteArray& text)

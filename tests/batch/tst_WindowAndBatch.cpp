@@ -6,6 +6,7 @@
 #include "input/AXafsData.h"
 #include "input/AXafsFileSelect.h"
 #include "tests/batch/RandomJob.h"
+#include "tests/support/Files.h"
 
 #include <QDirIterator>
 #include <QProcess>
@@ -48,10 +49,8 @@ Files filesBelow(const QString& folder)
     Files files;
     QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (it.hasNext()) {
-        QFile file(it.next());
-        if (!file.open(QIODevice::ReadOnly))
-            qFatal("cannot read %s", qPrintable(file.fileName()));
-        files[file.fileName()] = file.readAll();
+        const QString path = it.next();
+        files[path] = contents(path);
     }
     return files;
 }
@@ -61,11 +60,8 @@ void restore(const QString& folder, const Files& before)
     for (const QString& path : filesBelow(folder).keys())
         if (!before.contains(path))
             QFile::remove(path);
-    for (auto it = before.constBegin(); it != before.constEnd(); ++it) {
-        QFile file(it.key());
-        if (!file.open(QIODevice::WriteOnly) || file.write(it.value()) != it.value().size())
-            qFatal("cannot write %s", qPrintable(it.key()));
-    }
+    for (auto it = before.constBegin(); it != before.constEnd(); ++it)
+        create(it.key(), it.value());
 }
 
 /// The panel with a job's settings, and what its buttons bring.

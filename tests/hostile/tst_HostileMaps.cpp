@@ -5,6 +5,7 @@
 #include "app/FourPs.h"
 #include "input/AEPoint.h"
 #include "input/MapReader.h"
+#include "tests/support/Files.h"
 #include "tests/support/PanelActions.h"
 
 #include <QSignalSpy>
@@ -17,12 +18,6 @@ namespace
 {
 
 constexpr int megabyte = 1 << 20;
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
-}
 
 QByteArray header(const QByteArray& columns, const QByteArray& rows)
 {

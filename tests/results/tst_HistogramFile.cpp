@@ -1,5 +1,6 @@
 #include "analysis/HistogramCounts.h"
 #include "results/HistogramFile.h"
+#include "tests/support/Files.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,12 +15,6 @@ void create(const QString& path)
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("old contents that are much longer than what replaces them");
-}
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
 }
 
 HistogramCounts histogram(double first, double last, double boxes)
@@ -56,7 +51,8 @@ void tst_HistogramFile::fileOnlyWhereItExists()
     const QByteArray text = contents(dir.filePath(QStringLiteral("res_HGAlpha.dat")));
     QCOMPARE(text.count('\n'), 43);
     QVERIFY(!writeHistogramFile(counts, result, QStringLiteral("HGThick")));
-    QVERIFY(!writeHistogramFile(counts, QStringLiteral("/nowhere/res.dat"), QStringLiteral("HGAlpha")));
+    QVERIFY(
+        !writeHistogramFile(counts, QStringLiteral("/nowhere/res.dat"), QStringLiteral("HGAlpha")));
     QVERIFY(!writeHistogramFile(counts, QString(), QStringLiteral("HGAlpha")));
 }
 
@@ -68,7 +64,8 @@ void tst_HistogramFile::fileLineByLine()
     HistogramCounts counts = histogram(0, 100000, 3);
     for (const double value : {0.0, 100000.0, 100000.0, -1e6, 1e6})
         counts.add(value);
-    QVERIFY(writeHistogramFile(counts, dir.filePath(QStringLiteral("res.dat")), QStringLiteral("HGThick")));
+    QVERIFY(writeHistogramFile(counts, dir.filePath(QStringLiteral("res.dat")),
+                               QStringLiteral("HGThick")));
     QCOMPARE(contents(path), QByteArray("-75000 -50000 -25000  1\n"
                                         "-25000 0 25000  1\n"
                                         "25000 50000 75000  0\n"
@@ -105,8 +102,9 @@ void tst_HistogramFile::fileThroughALink()
     const QString target = dir.filePath(QStringLiteral("elsewhere/target"));
     create(target);
     QVERIFY(QFile::link(target, dir.filePath(QStringLiteral("res_HGAlpha.dat"))));
-    QVERIFY(writeHistogramFile(histogram(0, 1, 2), dir.filePath(QStringLiteral("elsewhere/../res.dat")),
-                                         QStringLiteral("HGAlpha")));
+    QVERIFY(writeHistogramFile(histogram(0, 1, 2),
+                               dir.filePath(QStringLiteral("elsewhere/../res.dat")),
+                               QStringLiteral("HGAlpha")));
     QCOMPARE(contents(target).count('\n'), 4);
 }
 

@@ -1,4 +1,5 @@
 #include "system/SafeFile.h"
+#include "tests/support/Files.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -13,12 +14,6 @@
 
 namespace
 {
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
-}
 
 void put(const QString& path, const QByteArray& text)
 {
