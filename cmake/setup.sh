@@ -13,7 +13,7 @@ run_packages=(
 # Beside those, what the tests, the benchmark programs and the Debian package need.
 check_packages=(
     libbenchmark-dev libfast-float-dev libfmt-dev libtbb-dev
-    libboost-dev librsvg2-bin
+    libboost-dev librsvg2-bin libqt5svg5-dev poppler-utils
     xvfb xauth xdotool
     clang clang-tidy libclang-rt-14-dev cppcheck gcovr pkg-config
 )

@@ -13,7 +13,8 @@ struct AxisEnds {
 /// What a graph shows around its data, whatever shows it: a canvas, a picture, a page.
 ///
 /// Whoever owns a painter calls begin(), the painter of the graph, and drawAxisTitles(). Between
-/// two paintings a frame keeps its range, so that a view that was zoomed or moved stays.
+/// two paintings a frame keeps its range, so that a view that was zoomed or moved stays. A unit of
+/// the painter is a pixel; a device of another measure, as a page, is set to 96 of them an inch.
 struct GraphFrame {
     ChCoord coord;
     bool rangeSet = false; ///< coord has the range of the data, or what was zoomed out of it

@@ -3,6 +3,7 @@
 #include "display/Pixel.h"
 #include "results/Dot.h"
 
+#include <QPaintEngine>
 #include <QPainter>
 
 #include <algorithm>
@@ -51,9 +52,12 @@ Pair keptBetween(Pair v, double low, double high)
 }
 
 // Device pixels for one pixel of the canvas, where that is a whole number and the canvas sits on
-// whole device pixels; else 0.
-int wholeScale(const QTransform& transform)
+// whole device pixels; else 0. A page or a drawing has no pixels.
+int wholeScale(const QPainter& painter)
 {
+    if (painter.paintEngine()->type() != QPaintEngine::Raster)
+        return 0;
+    const QTransform& transform = painter.deviceTransform();
     if (transform.type() > QTransform::TxScale || transform.m11() != transform.m22())
         return 0;
     const double scale = transform.m11();
@@ -215,8 +219,8 @@ void DotCloud::draw(QPainter& painter, const ChCoord& coord, const MapPoints& po
                     double valence1, double valence2)
 {
     painter.setPen(Qt::black);
-    const int scale = wholeScale(painter.deviceTransform());
-    if (scale == 0) { // dots differ from place to place
+    const int scale = wholeScale(painter);
+    if (scale == 0) { // dots differ from place to place, or may be enlarged
         for (const QPoint dot : marked(coord, points, valence1, valence2).pixels())
             drawDot(painter, dot);
         return;

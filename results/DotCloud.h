@@ -40,7 +40,8 @@ private:
 };
 
 /// A cloud of dots that is painted as one drawDot() for each point would paint it, at the cost of a
-/// few operations for each pixel. The picture is kept until points or coordinates change.
+/// few operations for each pixel. The picture is kept until points or coordinates change. On a
+/// page, which has no pixels, each dot is drawn.
 class DotCloud
 {
 public:
