@@ -13,7 +13,6 @@ namespace
 {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 /// Energies 10, 20, 40 eV.
 const SpectrumPoints rising{{0, 10, 1}, {0, 20, 3}, {0, 40, -1}};

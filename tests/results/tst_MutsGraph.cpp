@@ -10,7 +10,6 @@ namespace
 {
 
 constexpr double infinite = std::numeric_limits<double>::infinity();
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 const QColor grey(200, 200, 200);
 const QColor green(80, 255, 80);
