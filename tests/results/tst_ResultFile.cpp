@@ -6,8 +6,10 @@
 #include <QtTest>
 
 #include <array>
+#include <atomic>
 #include <limits>
 #include <random>
+#include <thread>
 
 #include <csignal>
 #include <sys/wait.h>
@@ -17,7 +19,6 @@ namespace
 {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 struct Pixel {
     double first;
@@ -96,6 +97,7 @@ private slots:
     void cannotOpen();
     void fullDisk();
     void progressRisesToOne();
+    void progressIsToldInTheAskingThread();
     void equalsThePlainText();
 
 private:
@@ -250,8 +252,9 @@ void tst_ResultFile::fullDisk()
     QCOMPARE(writeResultFile(QStringLiteral("/dev/full"), {}, results, {2, 3}),
              WriteOutcome::CannotWrite);
     const std::vector<Pixel> many(100000, {1, 2, 1, 1});
-    QCOMPARE(writeResultFile(QStringLiteral("/dev/full"), {"#"}, resultsOf(1000, 100, many), {2, 3}),
-             WriteOutcome::CannotWrite);
+    QCOMPARE(
+        writeResultFile(QStringLiteral("/dev/full"), {"#"}, resultsOf(1000, 100, many), {2, 3}),
+        WriteOutcome::CannotWrite);
 }
 
 void tst_ResultFile::progressRisesToOne()
@@ -264,6 +267,18 @@ void tst_ResultFile::progressRisesToOne()
     QVERIFY(parts.size() > 5);
     QVERIFY(std::is_sorted(parts.begin(), parts.end()));
     QCOMPARE(parts.back(), 1.0);
+}
+
+/// A window shows it: widgets are touched by their own thread only.
+void tst_ResultFile::progressIsToldInTheAskingThread()
+{
+    const MapResults results = resultsOf(1000, 500, std::vector<Pixel>(500000, {1, 2, 1, 1}));
+    const std::thread::id asking = std::this_thread::get_id();
+    std::atomic<int> elsewhere{0};
+    Workers workers(4);
+    const auto count = [&](double) { elsewhere += std::this_thread::get_id() != asking; };
+    QCOMPARE(writeResultFile(path(), {}, results, {2, 3}, count, workers), WriteOutcome::Written);
+    QCOMPARE(elsewhere.load(), 0);
 }
 
 void tst_ResultFile::equalsThePlainText()
