@@ -14,7 +14,6 @@
 namespace
 {
 
-
 /// A spectrum whose lines are 0 and 1, so that its normalized values are its mu-t.
 FittedSpectrum unit(const SpectrumPoints& points)
 {
