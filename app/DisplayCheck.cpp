@@ -74,6 +74,28 @@ bool waylandAnswers(const QByteArray& display)
     return answers;
 }
 
+const QString instead = QStringLiteral("; drovik-batch runs a job without one.");
+
+QString notReached(const QStringList& displays)
+{
+    return QStringLiteral("The display %1 cannot be reached")
+               .arg(displays.join(QStringLiteral(" or "))) +
+           instead;
+}
+
+QString noneNamed(bool triesX11, bool triesWayland)
+{
+    QStringList empty;
+    if (triesX11)
+        empty += QStringLiteral("DISPLAY");
+    if (triesWayland)
+        empty += QStringLiteral("WAYLAND_DISPLAY");
+    return QStringLiteral("There is no display (%1 empty)")
+               .arg(empty.join(QStringLiteral(" and ")) +
+                    (empty.size() > 1 ? QStringLiteral(" are") : QStringLiteral(" is"))) +
+           instead;
+}
+
 } // namespace
 
 QString missingDisplay(int argc, char* argv[])
@@ -102,18 +124,5 @@ QString missingDisplay(int argc, char* argv[])
             return {};
         tried += QString::fromLocal8Bit(wayland);
     }
-    const QString instead = QStringLiteral("; drovik-batch runs a job without one.");
-    if (!tried.isEmpty())
-        return QStringLiteral("The display %1 cannot be reached")
-                   .arg(tried.join(QStringLiteral(" or "))) +
-               instead;
-    QStringList empty;
-    if (triesX11)
-        empty += QStringLiteral("DISPLAY");
-    if (triesWayland)
-        empty += QStringLiteral("WAYLAND_DISPLAY");
-    return QStringLiteral("There is no display (%1 empty)")
-               .arg(empty.join(QStringLiteral(" and ")) +
-                    (empty.size() > 1 ? QStringLiteral(" are") : QStringLiteral(" is"))) +
-           instead;
+    return tried.isEmpty() ? noneNamed(triesX11, triesWayland) : notReached(tried);
 }

@@ -42,7 +42,7 @@ public:
             if (read && useOf(i).any)
                 facts.spectra.push_back(spectrum(i));
             if (!read && m_range && i != Job::Blank)
-                facts.missingForLcf.push_back(QLatin1String(names[i]));
+                facts.missingForLcf.emplace_back(QLatin1String(names[i]));
         }
         facts.rows = rows();
         facts.lcfPoints = lcfPoints();

@@ -60,6 +60,7 @@ std::optional<std::vector<JobFilePath>> targetList(const Job& job, JobError& err
             lines.emplace(QFile::encodeName(QDir::cleanPath(QFile::decodeName(file))), given.line);
     }
     std::vector<JobFilePath> targets;
+    targets.reserve(lines.size());
     for (const auto& [path, line] : lines)
         targets.push_back({QFile::decodeName(path), line});
     return targets;

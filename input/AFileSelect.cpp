@@ -35,7 +35,7 @@ const QString fileScheme = QStringLiteral("file://");
 /// a careless desktop lets pass for a query or a fragment is the rest of a file's name.
 QString textOf(const QUrl& url)
 {
-    const QString plain = url.toString();
+    QString plain = url.toString();
     if (!plain.startsWith(fileScheme)) // as that of "file:name", which names no place
         return plain;
     QString text = fileScheme + url.host() + url.path(QUrl::FullyDecoded);
