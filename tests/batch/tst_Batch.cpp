@@ -39,9 +39,12 @@ Output runBatch(const QStringList& arguments, const QString& runtimeDir,
         environment.remove(QString::fromLatin1(name));
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtimeDir);
     environment.insert(QStringLiteral("LC_ALL"), locale);
-    // What a limit breaks off must not be the counts of the lines that all other runs reach.
+    // What a limit breaks off must not be the counts of the lines that all other runs reach; and
+    // another user can write them here only.
+    const QTemporaryDir counts;
+    chmod(QFile::encodeName(counts.path()).constData(), 0777);
     if (!starter.isEmpty())
-        environment.insert(QStringLiteral("GCOV_PREFIX"), runtimeDir);
+        environment.insert(QStringLiteral("GCOV_PREFIX"), counts.path());
     QProcess process;
     process.setProcessEnvironment(environment);
     if (!outputFile.isEmpty())
