@@ -75,7 +75,7 @@ void FourPs::buildSelectors()
 void FourPs::buildDisplays()
 {
     displays = new Displays;
-    for (const int i : {Ref1, Ref2, Target})
+    for (const auto i : {SpectrumSet::Ref1, SpectrumSet::Ref2, SpectrumSet::Target})
         xafsSelects[i]->setPreview(displays->panel(i));
 }
 
@@ -160,7 +160,8 @@ void FourPs::connectInputs()
 {
     for (QLineEdit* edit : {PreEEndDE, EdgeE, PostEStartDE})
         connect(edit, &QLineEdit::editingFinished, this, &FourPs::setEdge);
-    for (const int i : {Ref1, Ref2, Target, Blank}) {
+    for (const auto i :
+         {SpectrumSet::Ref1, SpectrumSet::Ref2, SpectrumSet::Target, SpectrumSet::Blank}) {
         const AXafsFileSelect* select = xafsSelects[i];
         connect(select, &AFileSelect::newDir, this, &FourPs::receiveNewDir);
         connect(select, &AFileSelect::newFilePath, this,
@@ -215,7 +216,7 @@ void FourPs::buildMarkLines()
     for (AEPoint* point : qAsConst(ePoints))
         add(m_pointLines.get(), point->Energy, -1);
     displays->panel(mutsPanel)->DispA->markLines = m_pointLines.get();
-    for (const int i : {Ref1, Ref2, Target})
+    for (const auto i : {SpectrumSet::Ref1, SpectrumSet::Ref2, SpectrumSet::Target})
         displays->panel(i)->DispA->markLines = m_edgeLines.get();
 
     connect(m_pointLines.get(), &MarkLines::moving, this, &FourPs::setEdge);

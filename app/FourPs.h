@@ -35,7 +35,7 @@ public:
     explicit FourPs(QWidget* parent = nullptr);
     ~FourPs() override;
 
-    QVector<AXafsFileSelect*> xafsSelects; ///< Ref 1, Ref 2, Target, Blank
+    QVector<AXafsFileSelect*> xafsSelects; ///< in the order of SpectrumSet
     QVector<AEPoint*> ePoints;             ///< rows 1 to 8 of the point table
     AFileSelect* mapFileSelect = nullptr;  ///< several 2D data files at once
     Displays* displays = nullptr;          ///< the graph window
@@ -94,8 +94,6 @@ public slots:
     void lcf(); ///< linear combination fit of the target
 
 private:
-    enum SelectIndex { Ref1, Ref2, Target, Blank };
-
     // Construction, in this order.
     void buildSelectors();
     void buildDisplays();
@@ -121,10 +119,10 @@ private:
     AnalysisInput input() const;
     void receiveNewEnergy(AEPoint* point, double energy); ///< of a row: its mu-t fields
     /// A spectrum: its column, then recalculate. The selector has read it.
-    void receiveNewFile(int select, const QString& path);
-    QLineEdit* mutField(AEPoint* point, int select) const;
-    void refreshMut(AEPoint* point, int select, double energy);
-    void refreshColumn(int select);
+    void receiveNewFile(SpectrumSet::Index select, const QString& path);
+    QLineEdit* mutField(AEPoint* point, SpectrumSet::Index select) const;
+    void refreshMut(AEPoint* point, SpectrumSet::Index select, double energy);
+    void refreshColumn(SpectrumSet::Index select);
     void repaintDisplays();
 
     // Graphs.

@@ -48,8 +48,8 @@ void FourPs::changedUseVic(bool on)
         point->useVic = on;
     RefFile1->setUseVic(on);
     RefFile2->setUseVic(on);
-    refreshColumn(Ref1);
-    refreshColumn(Ref2);
+    refreshColumn(SpectrumSet::Ref1);
+    refreshColumn(SpectrumSet::Ref2);
     calcBoth();
 }
 
@@ -58,7 +58,7 @@ void FourPs::changedUseVicForTarget(bool on)
     for (AEPoint* point : qAsConst(ePoints))
         point->useVicForTarget = on;
     TargetFile->setUseVic(on);
-    refreshColumn(Target);
+    refreshColumn(SpectrumSet::Target);
     calcBoth();
 }
 
@@ -68,26 +68,28 @@ void FourPs::changedUsingVicIs1(bool on)
         point->vicIsPre = on;
     for (AXafsFileSelect* select : qAsConst(xafsSelects))
         select->setVicIsPre(on);
-    for (const int select : {Ref1, Ref2, Target, Blank})
+    for (const auto select :
+         {SpectrumSet::Ref1, SpectrumSet::Ref2, SpectrumSet::Target, SpectrumSet::Blank})
         refreshColumn(select);
     calcBoth();
 }
 
-QLineEdit* FourPs::mutField(AEPoint* point, int select) const
+QLineEdit* FourPs::mutField(AEPoint* point, SpectrumSet::Index select) const
 {
     switch (select) {
-    case Ref1:
+    case SpectrumSet::Ref1:
         return point->Mut1;
-    case Ref2:
+    case SpectrumSet::Ref2:
         return point->Mut2;
-    case Target:
+    case SpectrumSet::Target:
         return point->MutT;
-    default:
-        return point->MutBlank;
+    case SpectrumSet::Blank:
+        break;
     }
+    return point->MutBlank;
 }
 
-void FourPs::refreshMut(AEPoint* point, int select, double energy)
+void FourPs::refreshMut(AEPoint* point, SpectrumSet::Index select, double energy)
 {
     double mut = 0.0;
     // An empty field is no energy, not an energy of 0 eV.
@@ -98,7 +100,7 @@ void FourPs::refreshMut(AEPoint* point, int select, double energy)
         mutField(point, select)->clear();
 }
 
-void FourPs::refreshColumn(int select)
+void FourPs::refreshColumn(SpectrumSet::Index select)
 {
     for (AEPoint* point : qAsConst(ePoints))
         refreshMut(point, select, point->energy());
@@ -107,7 +109,8 @@ void FourPs::refreshColumn(int select)
 
 void FourPs::receiveNewEnergy(AEPoint* point, double energy)
 {
-    for (const int select : {Ref1, Ref2, Target, Blank})
+    for (const auto select :
+         {SpectrumSet::Ref1, SpectrumSet::Ref2, SpectrumSet::Target, SpectrumSet::Blank})
         refreshMut(point, select, energy);
     repaintDisplays();
 }
@@ -115,43 +118,41 @@ void FourPs::receiveNewEnergy(AEPoint* point, double energy)
 void FourPs::receiveNewRef1(const QString& path)
 {
     Q_UNUSED(path) // the selector has read the file
-    refreshColumn(Ref1);
+    refreshColumn(SpectrumSet::Ref1);
 }
 
 void FourPs::receiveNewRef2(const QString& path)
 {
     Q_UNUSED(path)
-    refreshColumn(Ref2);
+    refreshColumn(SpectrumSet::Ref2);
 }
 
 void FourPs::receiveNewTarget(const QString& path)
 {
     Q_UNUSED(path)
-    refreshColumn(Target);
+    refreshColumn(SpectrumSet::Target);
 }
 
 void FourPs::receiveNewBlank(const QString& path)
 {
     Q_UNUSED(path)
-    refreshColumn(Blank);
+    refreshColumn(SpectrumSet::Blank);
 }
 
-void FourPs::receiveNewFile(int select, const QString& path)
+void FourPs::receiveNewFile(SpectrumSet::Index select, const QString& path)
 {
     switch (select) {
-    case Ref1:
+    case SpectrumSet::Ref1:
         receiveNewRef1(path);
         break;
-    case Ref2:
+    case SpectrumSet::Ref2:
         receiveNewRef2(path);
         break;
-    case Target:
+    case SpectrumSet::Target:
         receiveNewTarget(path);
         break;
-    case Blank:
+    case SpectrumSet::Blank:
         receiveNewBlank(path);
-        break;
-    default:
         break;
     }
     calcBoth();

@@ -93,7 +93,7 @@ std::optional<JobData> withTarget(const JobData& common, const JobFilePath& targ
     JobData data;
     data.settings = common.settings;
     data.spectra = common.spectra;
-    if (auto wrong = readSpectrum(target, Job::Target, data)) {
+    if (auto wrong = readSpectrum(target, SpectrumSet::Target, data)) {
         error = *wrong;
         return std::nullopt;
     }

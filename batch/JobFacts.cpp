@@ -3,12 +3,9 @@
 #include "analysis/LinearCombinationFit.h"
 
 #include <algorithm>
-#include <array>
 
 namespace
 {
-
-constexpr std::array<const char*, 4> names{"ref1", "ref2", "target", "blank"};
 
 /// What is taken from a spectrum.
 struct Use {
@@ -37,12 +34,12 @@ public:
         facts.edgeLine = m_job.edgeLine;
         facts.preEdgeEndLine = m_job.preEdgeEndLine;
         facts.postEdgeStartLine = m_job.postEdgeStartLine;
-        for (std::size_t i = 0; i < names.size(); ++i) {
+        for (std::size_t i = 0; i < spectrumKeys.size(); ++i) {
             const bool read = m_data.spectra[i] != nullptr;
             if (read && useOf(i).any)
                 facts.spectra.push_back(spectrum(i));
-            if (!read && m_range && i != Job::Blank)
-                facts.missingForLcf.emplace_back(QLatin1String(names[i]));
+            if (!read && m_range && i != SpectrumSet::Blank)
+                facts.missingForLcf.emplace_back(QLatin1String(spectrumKeys[i]));
         }
         facts.rows = rows();
         facts.lcfPoints = lcfPoints();
@@ -55,15 +52,16 @@ private:
     Use useOf(std::size_t i) const
     {
         const Conditions& conditions = m_data.settings.conditions;
-        const bool reference = i == Job::Ref1 || i == Job::Ref2;
-        const bool inPoints = m_points && (i != Job::Target || m_job.calculateTarget);
-        const bool lines = inPoints && ((reference && conditions.referencesMinusVictreen) ||
-                                        (i == Job::Target && conditions.targetMinusVictreen));
+        const bool reference = i == SpectrumSet::Ref1 || i == SpectrumSet::Ref2;
+        const bool inPoints = m_points && (i != SpectrumSet::Target || m_job.calculateTarget);
+        const bool lines =
+            inPoints && ((reference && conditions.referencesMinusVictreen) ||
+                         (i == SpectrumSet::Target && conditions.targetMinusVictreen));
         const bool pre = conditions.victreenIsPre;
         // Three points need no thickness ratio.
         const bool jump = inPoints && reference && m_rowsInUse > 3 &&
                           conditions.thickness == ThicknessType::EdgeJumps;
-        const bool fit = m_range && i != Job::Blank;
+        const bool fit = m_range && i != SpectrumSet::Blank;
         return {inPoints || fit, fit || jump || (lines && pre), fit || jump || (lines && !pre)};
     }
 
@@ -72,7 +70,7 @@ private:
         const AXafsData& record = data(i);
         const SpectrumPoints& points = record.points;
         SpectrumFacts facts;
-        facts.name = QLatin1String(names[i]);
+        facts.name = QLatin1String(spectrumKeys[i]);
         facts.line = m_job.spectra[i].line;
         facts.energyMin = record.energyMin;
         facts.energyMax = record.energyMax;
@@ -110,9 +108,9 @@ private:
 
     std::optional<int> lcfPoints() const
     {
-        if (!m_range || !m_data.spectra[Job::Target])
+        if (!m_range || !m_data.spectra[SpectrumSet::Target])
             return std::nullopt;
-        const SpectrumPoints& points = data(Job::Target).points;
+        const SpectrumPoints& points = data(SpectrumSet::Target).points;
         return static_cast<int>(
             std::count_if(points.begin(), points.end(), [this](const SpectrumPoint& point) {
                 return m_range->contains(point.energy);

@@ -286,7 +286,7 @@ void JobReader::checkTargets()
         return;
     }
     const int line = job.targets.front().line;
-    const JobFilePath& target = job.spectra[Job::Target];
+    const JobFilePath& target = job.spectra[SpectrumSet::Target];
     if (!target.path.isEmpty())
         fail(std::max(line, target.line), QStringLiteral("target and targets exclude one another"));
     if (job.output.path.isEmpty())
@@ -299,10 +299,12 @@ void JobReader::checkTargets()
 
 void JobReader::read(const toml::table& root)
 {
-    const Keys files{
-        {"ref1", filePath(job.spectra[Job::Ref1])},     {"ref2", filePath(job.spectra[Job::Ref2])},
-        {"target", filePath(job.spectra[Job::Target])}, {"targets", patterns(job.targets)},
-        {"blank", filePath(job.spectra[Job::Blank])},   {"map_result", filePath(job.mapResult)}};
+    const Keys files{{"ref1", filePath(job.spectra[SpectrumSet::Ref1])},
+                     {"ref2", filePath(job.spectra[SpectrumSet::Ref2])},
+                     {"target", filePath(job.spectra[SpectrumSet::Target])},
+                     {"targets", patterns(job.targets)},
+                     {"blank", filePath(job.spectra[SpectrumSet::Blank])},
+                     {"map_result", filePath(job.mapResult)}};
     const Keys edge{{"energy", number(job.edge, job.edgeLine)},
                     {"pre_edge_end", number(job.preEdgeEnd, job.preEdgeEndLine)},
                     {"post_edge_start", number(job.postEdgeStart, job.postEdgeStartLine)}};

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "analysis/ThicknessRatio.h"
+#include "analysis/PointTable.h"
 
 #include <QByteArray>
 #include <QString>
@@ -15,6 +15,10 @@ struct JobFilePath {
     int line = 0; ///< of the job file
 };
 
+/// A job's keys of its spectra, in the order of SpectrumSet.
+constexpr std::array<const char*, SpectrumSet::count> spectrumKeys{"ref1", "ref2", "target",
+                                                                   "blank"};
+
 /// A row of the point table. Numbers are kept as the texts that a user would type.
 struct JobPoint {
     QString energy; ///< eV
@@ -28,9 +32,8 @@ struct JobPoint {
 /// What to do without a window: the settings that differ from the form's defaults and the
 /// calculations to run. Whatever is empty stays as the form has it.
 struct Job {
-    enum SpectrumIndex { Ref1, Ref2, Target, Blank };
     QString folder; ///< of the job file; what its paths start from
-    std::array<JobFilePath, 4> spectra;
+    std::array<JobFilePath, SpectrumSet::count> spectra;
 
     /// Names and patterns of many targets, as they stand in the job; not together with a target.
     std::vector<JobFilePath> targets;

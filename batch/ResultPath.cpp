@@ -19,9 +19,8 @@ struct ReadFile {
 std::vector<ReadFile> filesReadBy(const Job& job, const QString& jobPath)
 {
     std::vector<ReadFile> files{{QStringLiteral("the job itself"), jobPath}};
-    const std::array<const char*, 4> names{"ref1", "ref2", "target", "blank"};
-    for (std::size_t i = 0; i < names.size(); ++i)
-        files.push_back({QLatin1String(names[i]), job.spectra[i].path});
+    for (std::size_t i = 0; i < spectrumKeys.size(); ++i)
+        files.push_back({QLatin1String(spectrumKeys[i]), job.spectra[i].path});
     for (std::size_t i = 0; job.points && i < job.points->size(); ++i)
         files.push_back(
             {QStringLiteral("the map of [[point]] %1").arg(i + 1), (*job.points)[i].map.path});

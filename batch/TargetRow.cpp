@@ -80,8 +80,8 @@ TargetRow analyseTarget(const Job& job, const JobData& common, const JobFilePath
         return row;
     }
     Job own = job;
-    own.spectra[Job::Target] = target;
-    const AXafsData& spectrum = *data->spectra[Job::Target];
+    own.spectra[SpectrumSet::Target] = target;
+    const AXafsData& spectrum = *data->spectra[SpectrumSet::Target];
     row.edgeJump = spectrum.edgeJump();
     row.edgeJumpNoC = spectrum.edgeJumpNoC();
     calculate(own, *data, row);

@@ -122,7 +122,7 @@ int run()
     if (!job->targets.empty())
         return static_cast<int>(analyseTargets(options.job, *job, options.run));
     if (options.run.listOnly)
-        return static_cast<int>(listTargets({job->spectra[Job::Target]}, options.run));
+        return static_cast<int>(listTargets({job->spectra[SpectrumSet::Target]}, options.run));
     return analyseOne(options.job, *job, options.run.checkOnly);
 }
 

@@ -26,14 +26,14 @@ std::optional<Found> measure(Measuring conditions, const MixedSample& sample, co
     if (!writeSample(folder, sample, seed).isEmpty())
         return std::nullopt;
     Job& job = conditions.job;
-    const auto name = [&](Job::SpectrumIndex spectrum, Measurement measurement) {
+    const auto name = [&](SpectrumSet::Index spectrum, Measurement measurement) {
         job.spectra[spectrum].path = QDir(folder).filePath(fileName(measurement));
     };
-    name(Job::Ref1, Measurement::Ref1);
-    name(Job::Ref2, Measurement::Ref2);
-    name(Job::Target, Measurement::Target);
+    name(SpectrumSet::Ref1, Measurement::Ref1);
+    name(SpectrumSet::Ref2, Measurement::Ref2);
+    name(SpectrumSet::Target, Measurement::Target);
     if (conditions.blankNamed)
-        name(Job::Blank, Measurement::Blank);
+        name(SpectrumSet::Blank, Measurement::Blank);
     JobError error;
     const std::optional<JobData> data = readJobData(job, error);
     if (!data)

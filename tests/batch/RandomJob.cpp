@@ -10,7 +10,7 @@
 namespace
 {
 
-const char* const spectrumKeys[] = {"ref1", "ref2", "target", "blank"};
+const char* const fileKeys[] = {"ref1", "ref2", "target", "blank"};
 
 constexpr struct {
     const char* name;
@@ -114,7 +114,7 @@ void RandomJob::chooseFiles(const QStringList& spectra, const QStringList& resul
         if (chance(i == 3 ? 30 : 6))
             continue;
         files.spectra[i] = chance(90) ? spectra.at(static_cast<int>(i)) : anyOf(spectra);
-        m_spectrumLines[i] = file(spectrumKeys[i], files.spectra[i]);
+        m_spectrumLines[i] = file(fileKeys[i], files.spectra[i]);
     }
     if (chance(60)) {
         result = QDir(m_folder).filePath(anyOf(results));

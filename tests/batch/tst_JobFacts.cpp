@@ -29,7 +29,7 @@ struct Case {
     Case()
     {
         job.calculateTarget = job.calculateLcf = job.calculateMap = false;
-        job.spectra[Job::Target].line = 4;
+        job.spectra[SpectrumSet::Target].line = 4;
         data.spectra.fill(spectrum());
         data.settings.conditions.referencesMinusVictreen = false;
     }
@@ -112,22 +112,22 @@ void tst_JobFacts::linesThatAreUsed()
     // A point at the bound itself belongs to no line.
     const std::optional<int> below = used ? std::optional(2) : std::nullopt;
     const std::optional<int> above = used ? std::optional(3) : std::nullopt;
-    QCOMPARE(facts.spectra[Job::Ref1].preEdgePoints, below);
-    QCOMPARE(facts.spectra[Job::Ref2].postEdgePoints, above);
-    QCOMPARE(facts.spectra[Job::Target].preEdgePoints, std::optional<int>());
+    QCOMPARE(facts.spectra[SpectrumSet::Ref1].preEdgePoints, below);
+    QCOMPARE(facts.spectra[SpectrumSet::Ref2].postEdgePoints, above);
+    QCOMPARE(facts.spectra[SpectrumSet::Target].preEdgePoints, std::optional<int>());
 }
 
 void tst_JobFacts::energiesOfASpectrum()
 {
     Case test;
     test.job.calculateTarget = true;
-    test.data.spectra[Job::Target] = spectrum({8200, 8250, 8240, 8300, 8100});
-    const SpectrumFacts target = test.facts().spectra[Job::Target];
+    test.data.spectra[SpectrumSet::Target] = spectrum({8200, 8250, 8240, 8300, 8100});
+    const SpectrumFacts target = test.facts().spectra[SpectrumSet::Target];
     QCOMPARE(target.line, 4);
     QCOMPARE(target.energyMin, 8100.0);
     QCOMPARE(target.energyMax, 8300.0);
     QCOMPARE(target.fallsAt, std::optional(8240.0));
-    QCOMPARE(test.facts().spectra[Job::Ref1].fallsAt, std::optional<double>());
+    QCOMPARE(test.facts().spectra[SpectrumSet::Ref1].fallsAt, std::optional<double>());
 }
 
 void tst_JobFacts::rowsThatCount()
@@ -161,7 +161,7 @@ void tst_JobFacts::pointsOfTheFit()
     test.data.settings.points[0] = {8250.0, false, true, false};
     test.data.settings.points[1] = {8450.0, false, true, false};
     QCOMPARE(test.facts().lcfPoints, std::optional(4));
-    test.data.spectra[Job::Target] = nullptr;
+    test.data.spectra[SpectrumSet::Target] = nullptr;
     QCOMPARE(test.facts().lcfPoints, std::optional<int>());
 }
 

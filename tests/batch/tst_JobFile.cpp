@@ -84,12 +84,12 @@ void tst_JobFile::everySettingIsTaken()
                            "target_minus_victreen = true\n"
                            "victreen = \"pre\"\n"
                            "method = \"exact\"\n");
-    QCOMPARE(job.spectra[Job::Ref1].path, QStringLiteral("/data/a.dat"));
-    QCOMPARE(job.spectra[Job::Ref1].line, 2);
-    QCOMPARE(job.spectra[Job::Ref2].path, QStringLiteral("/other/b.dat"));
-    QCOMPARE(job.spectra[Job::Target].path, QStringLiteral("/data/sub/c.dat"));
-    QCOMPARE(job.spectra[Job::Blank].path, QStringLiteral("/data/../d.dat"));
-    QCOMPARE(job.spectra[Job::Blank].line, 5);
+    QCOMPARE(job.spectra[SpectrumSet::Ref1].path, QStringLiteral("/data/a.dat"));
+    QCOMPARE(job.spectra[SpectrumSet::Ref1].line, 2);
+    QCOMPARE(job.spectra[SpectrumSet::Ref2].path, QStringLiteral("/other/b.dat"));
+    QCOMPARE(job.spectra[SpectrumSet::Target].path, QStringLiteral("/data/sub/c.dat"));
+    QCOMPARE(job.spectra[SpectrumSet::Blank].path, QStringLiteral("/data/../d.dat"));
+    QCOMPARE(job.spectra[SpectrumSet::Blank].line, 5);
     QCOMPARE(job.edge, QStringLiteral("7120"));
     QCOMPARE(job.preEdgeEnd, QStringLiteral("-30"));
     QCOMPARE(job.postEdgeStart, QStringLiteral("100.5"));
@@ -175,14 +175,14 @@ void tst_JobFile::pathsAreRelativeToTheFolder()
     JobError error;
     const std::optional<Job> job = readJob(path, error);
     QVERIFY(job);
-    QCOMPARE(job->spectra[Job::Ref1].path,
+    QCOMPARE(job->spectra[SpectrumSet::Ref1].path,
              dir.filePath(QStringLiteral("sub/")) + QStringLiteral("酸化 100%1.dat"));
 }
 
 void tst_JobFile::aByteOrderMarkIsPartOfAName()
 {
     const Job job = parsed("[files]\nref1 = \"\xEF\xBB\xBFref1.dat\"\n");
-    QCOMPARE(job.spectra[Job::Ref1].path,
+    QCOMPARE(job.spectra[SpectrumSet::Ref1].path,
              QStringLiteral("/data/") + QChar(0xFEFF) + QStringLiteral("ref1.dat"));
     JobError error;
     QVERIFY(!parseJob("calculate = [\"\xEF\xBB\xBFlcf\"]", QStringLiteral("/data"), error));

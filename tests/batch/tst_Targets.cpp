@@ -165,7 +165,7 @@ void tst_Targets::figuresAreThoseOfOneTarget()
                                     .arg(six("lcf_w1"), six("lcf_w2"), six("lcf_const"))));
         QVERIFY(report.contains(QStringLiteral("a : (1-a) = %1 : ").arg(six("lcf_a"))));
         QVERIFY(report.contains(QStringLiteral(",  Valence = %1\n").arg(six("lcf_valence"))));
-        const AXafsData& target = *data->spectra[Job::Target];
+        const AXafsData& target = *data->spectra[SpectrumSet::Target];
         QCOMPARE(field(table, name, "edge_jump").toDouble(), target.edgeJump());
         QCOMPARE(field(table, name, "edge_jump_noc").toDouble(), target.edgeJumpNoC());
     }
