@@ -10,31 +10,25 @@
 namespace
 {
 
-/// @param what  there is none of, where the file was read but is of no use
-JobError unusable(const JobFilePath& file, const QString& refusal, const QString& what)
+/// @param openError  0 where the file could be opened
+/// @param what       there is none of, where the file was read but is of no use
+JobError unusable(const JobFilePath& file, int openError, const QString& refusal,
+                  const QString& what)
 {
+    if (openError != 0)
+        return {file.line,
+                QStringLiteral("cannot open %1: %2").arg(file.path, whyNotOpened(openError))};
     if (!refusal.isEmpty())
         return {file.line, refusal};
     return {file.line, QStringLiteral("no %1 in %2").arg(what, file.path)};
 }
 
-std::optional<JobError> cannotOpen(const JobFilePath& file)
-{
-    int error = 0;
-    if (InputFile::open(file.path, &error))
-        return std::nullopt;
-    return JobError{file.line,
-                    QStringLiteral("cannot open %1: %2").arg(file.path, whyNotOpened(error))};
-}
-
 std::optional<JobError> readSpectrum(const JobFilePath& file, std::size_t i, JobData& data)
 {
-    if (auto error = cannotOpen(file))
-        return error;
     auto spectrum = std::make_shared<AXafsData>();
     spectrum->setBounds(data.settings.bounds());
     if (!spectrum->read(file.path))
-        return unusable(file, spectrum->refusal, QStringLiteral("spectrum"));
+        return unusable(file, spectrum->openError, spectrum->refusal, QStringLiteral("spectrum"));
     data.spectra[i] = std::move(spectrum);
     return std::nullopt;
 }
@@ -58,11 +52,10 @@ std::optional<JobError> readMaps(const Job& job, JobData& data)
         const JobFilePath& file = (*job.points)[i].map;
         if (file.path.isEmpty())
             continue;
-        if (auto error = cannotOpen(file))
-            return error;
         const MapReadResult result = readMapData(file.path, data.maps[i], options);
         if (!data.maps[i].valid)
-            return unusable(file, result.reason, QStringLiteral("2D data with axes"));
+            return unusable(file, result.openError, result.reason,
+                            QStringLiteral("2D data with axes"));
         if (!result.energies.isEmpty())
             data.settings.points[i].energy = numberFromText(result.energies.last());
     }

@@ -25,7 +25,8 @@ QString refusalText(ReadOutcome outcome, const QString& path)
 bool AXafsData::read(const QString& path)
 {
     SpectrumPoints found;
-    const ReadOutcome outcome = readSpectrum(path, found);
+    openError = 0;
+    const ReadOutcome outcome = readSpectrum(path, found, &openError);
     refusal = refusalText(outcome, path);
     if (outcome == ReadOutcome::CannotOpen)
         qDebug() << "Can't open a XAFS file" << path;

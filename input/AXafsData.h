@@ -11,6 +11,7 @@ public:
     bool valid = false; ///< the last file opened held data
     QString fileName;   ///< path of the file last opened
     QString refusal;    ///< one line of plain English: why the last file was not taken
+    int openError = 0;  ///< error number where the last file could not be opened, else 0
 
     /// Reads a spectrum file and fits the Victreen lines. True if the file could be opened and held
     /// data. A file that cannot be opened, or is refused, leaves the record as it was; one without

@@ -138,8 +138,11 @@ MapReadResult readMapData(const QString& path, MapData& data, const MapReadOptio
 {
     MapReadResult result;
     data.valid = false;
-    if (const auto file = InputFile::open(path))
+    int openError = 0;
+    if (const auto file = InputFile::open(path, &openError))
         result = readMapData(*file, data, options, workers);
+    else
+        result.openError = openError;
     result.reason = reasonText(result.outcome, path);
     return result;
 }

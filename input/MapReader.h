@@ -17,6 +17,7 @@ struct MapReadResult {
     /// Read: the record holds the file's data; MapData::valid tells whether they suffice. Otherwise
     /// the record is not valid and keeps its earlier contents.
     ReadOutcome outcome = ReadOutcome::CannotOpen;
+    int openError = 0;    ///< error number where it could not be opened
     QString reason;       ///< one line of plain English; empty where nothing is to be said
     QStringList energies; ///< token 3 of each "ENERGY" line, in the order of the file
 };

@@ -140,9 +140,9 @@ ReadOutcome readSpectrum(const ByteSource& file, SpectrumPoints& points, std::si
     }
 }
 
-ReadOutcome readSpectrum(const QString& path, SpectrumPoints& points)
+ReadOutcome readSpectrum(const QString& path, SpectrumPoints& points, int* openError)
 {
-    const std::unique_ptr<InputFile> file = InputFile::open(path);
+    const std::unique_ptr<InputFile> file = InputFile::open(path, openError);
     if (!file)
         return ReadOutcome::CannotOpen;
     try {

@@ -4,6 +4,47 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/inotify.h>
+#include <unistd.h>
+
+#include <array>
+
+namespace
+{
+
+/// Tells which files of a folder are opened from now on. Closing is listened to as well, since the
+/// system joins two equal events that follow one another.
+class OpenedFiles
+{
+public:
+    explicit OpenedFiles(const QString& folder) : m_events(inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+    {
+        if (inotify_add_watch(m_events, QFile::encodeName(folder), IN_OPEN | IN_CLOSE) < 0)
+            qFatal("cannot watch the folder");
+    }
+    ~OpenedFiles() { close(m_events); }
+    Q_DISABLE_COPY(OpenedFiles)
+
+    QStringList names() const
+    {
+        alignas(inotify_event) std::array<char, 4096> bytes;
+        const ssize_t size = read(m_events, bytes.data(), bytes.size());
+        QStringList found;
+        for (ssize_t at = 0; at < size;) {
+            const auto* event = reinterpret_cast<const inotify_event*>(&bytes[std::size_t(at)]);
+            if ((event->mask & IN_OPEN) != 0)
+                found.append(QFile::decodeName(event->name));
+            at += ssize_t(sizeof(inotify_event) + event->len);
+        }
+        return found;
+    }
+
+private:
+    int m_events;
+};
+
+} // namespace
+
 /// The files of a job, read without a panel.
 class tst_JobData : public QObject
 {
@@ -12,6 +53,7 @@ class tst_JobData : public QObject
 private slots:
     void mapsOfOneScanKeepItsPositionsOnce();
     void lastEnergyOfAHeaderIsTaken();
+    void eachFileIsOpenedOnce();
 
 private:
     QString file(const char* name, const QByteArray& text) const;
@@ -57,6 +99,20 @@ void tst_JobData::lastEnergyOfAHeaderIsTaken()
     QVERIFY2(data, qPrintable(error.reason));
     QCOMPARE(data->settings.points[0].energy, std::optional(8313.0));
     QCOMPARE(data->settings.points[1].energy, std::optional(7125.5));
+}
+
+// The file that is found to open is the one that is read, even if another takes its name meanwhile.
+void tst_JobData::eachFileIsOpenedOnce()
+{
+    Job job;
+    job.spectra[SpectrumSet::Target].path = file("spectrum", "Offset\n1 2 3 4 5\n");
+    job.points.emplace(1);
+    job.points->front().map.path =
+        file("image", "# AXIS 0 a b c d 1\n# AXIS 1 a b c d 1\n1 2 3 4\n");
+    const OpenedFiles opened(m_dir.path());
+    JobError error;
+    QVERIFY2(readJobData(job, error), qPrintable(error.reason));
+    QCOMPARE(opened.names(), QStringList({QStringLiteral("spectrum"), QStringLiteral("image")}));
 }
 
 QTEST_GUILESS_MAIN(tst_JobData)
