@@ -41,10 +41,14 @@ void Displays::addDisp(DispABase* panel, const QString& title, Displays::DispId 
         panel->hide(); // or it would lie over the grid's corner
     panels.append(panel);
     ids.append(id);
-    connect(panel, &DispABase::draw, this, &Displays::receiveDraw);
-    connect(panel, &DispABase::mPressed, this, &Displays::receiveMPressed);
-    connect(panel, &DispABase::mDragging, this, &Displays::receiveMDragging);
-    connect(panel, &DispABase::mReleased, this, &Displays::receiveMReleased);
+    connect(panel, &DispABase::draw, this,
+            [this, panel](QStylePainter* painter) { receiveDraw(panel, painter); });
+    connect(panel, &DispABase::mPressed, this,
+            [this, panel](MouseC* mouse) { emit mPressed(panel, mouse); });
+    connect(panel, &DispABase::mDragging, this,
+            [this, panel](MouseC* mouse) { emit mDragging(panel, mouse); });
+    connect(panel, &DispABase::mReleased, this,
+            [this, panel](MouseC* mouse) { emit mReleased(panel, mouse); });
 }
 
 void Displays::showEvent(QShowEvent* event)
@@ -62,34 +66,10 @@ void Displays::update()
     }
 }
 
-void Displays::receiveDraw(QStylePainter* painter)
+void Displays::receiveDraw(DispABase* from, QStylePainter* painter)
 {
-    const QObject* from = sender();
     for (int i = 0; i < panels.size(); ++i) {
         if (panels[i] == from)
-            emit draw(ids[i], panels[i], painter);
+            emit draw(ids[i], from, painter);
     }
-}
-
-void Displays::receiveMPressed(MouseC* mouse)
-{
-    if (DispABase* panel = sendingPanel())
-        emit mPressed(panel, mouse);
-}
-
-void Displays::receiveMDragging(MouseC* mouse)
-{
-    if (DispABase* panel = sendingPanel())
-        emit mDragging(panel, mouse);
-}
-
-void Displays::receiveMReleased(MouseC* mouse)
-{
-    if (DispABase* panel = sendingPanel())
-        emit mReleased(panel, mouse);
-}
-
-DispABase* Displays::sendingPanel() const
-{
-    return qobject_cast<DispABase*>(sender());
 }

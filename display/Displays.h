@@ -48,15 +48,10 @@ signals:
 public slots:
     /// Repaints all graphs, those in windows of their own too.
     void update();
-    void receiveDraw(QStylePainter* painter);
-    void receiveMPressed(MouseC* mouse);
-    void receiveMDragging(MouseC* mouse);
-    void receiveMReleased(MouseC* mouse);
+    /// Asks for a graph at each place where the panel is registered.
+    void receiveDraw(DispABase* from, QStylePainter* painter);
 
 protected:
     /// Opens no larger than the screen.
     void showEvent(QShowEvent* event) override;
-
-private:
-    DispABase* sendingPanel() const;
 };
