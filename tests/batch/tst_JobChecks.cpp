@@ -1,3 +1,4 @@
+#include "analysis/Constants.h"
 #include "batch/JobChecks.h"
 
 #include <QtTest>
@@ -8,7 +9,6 @@ namespace
 {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 /// Two references around an edge of 8350 eV, and four rows: nothing to doubt.
 JobFacts soundJob()
