@@ -1,31 +1,11 @@
 #pragma once
 
-#include "analysis/MapCalculation.h"
-#include "analysis/TargetResult.h"
+#include "display/ColourMap.h"
 #include "display/GraphFrame.h"
+#include "results/MapGrid.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <vector>
-
-/// Results of a map as its pictures see them; the arrays belong to the map. Pixel (column x, row y)
-/// is at y * columns + x.
-struct MapPixels {
-    int columns = 0;
-    int rows = 0;
-    const double* a = nullptr; ///< fraction of Ref 1 [columns * rows]
-    const double* t = nullptr; ///< thickness ratio [columns * rows]; null where the method has none
-    SharedPositions positions; ///< pixels beyond their number were not measured
-    ReferenceValences valences;
-    std::uint64_t revision = 0; ///< another number whenever the results are others
-
-    std::size_t size() const
-    {
-        return static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows);
-    }
-    /// Whether a pixel was measured and has a finite valence; "missing" counts those that have not.
-    bool hasResult(std::size_t i) const;
-};
 
 /// What a picture shows in colours.
 enum class MapQuantity {
@@ -34,8 +14,56 @@ enum class MapQuantity {
     ValenceByThickness, ///< valence as colour, thickness as its strength
 };
 
-/// What the ends of the colours stand for.
+/// What the ends of the colours stand for; values at the ends have a colour.
 struct MapRanges {
     AxisEnds valence{2.0, 3.0};
     AxisEnds thickness{0.0, 1.0};
 };
+
+/// Pixels whose colour says less than their value.
+struct MapCounts {
+    std::size_t missing = 0; ///< not measured, or the value is no finite number
+    std::size_t below = 0;   ///< the range of the colours
+    std::size_t above = 0;
+    std::size_t thinner = 0; ///< than the range of the strengths, shown as its end
+    std::size_t thicker = 0;
+};
+
+/// Colours of a picture, as codes of 16 bits: 256 colours of the map at 64 strengths, and codes of
+/// their own for what is not in the range. Strength fades to white.
+namespace MapColours
+{
+using Code = std::uint16_t;
+
+constexpr int strengths = 64;
+constexpr Code below = 0xfffc;
+constexpr Code above = 0xfffd;
+constexpr Code nothing = 0xfffe; ///< no pixel lies there
+constexpr Code missing = 0xffff; ///< above all others
+
+/// A colour of the map at a strength from 0 to 63.
+constexpr Code code(int colour, int strength)
+{
+    return static_cast<Code>(strength * 256 + colour);
+}
+
+/// Of all codes [65536]. Without result is a light grey, where colours fade a darker one.
+const std::vector<QRgb>& table(MapQuantity quantity);
+QRgb missingColour(MapQuantity quantity);
+} // namespace MapColours
+
+/// Place of a value in a range cut into equal steps: 0 at its lower end, steps - 1 at its upper end
+/// and below it by less than a step. A range without width is one around its only value.
+int stepOf(double value, const AxisEnds& range, int steps);
+
+/// The codes of a map's cells, row by row from the lowest position, and what is counted in its
+/// legend: pixels, each once, whether a cell shows them or not.
+struct MapCells {
+    int columns = 0;
+    int rows = 0;
+    std::vector<MapColours::Code> codes; ///< [columns * rows]
+    MapCounts counts;
+};
+
+MapCells mapCells(const MapPixels& pixels, const MapGrid& grid, MapQuantity quantity,
+                  const MapRanges& ranges);
