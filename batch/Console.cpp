@@ -11,7 +11,7 @@ void console::say(const QString& text)
 void console::warn(const QString& path, const std::vector<JobError>& doubts)
 {
     for (const JobError& doubt : doubts)
-        say(errorText(path, {doubt.line, QStringLiteral("warning: ") + doubt.reason}));
+        say(warningText(path, doubt));
 }
 
 bool console::print(const QByteArray& text)

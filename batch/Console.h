@@ -12,7 +12,7 @@ namespace console
 
 void say(const QString& text);
 
-/// "file:line: warning: reason" for each doubt.
+/// "file:line:column: warning: reason" for each doubt.
 void warn(const QString& path, const std::vector<JobError>& doubts);
 
 /// Writes to the standard output at once.

@@ -47,15 +47,16 @@ bool usesLine(const SpectrumFacts& spectrum)
 class Doubts
 {
 public:
-    void energy(const QString& what, double energy, int line, const QStringList& outside)
+    void energy(const QString& what, double energy, const JobPlace& place,
+                const QStringList& outside)
     {
         const QString text = what + QLatin1Char(' ') + electronVolts(energy);
         if (looksLikeKiloElectronVolts(energy))
-            add(line, text + QStringLiteral(" looks like keV; energies are in eV"));
+            add(place, text + QStringLiteral(" looks like keV; energies are in eV"));
         else if (!outside.isEmpty())
-            add(line, text + QStringLiteral(" is outside ") + outside.join(QStringLiteral(", ")));
+            add(place, text + QStringLiteral(" is outside ") + outside.join(QStringLiteral(", ")));
     }
-    void add(int line, const QString& reason) { found.push_back({line, reason}); }
+    void add(const JobPlace& place, const QString& reason) { found.push_back({place, reason}); }
 
     std::vector<JobError> found;
 };
@@ -70,10 +71,10 @@ void checkEnergies(const JobFacts& facts, Doubts& doubts)
         return names;
     };
     for (const RowFacts& row : facts.rows)
-        doubts.energy(QStringLiteral("energy"), row.energy, row.line,
+        doubts.energy(QStringLiteral("energy"), row.energy, row.place,
                       notReached(row.energy, false));
     if (std::any_of(facts.spectra.begin(), facts.spectra.end(), usesLine))
-        doubts.energy(QStringLiteral("edge"), facts.edge, facts.edgeLine,
+        doubts.energy(QStringLiteral("edge"), facts.edge, facts.edgePlace,
                       notReached(facts.edge, true));
 }
 
@@ -83,33 +84,34 @@ void checkOverlap(const std::vector<SpectrumFacts>& spectra, Doubts& doubts)
         for (std::size_t k = i + 1; k < spectra.size(); ++k)
             if (spectra[i].energyMax < spectra[k].energyMin ||
                 spectra[k].energyMax < spectra[i].energyMin)
-                doubts.add(spectra[k].line, QStringLiteral("%1 and %2 have no energy in common")
-                                                .arg(rangeText(spectra[i]), rangeText(spectra[k])));
+                doubts.add(spectra[k].place,
+                           QStringLiteral("%1 and %2 have no energy in common")
+                               .arg(rangeText(spectra[i]), rangeText(spectra[k])));
 }
 
 /// @param points  that a line of three coefficients goes through, if there is to be one
 void checkLine(const std::optional<int>& points, const QString& line, const QString& name,
-               int lineOfTheJob, Doubts& doubts)
+               const JobPlace& place, Doubts& doubts)
 {
     if (points && *points < coefficients)
-        doubts.add(lineOfTheJob, QStringLiteral("the %1 line of %2 goes through %3 points; it "
-                                                "needs %4")
-                                     .arg(line, name)
-                                     .arg(*points)
-                                     .arg(coefficients));
+        doubts.add(place, QStringLiteral("the %1 line of %2 goes through %3 points; it "
+                                         "needs %4")
+                              .arg(line, name)
+                              .arg(*points)
+                              .arg(coefficients));
 }
 
 void checkSpectrum(const SpectrumFacts& spectrum, const JobFacts& facts, Doubts& doubts)
 {
     if (spectrum.fallsAt)
-        doubts.add(spectrum.line,
+        doubts.add(spectrum.place,
                    QStringLiteral("the energies of %1 fall at %2 eV; from row to row they are "
                                   "taken to rise")
                        .arg(spectrum.name, electronVolts(*spectrum.fallsAt)));
     checkLine(spectrum.preEdgePoints, QStringLiteral("pre-edge"), spectrum.name,
-              facts.preEdgeEndLine, doubts);
+              facts.preEdgeEndPlace, doubts);
     checkLine(spectrum.postEdgePoints, QStringLiteral("post-edge"), spectrum.name,
-              facts.postEdgeStartLine, doubts);
+              facts.postEdgeStartPlace, doubts);
 }
 
 void checkFraction(const std::optional<double>& a, const std::optional<double>& valence,
@@ -118,9 +120,9 @@ void checkFraction(const std::optional<double>& a, const std::optional<double>& 
     if (!a || !valence)
         return;
     if (!std::isfinite(*a) || !std::isfinite(*valence))
-        doubts.add(0, QStringLiteral("the result of %1 is no finite number").arg(method));
+        doubts.add({}, QStringLiteral("the result of %1 is no finite number").arg(method));
     else if (*a < lowestFraction || *a > highestFraction)
-        doubts.add(0, QStringLiteral("a = %1 of %2 is far outside 0 to 1").arg(*a).arg(method));
+        doubts.add({}, QStringLiteral("a = %1 of %2 is far outside 0 to 1").arg(*a).arg(method));
 }
 
 } // namespace
@@ -133,12 +135,12 @@ std::vector<JobError> doubtsBefore(const JobFacts& facts)
         checkSpectrum(spectrum, facts, doubts);
     checkOverlap(facts.spectra, doubts);
     for (const QString& name : facts.missingForLcf)
-        doubts.add(0, QStringLiteral("the linear combination fit has no %1").arg(name));
+        doubts.add({}, QStringLiteral("the linear combination fit has no %1").arg(name));
     if (facts.missingForLcf.empty() && facts.lcfPoints && *facts.lcfPoints < coefficients)
-        doubts.add(0, QStringLiteral("the range of the linear combination fit holds %1 points of "
-                                     "target; it needs %2")
-                          .arg(*facts.lcfPoints)
-                          .arg(coefficients));
+        doubts.add({}, QStringLiteral("the range of the linear combination fit holds %1 points of "
+                                      "target; it needs %2")
+                           .arg(*facts.lcfPoints)
+                           .arg(coefficients));
     return doubts.found;
 }
 
@@ -146,7 +148,7 @@ std::vector<JobError> doubtsAfter(const JobResults& results)
 {
     Doubts doubts;
     if (!results.anyFinitePixel.value_or(true))
-        doubts.add(0, QStringLiteral("no pixel of the map has a finite result"));
+        doubts.add({}, QStringLiteral("no pixel of the map has a finite result"));
     checkFraction(results.a, results.valence, QStringLiteral("the point method"), doubts);
     checkFraction(results.lcfA, results.lcfValence, QStringLiteral("the linear combination fit"),
                   doubts);

@@ -10,7 +10,7 @@
 /// A spectrum that the calculations of a job use.
 struct SpectrumFacts {
     QString name; ///< "ref1"
-    int line = 0; ///< of the job file
+    JobPlace place;
     double energyMin = 0.0;
     double energyMax = 0.0;            ///< eV
     std::optional<double> fallsAt;     ///< eV; the first energy that is below the one before
@@ -21,8 +21,8 @@ struct SpectrumFacts {
 
 /// A row of the point table whose energy counts.
 struct RowFacts {
-    int line = 0;        ///< of the job file; 0 where the job does not give it
     double energy = 0.0; ///< eV
+    JobPlace place;      ///< none where the job does not give the row
 };
 
 /// What a job amounts to when its settings are made and its files are read.
@@ -30,9 +30,9 @@ struct JobFacts {
     std::vector<SpectrumFacts> spectra;
     std::vector<RowFacts> rows;
     double edge = 0.0; ///< eV
-    int edgeLine = 0;
-    int preEdgeEndLine = 0;
-    int postEdgeStartLine = 0;
+    JobPlace edgePlace;
+    JobPlace preEdgeEndPlace;
+    JobPlace postEdgeStartPlace;
     std::vector<QString> missingForLcf; ///< names of the spectra that the fit lacks
     std::optional<int> lcfPoints; ///< of the target in the range of the fit, if there is to be one
 };
@@ -48,8 +48,8 @@ struct JobResults {
 
 /// What a physicist would doubt before the calculation: energies that look like keV or that a
 /// spectrum does not reach, spectra whose energies fall or that have no range in common, an edge
-/// outside a spectrum whose lines are used, fits through too few points. Each with its line in the
-/// job, 0 where it has none; empty where there is nothing to doubt.
+/// outside a spectrum whose lines are used, fits through too few points. Each with its place in the
+/// job, if it has one; empty where there is nothing to doubt.
 std::vector<JobError> doubtsBefore(const JobFacts& facts);
 
 /// What a physicist would doubt of the results: `a` far outside 0 to 1, what is no finite number.

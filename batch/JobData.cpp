@@ -16,11 +16,11 @@ JobError unusable(const JobFilePath& file, int openError, const QString& refusal
                   const QString& what)
 {
     if (openError != 0)
-        return {file.line,
+        return {file.place,
                 QStringLiteral("cannot open %1: %2").arg(file.path, whyNotOpened(openError))};
     if (!refusal.isEmpty())
-        return {file.line, refusal};
-    return {file.line, QStringLiteral("no %1 in %2").arg(what, file.path)};
+        return {file.place, refusal};
+    return {file.place, QStringLiteral("no %1 in %2").arg(what, file.path)};
 }
 
 std::optional<JobError> readSpectrum(const JobFilePath& file, std::size_t i, JobData& data)

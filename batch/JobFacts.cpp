@@ -31,9 +31,9 @@ public:
     {
         JobFacts facts;
         facts.edge = m_data.settings.edge;
-        facts.edgeLine = m_job.edgeLine;
-        facts.preEdgeEndLine = m_job.preEdgeEndLine;
-        facts.postEdgeStartLine = m_job.postEdgeStartLine;
+        facts.edgePlace = m_job.edgePlace;
+        facts.preEdgeEndPlace = m_job.preEdgeEndPlace;
+        facts.postEdgeStartPlace = m_job.postEdgeStartPlace;
         for (std::size_t i = 0; i < spectrumKeys.size(); ++i) {
             const bool read = m_data.spectra[i] != nullptr;
             if (read && useOf(i).any)
@@ -71,7 +71,7 @@ private:
         const SpectrumPoints& points = record.points;
         SpectrumFacts facts;
         facts.name = QLatin1String(spectrumKeys[i]);
-        facts.line = m_job.spectra[i].line;
+        facts.place = m_job.spectra[i].place;
         facts.energyMin = record.energyMin;
         facts.energyMax = record.energyMax;
         const auto falls = [](const SpectrumPoint& a, const SpectrumPoint& b) {
@@ -101,7 +101,7 @@ private:
             const bool counts = (m_points && points[i].use) || (m_range && points[i].tRatio);
             const bool given = m_job.points && i < m_job.points->size();
             if (counts && points[i].energy)
-                found.push_back({given ? (*m_job.points)[i].line : 0, *points[i].energy});
+                found.push_back({*points[i].energy, given ? (*m_job.points)[i].place : JobPlace()});
         }
         return found;
     }

@@ -4,15 +4,25 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <array>
 #include <optional>
 #include <vector>
 
+/// Where in the job something stands.
+struct JobPlace {
+    int line = 0;   ///< 0 where the job does not give it, or could not be read at all
+    int column = 0; ///< characters, 1 for the first; 0 where only the line is known
+    QString key;    ///< "edge.energy"; empty where it belongs to none
+};
+
+bool isBefore(const JobPlace& place, const JobPlace& other);
+
 /// A file that a job names.
 struct JobFilePath {
     QString path; ///< empty: not given
-    int line = 0; ///< of the job file
+    JobPlace place;
 };
 
 /// A job's keys of its spectra, in the order of SpectrumSet.
@@ -21,13 +31,33 @@ constexpr std::array<const char*, SpectrumSet::count> spectrumKeys{"ref1", "ref2
 
 /// A row of the point table. Numbers are kept as the texts that a user would type.
 struct JobPoint {
-    QString energy; ///< eV
-    int line = 0;   ///< of the energy
+    QString energy;     ///< eV
+    QString energyText; ///< as it stands in the job, "8390.0"
+    JobPlace place;     ///< of the energy
     bool use = true;
     bool tRatio = false;
     bool vPoint = false;
     JobFilePath map; ///< 2D data
 };
+
+/// A map of a night: images of its own, with the points and conditions of the job.
+struct JobMap {
+    QString name; ///< of its folder
+    JobPlace place;
+    std::vector<JobFilePath> images; ///< one for each [[point]], an empty path for none; or
+    JobFilePath pattern;             ///< "area_{row}.txt", as it stands in the job
+};
+
+/// The boxes of a histogram.
+struct JobHistogram {
+    QString from; ///< centre of the first box
+    QString to;   ///< centre of the last box
+    QString boxes;
+    JobPlace place;
+};
+
+/// Of what is made to be read.
+enum class Language { English, Japanese };
 
 /// What to do without a window: the settings that differ from the form's defaults and the
 /// calculations to run. Whatever is empty stays as the form has it.
@@ -37,16 +67,23 @@ struct Job {
 
     /// Names and patterns of many targets, as they stand in the job; not together with a target.
     std::vector<JobFilePath> targets;
-    JobFilePath output; ///< folder of the results of many targets
+    std::vector<JobMap> maps;
+    JobFilePath output;    ///< folder of the results of targets and maps
+    bool pictures = false; ///< the graphs and maps as files
+    bool report = true;    ///< a page that shows all results
+    bool mapFiles = true;  ///< result file and histogram files of each map
+    Language language = Language::English;
 
     QString edge;          ///< eV
     QString preEdgeEnd;    ///< eV, against the edge
     QString postEdgeStart; ///< eV, against the edge
-    int edgeLine = 0;      ///< of the job file; 0 where it is not given
-    int preEdgeEndLine = 0;
-    int postEdgeStartLine = 0;
+    JobPlace edgePlace;
+    JobPlace preEdgeEndPlace;
+    JobPlace postEdgeStartPlace;
     QString valence1;
     QString valence2;
+    JobHistogram valenceHistogram;
+    JobHistogram thicknessHistogram;
 
     /// Rows 1 to n of the point table; then the other rows are empty and not used. Without any the
     /// table is as the form has it.
@@ -65,18 +102,21 @@ struct Job {
     bool calculateMap = false; ///< and written, where there is a result file
 };
 
-/// Why a job cannot be used.
+/// Why a job cannot be used, or what there is to doubt.
 struct JobError {
-    int line = 0; ///< of the job file; 0 where it could not be read at all
+    JobPlace place;
     QString reason;
 };
 
-/// "file:line: reason", without the line where there is none.
+/// "file:line:column: key: reason", without what is not known of the place.
 QString errorText(const QString& file, const JobError& error);
 
+/// The same of a doubt: "file:line:column: warning: reason".
+QString warningText(const QString& file, const JobError& doubt);
+
 /// Reads the text of a job file (TOML, UTF-8). Nesting that no job has, keys that are not known,
-/// values of another type than expected, and more rows than the table has are errors; the first one
-/// in the text is reported.
+/// values of another type than expected or out of all reason, and more rows than the table has are
+/// errors; the first one in the text is reported.
 /// @param folder  what relative paths of spectra start from
 /// @param error   is set where nothing comes back
 std::optional<Job> parseJob(const QByteArray& text, const QString& folder, JobError& error);
@@ -84,3 +124,6 @@ std::optional<Job> parseJob(const QByteArray& text, const QString& folder, JobEr
 /// Reads a job file; its own folder is what relative paths start from. Only a regular file of at
 /// most 1 MiB is read.
 std::optional<Job> readJob(const QString& path, JobError& error);
+
+/// All keys that a job can have, "files.ref1", "point.energy"; a table is there by its keys only.
+QStringList jobKeys();

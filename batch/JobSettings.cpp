@@ -11,6 +11,13 @@ void takeIfGiven(const QString& text, double& value)
         value = numberFromText(text);
 }
 
+void takeIfGiven(const JobHistogram& given, HistogramSettings& settings)
+{
+    takeIfGiven(given.from, settings.first);
+    takeIfGiven(given.to, settings.last);
+    takeIfGiven(given.boxes, settings.boxes);
+}
+
 } // namespace
 
 Settings settingsOf(const Job& job)
@@ -31,6 +38,8 @@ Settings settingsOf(const Job& job)
             chosen = {numberFromText(given.energy), given.use, given.tRatio, given.vPoint};
         }
     }
+    takeIfGiven(job.valenceHistogram, settings.valenceHistogram);
+    takeIfGiven(job.thicknessHistogram, settings.thicknessHistogram);
     Conditions& conditions = settings.conditions;
     conditions.thickness = job.thickness.value_or(conditions.thickness);
     conditions.referencesMinusVictreen =

@@ -63,7 +63,7 @@ QString whyUnwritable(const QString& path)
 std::optional<JobError> checkResultPath(const Job& job, const QString& jobPath)
 {
     const QString path = job.mapResult.path;
-    const auto wrong = [&](const QString& reason) { return JobError{job.mapResult.line, reason}; };
+    const auto wrong = [&](const QString& reason) { return JobError{job.mapResult.place, reason}; };
     if (path.isEmpty())
         return std::nullopt;
     if (QFileInfo(path).isDir())
@@ -88,7 +88,7 @@ std::optional<JobError> checkResultPath(const Job& job, const QString& jobPath)
 std::optional<JobError> checkOutput(const Job& job, const QString& jobPath,
                                     const std::vector<JobFilePath>& targets, const QString& path)
 {
-    const auto wrong = [&](const QString& reason) { return JobError{job.output.line, reason}; };
+    const auto wrong = [&](const QString& reason) { return JobError{job.output.place, reason}; };
     const QFileInfo folder(job.output.path);
     if (folder.exists() && !folder.isDir())
         return wrong(QStringLiteral("the output folder is a file: %1").arg(job.output.path));

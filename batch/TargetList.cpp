@@ -43,9 +43,14 @@ QByteArrayList matches(const QString& folder, const QString& pattern)
 
 } // namespace
 
+QString literalPattern(const QString& path)
+{
+    return QFile::decodeName(literally(QFile::encodeName(path)));
+}
+
 std::optional<std::vector<JobFilePath>> targetList(const Job& job, JobError& error)
 {
-    std::map<QByteArray, int> lines; // by the bytes of the path
+    std::map<QByteArray, JobPlace> places; // by the bytes of the path
     for (const JobFilePath& given : job.targets) {
         const QString path = QDir(job.folder).filePath(given.path);
         QByteArrayList files{QFile::encodeName(path)};
@@ -53,15 +58,16 @@ std::optional<std::vector<JobFilePath>> targetList(const Job& job, JobError& err
         if (!QFileInfo::exists(path))
             files = matches(job.folder, given.path);
         if (files.isEmpty()) {
-            error = {given.line, QStringLiteral("no file is named, or matched by, %1").arg(path)};
+            error = {given.place, QStringLiteral("no file is named, or matched by, %1").arg(path)};
             return std::nullopt;
         }
         for (const QByteArray& file : files)
-            lines.emplace(QFile::encodeName(QDir::cleanPath(QFile::decodeName(file))), given.line);
+            places.emplace(QFile::encodeName(QDir::cleanPath(QFile::decodeName(file))),
+                           given.place);
     }
     std::vector<JobFilePath> targets;
-    targets.reserve(lines.size());
-    for (const auto& [path, line] : lines)
-        targets.push_back({QFile::decodeName(path), line});
+    targets.reserve(places.size());
+    for (const auto& [path, place] : places)
+        targets.push_back({QFile::decodeName(path), place});
     return targets;
 }

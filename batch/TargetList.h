@@ -11,3 +11,6 @@
 /// @param error  is set where nothing comes back: a name without a file, or a pattern without a
 ///               match, with its line in the job
 std::optional<std::vector<JobFilePath>> targetList(const Job& job, JobError& error);
+
+/// A pattern that only the file of this very path matches.
+QString literalPattern(const QString& path);

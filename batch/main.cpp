@@ -31,7 +31,7 @@ int report(const QString& path, const Job& job, const RunReport& run)
         return complain(QStringLiteral("The report cannot be written."), ExitStatus::FileFailed);
     if (run.resultNotWritten)
         return complain(
-            errorText(path, {job.mapResult.line,
+            errorText(path, {job.mapResult.place,
                              QStringLiteral("cannot write %1").arg(job.mapResult.path)}),
             ExitStatus::FileFailed);
     const bool good = !run.refused && areFinite(run.results);
@@ -119,7 +119,7 @@ int run()
     const std::optional<Job> job = readJob(options.job, error);
     if (!job)
         return complain(errorText(options.job, error));
-    if (!job->targets.empty())
+    if (!job->output.path.isEmpty())
         return static_cast<int>(analyseTargets(options.job, *job, options.run));
     if (options.run.listOnly)
         return static_cast<int>(listTargets({job->spectra[SpectrumSet::Target]}, options.run));

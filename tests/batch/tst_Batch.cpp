@@ -319,14 +319,14 @@ void tst_Batch::refusedMap()
     const QString missing =
         write(QStringLiteral("missing.toml"), "calculate = [\"map\"]\n" + point + "\"no.dat\"\n");
     const Output noFile = run({missing});
-    QCOMPARE(noFile.errors, missing + QStringLiteral(":5: cannot open ") +
+    QCOMPARE(noFile.errors, missing + QStringLiteral(":5:7: point.map: cannot open ") +
                                 m_dir.filePath(QStringLiteral("no.dat")) +
                                 QStringLiteral(": there is no such file\n"));
     QCOMPARE(noFile.status, 2);
     write(QStringLiteral("plain.dat"), "1 2 3 4\n");
     const QString plain = write(QStringLiteral("plain.toml"), point + "\"plain.dat\"\n");
     const Output noAxes = run({plain});
-    QCOMPARE(noAxes.errors, plain + QStringLiteral(":4: no 2D data with axes in ") +
+    QCOMPARE(noAxes.errors, plain + QStringLiteral(":4:7: point.map: no 2D data with axes in ") +
                                 m_dir.filePath(QStringLiteral("plain.dat")) + QLatin1Char('\n'));
     QCOMPARE(noAxes.status, 2);
 }
@@ -339,7 +339,7 @@ void tst_Batch::mapTooLarge()
         write(QStringLiteral("huge.toml"), "[[point]]\nenergy = 8390\nv_point = true\n"
                                            "map = \"huge.dat\"\n");
     const Output output = run({job});
-    QCOMPARE(output.errors, job + QStringLiteral(":4: The 2D data file [") +
+    QCOMPARE(output.errors, job + QStringLiteral(":4:7: point.map: The 2D data file [") +
                                 m_dir.filePath(QStringLiteral("huge.dat")) +
                                 QStringLiteral("] is too large.\n"));
     QCOMPARE(output.text, QString());
@@ -352,8 +352,8 @@ void tst_Batch::spectrumTooLarge()
     QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(qint64{20} << 30));
     const QString job = write(QStringLiteral("sparse.toml"), "\n[files]\nref1 = \"sparse.dat\"\n");
     const Output output = run({job});
-    QCOMPARE(output.errors, job + QStringLiteral(":3: The spectrum file [") + file.fileName() +
-                                QStringLiteral("] is too large.\n"));
+    QCOMPARE(output.errors, job + QStringLiteral(":3:8: files.ref1: The spectrum file [") +
+                                file.fileName() + QStringLiteral("] is too large.\n"));
     QCOMPARE(output.status, 2);
 }
 
@@ -385,7 +385,8 @@ void tst_Batch::limitOfFileSize()
     QCOMPARE(output.status, 3);
     QCOMPARE(output.text.section(QLatin1Char('\n'), 1),
              QStringLiteral("Can't write the file [%1]\nMap: 24 x 16 pixels\n").arg(result));
-    QCOMPARE(output.errors, QStringLiteral("%1:15: cannot write %2\n").arg(job, result));
+    QCOMPARE(output.errors,
+             QStringLiteral("%1:15:14: files.map_result: cannot write %2\n").arg(job, result));
     QCOMPARE(contents(result), QByteArray("earlier"));
     QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), before);
 }
@@ -397,8 +398,10 @@ void tst_Batch::nothingReadIsWritten()
     const QByteArray text = "[files]\nref1 = \"read.dat\"\nmap_result = \"./read.dat\"\n";
     const QString job = write(QStringLiteral("over.toml"), text);
     const Output output = run({job});
-    QCOMPARE(output.errors, job + QStringLiteral(":3: map_result would be written over ref1: ") +
-                                m_dir.filePath(QStringLiteral("./read.dat\n")));
+    QCOMPARE(
+        output.errors,
+        job + QStringLiteral(":3:14: files.map_result: map_result would be written over ref1: ") +
+            m_dir.filePath(QStringLiteral("./read.dat\n")));
     QCOMPARE(output.text, QString());
     QCOMPARE(output.status, 2);
     QCOMPARE(contents(m_dir.filePath(QStringLiteral("read.dat"))), QByteArray("measured"));
@@ -417,28 +420,30 @@ void tst_Batch::doubts_data()
     const QByteArray points = "[[point]]\nenergy = 8313\n[[point]]\nenergy = 8404.5\n[[point]]\n"
                               "v_point = true\nenergy = ";
     row("keV", target + points + "8.39\n[conditions]\nreferences_minus_victreen = false\n",
-        "JOB:13: warning: energy 8.39 looks like keV; energies are in eV\n"
+        "JOB:13:10: warning: energy 8.39 looks like keV; energies are in eV\n"
         "JOB: warning: a = * of the point method is far outside 0 to 1\n",
         0);
     row("beyond the spectra",
         target + "[[point]]\nenergy = 8381\n" + points +
             "9999\n[conditions]\nreferences_minus_victreen = false\n",
-        "JOB:15: warning: energy 9999 is outside ref1 (8000 to 9250 eV), ref2 (8000 to 9250 eV), "
+        "JOB:15:10: warning: energy 9999 is outside ref1 (8000 to 9250 eV), ref2 (8000 to 9250 "
+        "eV), "
         "target (8000 to 9250 eV), blank (8000 to 9250 eV)\n"
         "JOB: warning: the result of the point method is no finite number\n",
         1);
     row("edge and range of another element",
         target + points + "8390\n[edge]\nenergy = 11103\npost_edge_start = 20\n",
-        "JOB:15: warning: edge 11103 is outside ref1 (8000 to 9250 eV), ref2 (8000 to 9250 eV)\n"
-        "JOB:16: warning: the post-edge line of ref1 goes through 0 points; it needs 3\n"
-        "JOB:16: warning: the post-edge line of ref2 goes through 0 points; it needs 3\n"
+        "JOB:15:10: warning: edge 11103 is outside ref1 (8000 to 9250 eV), ref2 (8000 to 9250 eV)\n"
+        "JOB:16:19: warning: the post-edge line of ref1 goes through 0 points; it needs 3\n"
+        "JOB:16:19: warning: the post-edge line of ref2 goes through 0 points; it needs 3\n"
         "JOB: warning: the result of the point method is no finite number\n",
         1);
     row("falling spectrum",
         "calculate = [\"target\"]\n[files]\nref1 = \"ref1.dat\"\nref2 = \"ref2.dat\"\n"
         "blank = \"blank.dat\"\ntarget = \"falling.dat\"\n" +
             points + "8390\n",
-        "JOB:6: warning: the energies of target fall at 9248 eV; from row to row they are taken to "
+        "JOB:6:10: warning: the energies of target fall at 9248 eV; from row to row they are taken "
+        "to "
         "rise\n",
         0);
     row("fit without a target",
@@ -513,7 +518,8 @@ void tst_Batch::noMemory()
     QCOMPARE(output.errors, QStringLiteral("There is not enough memory.\n"));
     QCOMPARE(output.text, QString());
     QCOMPARE(output.status, 2);
-    QVERIFY(runWithin(most, large).errors.startsWith(large + QStringLiteral(":1: unknown key")));
+    QVERIFY(
+        runWithin(most, large).errors.startsWith(large + QStringLiteral(":1:1: a0: unknown key")));
 }
 
 void tst_Batch::deepJobOnASmallStack_data()
@@ -603,20 +609,22 @@ void tst_Batch::badJobs_data()
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("expected");
     QTest::newRow("wrong key") << QByteArray("\n\nedge = 8350\n")
-                               << QStringLiteral("JOB:3: edge is a table: [edge]\n");
+                               << QStringLiteral("JOB:3:8: edge: must be a table: [edge]\n");
     QTest::newRow("missing spectrum")
         << QByteArray("[files]\nref1 = \"ref1.dat\"\nref2 = \"ref3.dat\"\n")
-        << QStringLiteral("JOB:3: cannot open DIR/ref3.dat: there is no such file\n");
+        << QStringLiteral("JOB:3:8: files.ref2: cannot open DIR/ref3.dat: there is no such file\n");
     QTest::newRow("no data") << QByteArray("[files]\nref1 = \"ref1.dat\"\nref2 = \"bad.toml\"\n")
-                             << QStringLiteral("JOB:3: no spectrum in DIR/bad.toml\n");
+                             << QStringLiteral(
+                                    "JOB:3:8: files.ref2: no spectrum in DIR/bad.toml\n");
     QTest::newRow("folder") << QByteArray("[files]\nblank = \".\"\n")
-                            << QStringLiteral("JOB:2: cannot open DIR/.: it is a folder\n");
-    QTest::newRow("nowhere")
-        << QByteArray("[files]\n\ntarget = \"/none/100%1 \\\"x\\\".dat\"\n")
-        << QStringLiteral("JOB:3: cannot open /none/100%1 \"x\".dat: there is no such file\n");
-    QTest::newRow("device") << QByteArray("[files]\nref1 = \"/dev/zero\"\n")
                             << QStringLiteral(
-                                   "JOB:2: cannot open /dev/zero: it is no regular file\n");
+                                   "JOB:2:9: files.blank: cannot open DIR/.: it is a folder\n");
+    QTest::newRow("nowhere") << QByteArray("[files]\n\ntarget = \"/none/100%1 \\\"x\\\".dat\"\n")
+                             << QStringLiteral("JOB:3:10: files.target: cannot open /none/100%1 "
+                                               "\"x\".dat: there is no such file\n");
+    QTest::newRow("device")
+        << QByteArray("[files]\nref1 = \"/dev/zero\"\n")
+        << QStringLiteral("JOB:2:8: files.ref1: cannot open /dev/zero: it is no regular file\n");
 }
 
 void tst_Batch::badJobs()

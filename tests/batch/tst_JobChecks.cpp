@@ -10,17 +10,22 @@ namespace
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
+JobPlace inLine(int line)
+{
+    return {line, 0, {}};
+}
+
 /// Two references around an edge of 8350 eV, and four rows: nothing to doubt.
 JobFacts soundJob()
 {
     JobFacts facts;
-    facts.spectra = {{QStringLiteral("ref1"), 2, 8000, 9000, {}, 100, 200},
-                     {QStringLiteral("ref2"), 3, 8100, 9100, {}, 100, 200}};
-    facts.rows = {{11, 8313}, {13, 8381}, {15, 8390}, {17, 8404.5}};
+    facts.spectra = {{QStringLiteral("ref1"), inLine(2), 8000, 9000, {}, 100, 200},
+                     {QStringLiteral("ref2"), inLine(3), 8100, 9100, {}, 100, 200}};
+    facts.rows = {{8313, inLine(11)}, {8381, inLine(13)}, {8390, inLine(15)}, {8404.5, inLine(17)}};
     facts.edge = 8350;
-    facts.edgeLine = 20;
-    facts.preEdgeEndLine = 21;
-    facts.postEdgeStartLine = 22;
+    facts.edgePlace = inLine(20);
+    facts.preEdgeEndPlace = inLine(21);
+    facts.postEdgeStartPlace = inLine(22);
     facts.lcfPoints = 50;
     return facts;
 }
@@ -156,14 +161,14 @@ void tst_JobChecks::spectraWithoutCommonEnergies()
 {
     JobFacts facts = soundJob();
     facts.rows.clear();
-    facts.spectra = {{QStringLiteral("ref1"), 2, 8000, 9000, {}, {}, {}},
-                     {QStringLiteral("ref2"), 3, 9000.5, 9100, {}, {}, {}}};
+    facts.spectra = {{QStringLiteral("ref1"), inLine(2), 8000, 9000, {}, {}, {}},
+                     {QStringLiteral("ref2"), inLine(3), 9000.5, 9100, {}, {}, {}}};
     QCOMPARE(before(facts),
              QStringList({QStringLiteral("job:3: ref1 (8000 to 9000 eV) and ref2 (9000.5 to 9100 "
                                          "eV) have no energy in common")}));
-    facts.spectra = {{QStringLiteral("ref1"), 2, 8000, 9000, {}, {}, {}},
-                     {QStringLiteral("ref2"), 3, 9000, 9100, {}, {}, {}},
-                     {QStringLiteral("target"), 4, 7000, 7999.5, {}, {}, {}}};
+    facts.spectra = {{QStringLiteral("ref1"), inLine(2), 8000, 9000, {}, {}, {}},
+                     {QStringLiteral("ref2"), inLine(3), 9000, 9100, {}, {}, {}},
+                     {QStringLiteral("target"), inLine(4), 7000, 7999.5, {}, {}, {}}};
     QCOMPARE(before(facts),
              QStringList({QStringLiteral("job:4: ref1 (8000 to 9000 eV) and target (7000 to 7999.5 "
                                          "eV) have no energy in common"),

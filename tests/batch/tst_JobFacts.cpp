@@ -29,7 +29,7 @@ struct Case {
     Case()
     {
         job.calculateTarget = job.calculateLcf = job.calculateMap = false;
-        job.spectra[SpectrumSet::Target].line = 4;
+        job.spectra[SpectrumSet::Target].place.line = 4;
         data.spectra.fill(spectrum());
         data.settings.conditions.referencesMinusVictreen = false;
     }
@@ -123,7 +123,7 @@ void tst_JobFacts::energiesOfASpectrum()
     test.job.calculateTarget = true;
     test.data.spectra[SpectrumSet::Target] = spectrum({8200, 8250, 8240, 8300, 8100});
     const SpectrumFacts target = test.facts().spectra[SpectrumSet::Target];
-    QCOMPARE(target.line, 4);
+    QCOMPARE(target.place.line, 4);
     QCOMPARE(target.energyMin, 8100.0);
     QCOMPARE(target.energyMax, 8300.0);
     QCOMPARE(target.fallsAt, std::optional(8240.0));
@@ -134,7 +134,7 @@ void tst_JobFacts::rowsThatCount()
 {
     Case test;
     test.job.points.emplace(2);
-    (*test.job.points)[1].line = 17;
+    (*test.job.points)[1].place.line = 17;
     test.data.settings.points = {{8210, true, false, false},
                                  {8220, false, true, false},
                                  {8230, false, true, false},
@@ -149,9 +149,9 @@ void tst_JobFacts::rowsThatCount()
     const JobFacts facts = test.facts();
     QCOMPARE(facts.rows.size(), std::size_t{2});
     QCOMPARE(facts.rows[0].energy, 8220.0);
-    QCOMPARE(facts.rows[0].line, 17);
+    QCOMPARE(facts.rows[0].place.line, 17);
     QCOMPARE(facts.rows[1].energy, 8230.0);
-    QCOMPARE(facts.rows[1].line, 0); // the job gives two rows only
+    QCOMPARE(facts.rows[1].place.line, 0); // the job gives two rows only
 }
 
 void tst_JobFacts::pointsOfTheFit()

@@ -1,4 +1,5 @@
 #include "batch/JobFile.h"
+#include "batch/JobSettings.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -34,6 +35,12 @@ private slots:
     void calculationsAreChosen();
     void errorsHaveLineAndReason_data();
     void errorsHaveLineAndReason();
+    void mapsAreTaken();
+    void outputAndHistogramsAreTaken();
+    void nonsenseOfMapsIsRefused_data();
+    void nonsenseOfMapsIsRefused();
+    void mapsFitTheirJob_data();
+    void mapsFitTheirJob();
     void errorTextTakesNamesAsTheyAre();
     void syntaxErrorsHaveALine();
     void unreadableJobs();
@@ -85,28 +92,28 @@ void tst_JobFile::everySettingIsTaken()
                            "victreen = \"pre\"\n"
                            "method = \"exact\"\n");
     QCOMPARE(job.spectra[SpectrumSet::Ref1].path, QStringLiteral("/data/a.dat"));
-    QCOMPARE(job.spectra[SpectrumSet::Ref1].line, 2);
+    QCOMPARE(job.spectra[SpectrumSet::Ref1].place.line, 2);
     QCOMPARE(job.spectra[SpectrumSet::Ref2].path, QStringLiteral("/other/b.dat"));
     QCOMPARE(job.spectra[SpectrumSet::Target].path, QStringLiteral("/data/sub/c.dat"));
     QCOMPARE(job.spectra[SpectrumSet::Blank].path, QStringLiteral("/data/../d.dat"));
-    QCOMPARE(job.spectra[SpectrumSet::Blank].line, 5);
+    QCOMPARE(job.spectra[SpectrumSet::Blank].place.line, 5);
     QCOMPARE(job.edge, QStringLiteral("7120"));
     QCOMPARE(job.preEdgeEnd, QStringLiteral("-30"));
     QCOMPARE(job.postEdgeStart, QStringLiteral("100.5"));
-    QCOMPARE(job.edgeLine, 7);
-    QCOMPARE(job.preEdgeEndLine, 8);
-    QCOMPARE(job.postEdgeStartLine, 9);
+    QCOMPARE(job.edgePlace.line, 7);
+    QCOMPARE(job.preEdgeEndPlace.line, 8);
+    QCOMPARE(job.postEdgeStartPlace.line, 9);
     QCOMPARE(job.valence1, QStringLiteral("2"));
     QCOMPARE(job.valence2, QStringLiteral("2.5"));
     QVERIFY(job.points);
     QCOMPARE(job.points->size(), std::size_t(2));
     const JobPoint& first = job.points->at(0);
     QCOMPARE(first.energy, QStringLiteral("7090"));
-    QCOMPARE(first.line, 14);
+    QCOMPARE(first.place.line, 14);
     QVERIFY(first.use && first.tRatio && !first.vPoint);
     const JobPoint& second = job.points->at(1);
     QCOMPARE(second.energy, QStringLiteral("7130.2"));
-    QCOMPARE(second.line, 17);
+    QCOMPARE(second.place.line, 17);
     QVERIFY(!second.use && !second.tRatio && second.vPoint);
     QCOMPARE(job.thickness, std::optional(ThicknessType::Mean));
     QCOMPARE(job.referencesMinusVictreen, std::optional(false));
@@ -186,7 +193,7 @@ void tst_JobFile::aByteOrderMarkIsPartOfAName()
              QStringLiteral("/data/") + QChar(0xFEFF) + QStringLiteral("ref1.dat"));
     JobError error;
     QVERIFY(!parseJob("calculate = [\"\xEF\xBB\xBFlcf\"]", QStringLiteral("/data"), error));
-    QCOMPARE(error.reason, QStringLiteral("calculate is a list of \"target\", \"lcf\", \"map\""));
+    QCOMPARE(error.reason, QStringLiteral("must be a list of \"target\", \"lcf\", \"map\""));
 }
 
 void tst_JobFile::calculationsAreChosen()
@@ -209,81 +216,268 @@ void tst_JobFile::errorsHaveLineAndReason_data()
         QTest::newRow(name) << QByteArray(text) << QString::fromUtf8(expected);
     };
     row("unknown key", "\nedges = 1\n",
-        "job:2: unknown key \"edges\", did you mean edge; known are: files, edge, valences, point, "
-        "conditions, output, "
-        "calculate");
-    row("unknown key in a table", "[edge]\nenergy = 1\nstart = 2\n",
-        "job:3: unknown key \"start\" in [edge]; known are: energy, pre_edge_end, "
-        "post_edge_start");
+        "job:2:1: edges: unknown key, did you mean edge; known are: files, edge, valences, point, "
+        "conditions, map, histogram, output, calculate");
+    row("unknown key in a table", "[edge]\nenergy = 1\n  start = 2\n",
+        "job:3:3: edge.start: unknown key; known are: energy, pre_edge_end, post_edge_start");
     row("unknown key in a point", "[[point]]\nenergy = 1\nv_point = true\nblank = 2\n",
-        "job:4: unknown key \"blank\" in [[point]]; known are: energy, use, t_ratio, v_point, "
-        "map");
+        "job:4:1: point.blank: unknown key; known are: energy, use, t_ratio, v_point, map");
+    row("unknown key of several lines", "\"a\\nb\\u2028c\" = 1\n",
+        "job:1:1: a\uFFFDb\uFFFDc: unknown key; known are: files, edge, valences, point, "
+        "conditions, map, histogram, output, calculate");
     row("the first of several errors", "[files]\nref3 = 1\n[edge]\nenergy = \"x\"\n",
-        "job:2: unknown key \"ref3\" in [files], did you mean ref1; known are: ref1, ref2, target, "
+        "job:2:1: files.ref3: unknown key, did you mean ref1; known are: ref1, ref2, target, "
         "targets, blank, map_result");
     row("the first of two, visited last", "[valences]\nref9 = 1\n[edge]\nstart = 2\n",
-        "job:2: unknown key \"ref9\" in [valences], did you mean ref1; known are: ref1, ref2");
+        "job:2:1: valences.ref9: unknown key, did you mean ref1; known are: ref1, ref2");
     row("the first of two in a line", "edge = {start = 1, energy = \"x\"}\n",
-        "job:1: energy is a finite number");
+        "job:1:9: edge.start: unknown key; known are: energy, pre_edge_end, post_edge_start");
     row("target and targets",
         "[files]\ntarget = \"a\"\ntargets = [\"b\"]\n[output]\nfolder = \"c\"\n",
-        "job:3: target and targets exclude one another");
+        "job:3:12: files.targets: target and targets exclude one another");
     row("targets without a folder", "[files]\ntargets = [\"b\"]\n",
-        "job:2: targets need a folder for their results: [output] folder");
-    row("a folder without targets", "[output]\nfolder = \"c\"\n",
-        "job:2: [output] is for targets; there are none");
+        "job:2:12: files.targets: targets need a folder for their results: [output] folder");
+    row("a folder without anything in it", "[output]\nfolder = \"c\"\n",
+        "job:2:10: output.folder: is for the results of targets and of [[map]]; there are none");
+    row("output without a folder", "[files]\ntarget = \"b\"\n[output]\nreport = true\n",
+        "job:3:1: output: [output] needs a folder");
     row("a map with targets",
         "calculate = [\"map\"]\n[files]\ntargets = [\"b\"]\n[output]\nfolder = \"c\"\n",
-        "job:1: a map is not calculated together with targets");
+        "job:1:14: calculate: the maps of a job with [output] folder are [[map]]");
     row("a map's result with targets",
         "[files]\ntargets = [\"b\"]\nmap_result = \"m\"\n[output]\nfolder = \"c\"\n",
-        "job:3: map_result is not written together with targets");
+        "job:3:14: files.map_result: the result of a [[map]] goes into [output] folder");
     row("no list of targets", "[files]\ntargets = \"b\"\n",
-        "job:2: targets is a list of names and patterns of files, each in quotation marks");
+        "job:2:11: files.targets: must be a list of names and patterns of files, each in "
+        "quotation marks");
     row("empty list of targets", "[files]\ntargets = []\n",
-        "job:2: targets is a list of names and patterns of files, each in quotation marks");
+        "job:2:11: files.targets: must be a list of names and patterns of files, each in "
+        "quotation marks");
     row("a number among targets", "[files]\ntargets = [\"b\",\n3]\n[output]\nfolder = \"c\"\n",
-        "job:3: targets is a list of names and patterns of files, each in quotation marks");
-    row("no table", "files = 3\n", "job:1: files is a table: [files]");
-    row("text for a number", "[edge]\nenergy = \"8350\"\n", "job:2: energy is a finite number");
-    row("not a number", "[edge]\nenergy = nan\n", "job:2: energy is a finite number");
-    row("infinite", "[valences]\nref2 = -inf\n", "job:2: ref2 is a finite number");
-    row("truth for a number", "[edge]\nenergy = true\n", "job:2: energy is a finite number");
+        "job:3:1: files.targets: must be a list of names and patterns of files, each in "
+        "quotation marks");
+    row("no table", "files = 3\n", "job:1:9: files: must be a table: [files]");
+    row("text for a number", "[edge]\nenergy = \"8350\"\n",
+        "job:2:10: edge.energy: must be a finite number");
+    row("not a number", "[edge]\nenergy = nan\n", "job:2:10: edge.energy: must be a finite number");
+    row("infinite", "[valences]\nref2 = -inf\n", "job:2:8: valences.ref2: must be a finite number");
+    row("truth for a number", "[edge]\nenergy = true\n",
+        "job:2:10: edge.energy: must be a finite number");
     row("number for a path", "[files]\nblank = 3\n",
-        "job:2: blank is the path of a file, in quotation marks");
+        "job:2:9: files.blank: must be the path of a file, in quotation marks");
     row("empty path", "[files]\nblank = \"\"\n",
-        "job:2: blank is the path of a file, in quotation marks");
+        "job:2:9: files.blank: must be the path of a file, in quotation marks");
     row("number for a flag", "[conditions]\ntarget_minus_victreen = 1\n",
-        "job:2: target_minus_victreen is true or false");
+        "job:2:25: conditions.target_minus_victreen: must be true or false");
     row("text for a flag in a point", "[[point]]\nenergy = 1\nv_point = \"yes\"\n",
-        "job:3: v_point is true or false");
+        "job:3:11: point.v_point: must be true or false");
     row("thickness", "[conditions]\nthickness = \"vic2\"\n",
-        "job:2: thickness is one of \"sum-by-sum\", \"mean\", \"least-squares\", "
-        "\"least-squares-no-blank\", \"victreen\"");
-    row("victreen", "[conditions]\nvictreen = 1\n", R"(job:2: victreen is one of "pre", "post")");
+        "job:2:13: conditions.thickness: must be one of \"sum-by-sum\", \"mean\", "
+        "\"least-squares\", \"least-squares-no-blank\", \"victreen\"");
+    row("victreen", "[conditions]\nvictreen = 1\n",
+        R"(job:2:12: conditions.victreen: must be one of "pre", "post")");
     row("method", "[conditions]\nmethod = \"Exact\"\n",
-        R"(job:2: method is one of "exact", "least-squares")");
-    row("point that is no table", "point = [1]\n", "job:1: points are tables: [[point]]");
-    row("no points", "point = []\n", "job:1: points are tables: [[point]]");
-    row("one point, not a list", "[point]\nenergy = 1\n", "job:1: points are tables: [[point]]");
+        R"(job:2:10: conditions.method: must be one of "exact", "least-squares")");
+    row("point that is no table", "point = [1]\n", "job:1:9: point: must be tables: [[point]]");
+    row("no points", "point = []\n", "job:1:9: point: must be tables: [[point]]");
+    row("one point, not a list", "[point]\nenergy = 1\n",
+        "job:1:1: point: must be tables: [[point]]");
     row("point without energy", "[[point]]\nenergy = 1\nv_point = true\n\n[[point]]\nuse = true\n",
-        "job:5: a [[point]] needs an energy");
-    row("no V point", "\n[[point]]\nenergy = 1\n", "job:2: one [[point]] needs v_point = true");
+        "job:5:1: point: a [[point]] needs an energy");
+    row("no V point", "\n[[point]]\nenergy = 1\n",
+        "job:2:1: point: one [[point]] needs v_point = true");
     row("two V points",
         "[[point]]\nenergy = 1\nv_point = true\n[[point]]\nenergy = 2\nv_point = true\n",
-        "job:4: only one [[point]] can have v_point = true");
+        "job:4:1: point: only one [[point]] can have v_point = true");
     row("calculate that is no list", "calculate = \"target\"\n",
-        R"(job:1: calculate is a list of "target", "lcf", "map")");
+        R"(job:1:13: calculate: must be a list of "target", "lcf", "map")");
     row("calculate nothing", "calculate = []\n",
-        R"(job:1: calculate is a list of "target", "lcf", "map")");
+        R"(job:1:13: calculate: must be a list of "target", "lcf", "map")");
     row("calculate something else", "calculate = [\n\"lcf\",\n\"maps\"]\n",
-        R"(job:3: calculate is a list of "target", "lcf", "map")");
+        R"(job:3:1: calculate: must be a list of "target", "lcf", "map")");
     QByteArray nine = "[[point]]\nenergy = 1\nv_point = true\n";
     for (int i = 0; i < 8; ++i)
         nine += "[[point]]\nenergy = 2\n";
     QTest::newRow("nine points") << nine
                                  << QStringLiteral(
-                                        "job:18: there are more than 8 [[point]] tables");
+                                        "job:18:1: point: there are more than 8 [[point]] tables");
+}
+
+void tst_JobFile::mapsAreTaken()
+{
+    const Job job = parsed("[files]\n"
+                           "ref1 = \"a\"\n"
+                           "[[point]]\n"
+                           "energy = 7090.00\n"
+                           "v_point = true\n"
+                           "[[point]]\n"
+                           "energy = 0x2000\n"
+                           "[[map]]\n"
+                           "name = \"鉄 1\"\n"
+                           "images = [\"m1.txt\", \"\"]\n"
+                           "[[map]]\n"
+                           "name = \"area 2\"\n"
+                           "pattern = \"area2_{row}_{energy}.txt\"\n"
+                           "[output]\n"
+                           "folder = \"results\"\n");
+    QCOMPARE(job.maps.size(), std::size_t(2));
+    const JobMap& first = job.maps[0];
+    QCOMPARE(first.name, QStringLiteral("鉄 1"));
+    QCOMPARE(first.place.line, 9);
+    QCOMPARE(first.place.column, 8);
+    QCOMPARE(first.place.key, QStringLiteral("map.name"));
+    QCOMPARE(first.images.size(), std::size_t(2));
+    QCOMPARE(first.images[0].path, QStringLiteral("/data/m1.txt"));
+    QCOMPARE(first.images[0].place.column, 11);
+    QCOMPARE(first.images[1].path, QString());
+    QCOMPARE(first.pattern.path, QString());
+    QVERIFY(job.maps[1].images.empty());
+    QCOMPARE(job.maps[1].pattern.path, QStringLiteral("area2_{row}_{energy}.txt"));
+    // The text of an energy is as it was typed, where it is decimal.
+    QCOMPARE(job.points->at(0).energy, QStringLiteral("7090"));
+    QCOMPARE(job.points->at(0).energyText, QStringLiteral("7090.00"));
+    QCOMPARE(job.points->at(1).energyText, QStringLiteral("8192"));
+    QCOMPARE(job.output.path, QStringLiteral("/data/results"));
+    QVERIFY(!job.pictures && job.report && job.mapFiles);
+    QVERIFY(job.language == Language::English);
+}
+
+void tst_JobFile::outputAndHistogramsAreTaken()
+{
+    const Job job = parsed("[files]\n"
+                           "target = \"odd[1].dat\"\n"
+                           "[histogram]\n"
+                           "valence = {from = 2, to = 3.5, boxes = 16}\n"
+                           "thickness = {boxes = 2}\n"
+                           "[output]\n"
+                           "folder = \"results\"\n"
+                           "pictures = true\n"
+                           "report = false\n"
+                           "map_files = false\n"
+                           "language = \"ja\"\n");
+    QCOMPARE(job.valenceHistogram.from, QStringLiteral("2"));
+    QCOMPARE(job.valenceHistogram.to, QStringLiteral("3.5"));
+    QCOMPARE(job.valenceHistogram.boxes, QStringLiteral("16"));
+    QCOMPARE(job.thicknessHistogram.from, QString());
+    const Settings settings = settingsOf(job);
+    QCOMPARE(settings.valenceHistogram.first, 2.0);
+    QCOMPARE(settings.valenceHistogram.last, 3.5);
+    QCOMPARE(settings.valenceHistogram.boxes, 16.0);
+    QCOMPARE(settings.thicknessHistogram.first, -0.2); // as the form has it
+    QCOMPARE(settings.thicknessHistogram.last, 1.2);
+    QCOMPARE(settings.thicknessHistogram.boxes, 2.0);
+    QVERIFY(job.pictures && !job.report && !job.mapFiles);
+    QVERIFY(job.language == Language::Japanese);
+    // One target with a folder is a list of one.
+    QCOMPARE(job.spectra[SpectrumSet::Target].path, QString());
+    QCOMPARE(job.targets.size(), std::size_t(1));
+    QCOMPARE(job.targets[0].path, QStringLiteral("/data/odd\\[1].dat"));
+    QCOMPARE(job.targets[0].place.key, QStringLiteral("files.target"));
+}
+
+void tst_JobFile::nonsenseOfMapsIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("map");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char* name, const QByteArray& map, const char* expected) {
+        QTest::newRow(name) << map << QString::fromUtf8(expected);
+    };
+    row("unknown key", "name = \"m\"\nimage = []\n",
+        "job:8:1: map.image: unknown key, did you mean images; known are: name, images, pattern");
+    row("no name", "pattern = \"{row}\"\n", "job:6:1: map: a [[map]] needs a name");
+    row("no images", "name = \"m\"\n", "job:6:1: map: a [[map]] needs either images or a pattern");
+    row("both", "name = \"m\"\nimages = [\"a\", \"b\"]\npattern = \"{row}\"\n",
+        "job:6:1: map: a [[map]] needs either images or a pattern");
+    row("number for a name", "name = 3\npattern = \"{row}\"\n",
+        "job:7:8: map.name: must be a name, in quotation marks");
+    row("empty name", "name = \"\"\npattern = \"{row}\"\n",
+        "job:7:8: map.name: must be a name, in quotation marks");
+    row("several folders", "name = \"a/b\"\npattern = \"{row}\"\n",
+        "job:7:8: map.name: cannot be the name of a folder: it has a /");
+    row("the folder itself", "name = \".\"\npattern = \"{row}\"\n",
+        "job:7:8: map.name: cannot be the name of a folder: . is one already");
+    row("the folder above", "name = \"..\"\npattern = \"{row}\"\n",
+        "job:7:8: map.name: cannot be the name of a folder: .. is one already");
+    row("a control character", "name = \"a\\u0000b\"\npattern = \"{row}\"\n",
+        "job:7:8: map.name: cannot be the name of a folder: it has a control character");
+    row("too long", "name = \"" + QByteArray("鉄").repeated(67) + "\"\npattern = \"{row}\"\n",
+        "job:7:8: map.name: cannot be the name of a folder: it is longer than 200 bytes");
+    row("the same name",
+        "name = \"m\"\npattern = \"{row}\"\n[[map]]\nname = \"m\"\npattern = \"{energy}\"\n",
+        "job:10:8: map.name: another [[map]] has the same name");
+    row("too few images", "name = \"m\"\nimages = [\"a\"]\n",
+        "job:8:11: map.images: 1 images for 2 [[point]] tables; \"\" stands for none");
+    row("too many images", "name = \"m\"\nimages = [\"a\", \"b\", \"\"]\n",
+        "job:8:11: map.images: 3 images for 2 [[point]] tables; \"\" stands for none");
+    row("none at the V point", "name = \"m\"\nimages = [\"\", \"b\"]\n",
+        "job:8:11: map.images: the [[point]] with v_point needs an image");
+    row("no list", "name = \"m\"\nimages = \"a\"\n",
+        "job:8:10: map.images: must be a list of files, each in quotation marks");
+    row("empty list", "name = \"m\"\nimages = []\n",
+        "job:8:10: map.images: must be a list of files, each in quotation marks");
+    row("unknown mark", "name = \"m\"\npattern = \"{row}_{Energy}\"\n",
+        "job:8:11: map.pattern: {Energy} is not known; known are: {row}, {energy}");
+    row("open mark", "name = \"m\"\npattern = \"{row}_{energy\"\n",
+        "job:8:11: map.pattern: has a { without a }");
+    row("no mark", "name = \"m\"\npattern = \"area.txt\"\n",
+        "job:8:11: map.pattern: needs {row} or {energy}, which tell the images of a map apart");
+    row("empty pattern", "name = \"m\"\npattern = \"\"\n",
+        "job:8:11: map.pattern: must be a pattern of files, in quotation marks");
+}
+
+void tst_JobFile::nonsenseOfMapsIsRefused()
+{
+    QFETCH(QByteArray, map);
+    QFETCH(QString, expected);
+    const QByteArray text = "output.folder = \"out\"\n"
+                            "point = [{energy = 1, v_point = true}, {energy = 2}]\n"
+                            "\n\n\n[[map]]\n" +
+                            map;
+    JobError error;
+    QVERIFY(!parseJob(text, QStringLiteral("/data"), error));
+    QCOMPARE(errorText(QStringLiteral("job"), error), expected);
+}
+
+void tst_JobFile::mapsFitTheirJob_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char* name, const char* text, const char* expected) {
+        QTest::newRow(name) << QByteArray(text) << QString::fromUtf8(expected);
+    };
+    row("no folder",
+        "point = [{energy = 1, v_point = true}]\n[[map]]\nname = \"m\"\npattern = \"{row}\"\n",
+        "job:3:8: map.name: a [[map]] needs a folder for its results: [output] folder");
+    row("no points", "output.folder = \"o\"\n[[map]]\nname = \"m\"\npattern = \"{row}\"\n",
+        "job:3:8: map.name: a [[map]] needs [[point]] tables");
+    row("images of the points",
+        "output.folder = \"o\"\npoint = [{energy = 1, v_point = true, map = \"a\"}]\n"
+        "[[map]]\nname = \"m\"\npattern = \"{row}\"\n",
+        "job:2:45: point.map: the images of a job with [[map]] are those of its [[map]]");
+    row("no table", "map = 3\n", "job:1:7: map: must be tables: [[map]]");
+    row("a result file",
+        "output.folder = \"o\"\nfiles.map_result = \"r\"\n"
+        "point = [{energy = 1, v_point = true}]\n[[map]]\nname = \"m\"\npattern = \"{row}\"\n",
+        "job:2:20: files.map_result: the result of a [[map]] goes into [output] folder");
+    row("boxes that are no whole number", "histogram.valence.boxes = 4.5\n",
+        "job:1:27: histogram.valence.boxes: must be a whole number");
+    row("one box", "histogram.thickness.boxes = 1\n",
+        "job:1:29: histogram.thickness.boxes: a histogram has 2 to 10000000 boxes");
+    row("more boxes than anybody wants", "histogram.valence.boxes = 10_000_001\n",
+        "job:1:27: histogram.valence.boxes: a histogram has 2 to 10000000 boxes");
+    row("from high to low", "histogram.valence = {from = 3.5, to = 1.5}\n",
+        "job:1:29: histogram.valence.from: a histogram goes from a number to a higher one");
+    row("boxes of no width", "histogram.valence = {from = 1e300, to = 1e300}\n",
+        "job:1:29: histogram.valence.from: a histogram goes from a number to a higher one");
+    row("an endless range", "histogram.valence = {from = -1e308, to = 1e308}\n",
+        "job:1:29: histogram.valence.from: a histogram goes from a number to a higher one");
+    row("language", "output = {folder = \"a\", language = \"fr\"}\n",
+        R"(job:1:36: output.language: must be one of "en", "ja")");
+}
+
+void tst_JobFile::mapsFitTheirJob()
+{
+    errorsHaveLineAndReason();
 }
 
 void tst_JobFile::errorsHaveLineAndReason()
@@ -299,9 +493,14 @@ void tst_JobFile::errorTextTakesNamesAsTheyAre()
 {
     const QString file = QStringLiteral("a%1b%2c%3.toml");
     const QString reason = QStringLiteral("cannot open %1 %2 %3");
-    QCOMPARE(errorText(file, {7, reason}),
+    QCOMPARE(errorText(file, {{7, 0, {}}, reason}),
              QStringLiteral("a%1b%2c%3.toml:7: cannot open %1 %2 %3"));
-    QCOMPARE(errorText(file, {0, reason}), QStringLiteral("a%1b%2c%3.toml: cannot open %1 %2 %3"));
+    QCOMPARE(errorText(file, {{}, reason}), QStringLiteral("a%1b%2c%3.toml: cannot open %1 %2 %3"));
+    const JobError placed{{7, 3, QStringLiteral("x.%1")}, reason};
+    QCOMPARE(errorText(file, placed),
+             QStringLiteral("a%1b%2c%3.toml:7:3: x.%1: cannot open %1 %2 %3"));
+    QCOMPARE(warningText(file, placed),
+             QStringLiteral("a%1b%2c%3.toml:7:3: warning: cannot open %1 %2 %3"));
 }
 
 void tst_JobFile::syntaxErrorsHaveALine()
@@ -312,7 +511,7 @@ void tst_JobFile::syntaxErrorsHaveALine()
           QByteArray("\na = ") + QByteArray(100000, '[')}) {
         JobError error;
         QVERIFY(!parseJob(text, QString(), error));
-        QVERIFY2(error.line == 2 || error.line == 3, qPrintable(error.reason));
+        QVERIFY2(error.place.line == 2 || error.place.line == 3, qPrintable(error.reason));
         QVERIFY(!error.reason.isEmpty());
     }
 }

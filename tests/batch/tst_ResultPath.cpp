@@ -38,7 +38,7 @@ private:
     QString reason(const QString& result) const
     {
         const auto error = checkResultPath(job(result), in(QStringLiteral("job.toml")));
-        if (error && error->line != 7)
+        if (error && error->place.line != 7)
             return QStringLiteral("the line is wrong");
         return error ? QString(error->reason).replace(m_dir->path(), QStringLiteral("DIR"))
                      : QString();
@@ -73,7 +73,7 @@ Job tst_ResultPath::job(const QString& result) const
     job.points->at(1).map.path = in(QStringLiteral("map.dat"));
     job.calculateMap = true;
     if (!result.isEmpty())
-        job.mapResult = {in(result), 7};
+        job.mapResult = {in(result), {7, 0, {}}};
     return job;
 }
 

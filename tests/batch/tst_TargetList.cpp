@@ -47,7 +47,7 @@ Job tst_TargetList::job(const QStringList& targets) const
     Job made;
     made.folder = inFolder(QStringLiteral("."));
     for (int i = 0; i < targets.size(); ++i)
-        made.targets.push_back({targets[i], i + 5});
+        made.targets.push_back({targets[i], {i + 5, 0, {}}});
     return made;
 }
 
@@ -93,7 +93,7 @@ void tst_TargetList::lists()
     for (const QString& name : found)
         expected += inFolder(name);
     QCOMPARE(paths, expected);
-    QVERIFY(targets->front().line >= 5);
+    QVERIFY(targets->front().place.line >= 5);
 }
 
 void tst_TargetList::refusals_data()
@@ -110,7 +110,7 @@ void tst_TargetList::refusals()
     QFETCH(QString, given);
     JobError error;
     QVERIFY(!targetList(job({QStringLiteral("extra.dat"), given}), error));
-    QCOMPARE(error.line, 6);
+    QCOMPARE(error.place.line, 6);
     QCOMPARE(error.reason, QStringLiteral("no file is named, or matched by, ") +
                                QDir(inFolder(QStringLiteral("."))).filePath(given));
 }

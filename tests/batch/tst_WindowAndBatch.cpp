@@ -213,7 +213,7 @@ void tst_WindowAndBatch::sameTextsAndFiles()
     QVERIFY2(job, qPrintable(errorText(made.path(), error)));
     const std::optional<JobData> data = readJobData(*job, error);
     if (!data) {
-        QVERIFY2(isRefusedByThePanel(made, error.line, window.panel), qPrintable(error.reason));
+        QVERIFY2(isRefusedByThePanel(made, error.place.line, window.panel), qPrintable(error.reason));
         ++m_unreadable;
         return;
     }

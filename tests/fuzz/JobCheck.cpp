@@ -18,6 +18,36 @@ bool samePoints(const Job& job, const Job& expected)
                       });
 }
 
+bool samePath(const JobFilePath& a, const JobFilePath& b)
+{
+    return a.path == b.path;
+}
+
+bool sameMaps(const Job& job, const Job& expected)
+{
+    return std::equal(job.maps.begin(), job.maps.end(), expected.maps.begin(), expected.maps.end(),
+                      [](const JobMap& a, const JobMap& b) {
+                          return a.name == b.name && samePath(a.pattern, b.pattern) &&
+                                 std::equal(a.images.begin(), a.images.end(), b.images.begin(),
+                                            b.images.end(), samePath);
+                      });
+}
+
+bool sameHistograms(const Job& job, const Job& expected)
+{
+    const auto same = [](const JobHistogram& a, const JobHistogram& b) {
+        return a.from == b.from && a.to == b.to && a.boxes == b.boxes;
+    };
+    return same(job.valenceHistogram, expected.valenceHistogram) &&
+           same(job.thicknessHistogram, expected.thicknessHistogram);
+}
+
+bool sameOutput(const Job& job, const Job& expected)
+{
+    return job.pictures == expected.pictures && job.report == expected.report &&
+           job.mapFiles == expected.mapFiles && job.language == expected.language;
+}
+
 bool samePaths(const Job& job, const Job& expected)
 {
     if (job.output.path != expected.output.path || job.targets.size() != expected.targets.size())
@@ -26,8 +56,7 @@ bool samePaths(const Job& job, const Job& expected)
         if (job.targets[i].path != expected.targets[i].path)
             return false;
     return job.mapResult.path == expected.mapResult.path &&
-           std::equal(job.spectra.begin(), job.spectra.end(), expected.spectra.begin(),
-                      [](const JobFilePath& a, const JobFilePath& b) { return a.path == b.path; });
+           std::equal(job.spectra.begin(), job.spectra.end(), expected.spectra.begin(), samePath);
 }
 
 const char* settingsDifference(const Job& job, const Job& expected)
@@ -47,6 +76,12 @@ const char* settingsDifference(const Job& job, const Job& expected)
     if (job.calculateTarget != expected.calculateTarget ||
         job.calculateLcf != expected.calculateLcf || job.calculateMap != expected.calculateMap)
         return "calculations";
+    if (!sameMaps(job, expected))
+        return "maps";
+    if (!sameHistograms(job, expected))
+        return "histograms";
+    if (!sameOutput(job, expected))
+        return "output";
     return samePoints(job, expected) ? nullptr : "rows";
 }
 
@@ -66,9 +101,10 @@ const char* check::jobDifference(const QByteArray& text)
         return "whether it is a job";
     if (job)
         return settingsDifference(*job, expected);
-    if (error.line < 1 || error.line > text.count('\n') + 1)
+    if (error.place.line < 1 || error.place.line > text.count('\n') + 1)
         return "the line of the refusal";
-    if (error.reason.isEmpty() || error.reason.contains(QLatin1Char('\n')))
+    const QString shown = errorText(QStringLiteral("job"), error);
+    if (error.reason.isEmpty() || shown.contains(QLatin1Char('\n')))
         return "the reason of the refusal";
     return nullptr;
 }

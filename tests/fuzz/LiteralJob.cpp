@@ -115,7 +115,7 @@ bool readFiles(const toml::table& root, const QString& folder, Job& job)
         for (const toml::node& item : *targets->as_array()) {
             if (!item.is_string() || item.as_string()->get().empty())
                 return false;
-            job.targets.push_back({fromUtf8(**item.as_string()), 0});
+            job.targets.push_back({fromUtf8(**item.as_string()), {}});
         }
     }
     return files.ok;
@@ -123,18 +123,149 @@ bool readFiles(const toml::table& root, const QString& folder, Job& job)
 
 bool readOutput(const toml::table& root, const QString& folder, Job& job)
 {
-    Reading output = section(root, "output", "folder");
+    Reading output = section(root, "output", "folder pictures report map_files language");
     job.output.path = output.path("folder", folder);
-    return output.ok;
+    job.pictures = output.flag("pictures").value_or(false);
+    job.report = output.flag("report").value_or(true);
+    job.mapFiles = output.flag("map_files").value_or(true);
+    const auto language =
+        output.word("language", {QStringLiteral("en"), QStringLiteral("ja")}).value_or(0);
+    job.language = language == 0 ? Language::English : Language::Japanese;
+    return output.ok && (!output.table || !job.output.path.isEmpty());
 }
 
-/// Many targets are alone, and have a folder; one target or a map has none.
-bool targetsFit(const Job& job)
+bool readHistogram(const toml::table& root, const char* key, double from, double to,
+                   JobHistogram& histogram)
 {
-    if (job.targets.empty())
-        return job.output.path.isEmpty();
-    return !job.output.path.isEmpty() && job.spectra.at(2).path.isEmpty() && !job.calculateMap &&
-           job.mapResult.path.isEmpty();
+    Reading reading = section(root, key, "from to boxes");
+    histogram.from = reading.number("from");
+    histogram.to = reading.number("to");
+    histogram.boxes = reading.number("boxes");
+    if (const toml::node* boxes = reading.node("boxes"); boxes && !boxes->is_integer())
+        return false;
+    if (!histogram.from.isEmpty())
+        from = histogram.from.toDouble();
+    if (!histogram.to.isEmpty())
+        to = histogram.to.toDouble();
+    const double boxes = histogram.boxes.isEmpty() ? 41 : histogram.boxes.toDouble();
+    const double width = (to - from) / (boxes - 1);
+    return reading.ok && boxes >= 2 && boxes <= 10000000 && std::isfinite(width) && width > 0 &&
+           from + width != from;
+}
+
+bool readHistograms(const toml::table& root, Job& job)
+{
+    const Reading both = section(root, "histogram", "valence thickness");
+    if (!both.table)
+        return both.ok;
+    return both.ok && readHistogram(*both.table, "valence", 1.5, 3.5, job.valenceHistogram) &&
+           readHistogram(*both.table, "thickness", -0.2, 1.2, job.thicknessHistogram);
+}
+
+/// No folder has such a name, or the files in it could have none.
+bool isNoName(const QString& name)
+{
+    if (name.isEmpty() || name == QStringLiteral(".") || name == QStringLiteral("..") ||
+        name.contains(QLatin1Char('/')) || name.toUtf8().size() > 200)
+        return true;
+    for (const QChar c : name)
+        if (c < QChar(0x20) || (c >= QChar(0x7F) && c < QChar(0xA0)))
+            return true;
+    return false;
+}
+
+/// Only {row} and {energy}, and at least one of them.
+bool isPattern(QString text)
+{
+    const int length = text.size();
+    text.remove(QStringLiteral("{row}")).remove(QStringLiteral("{energy}"));
+    return text.size() < length && !text.contains(QLatin1Char('{'));
+}
+
+bool readMap(const toml::table& table, const QString& folder, Job& job)
+{
+    Reading reading{&table, onlyKeys(table, {QStringLiteral("name"), QStringLiteral("images"),
+                                             QStringLiteral("pattern")})};
+    JobMap map;
+    const toml::node* name = reading.node("name");
+    map.name = name && name->is_string() ? fromUtf8(**name->as_string()) : QString();
+    if (isNoName(map.name) || table.contains("images") == table.contains("pattern"))
+        return false;
+    for (const JobMap& other : job.maps)
+        if (other.name == map.name)
+            return false;
+    if (const toml::node* pattern = reading.node("pattern")) {
+        map.pattern.path = pattern->is_string() ? fromUtf8(**pattern->as_string()) : QString();
+        if (!isPattern(map.pattern.path))
+            return false;
+    }
+    if (const toml::node* images = reading.node("images")) {
+        if (!images->is_array() || images->as_array()->empty())
+            return false;
+        for (const toml::node& item : *images->as_array()) {
+            if (!item.is_string())
+                return false;
+            const QString path = fromUtf8(**item.as_string());
+            map.images.push_back({path.isEmpty() ? path : QDir(folder).filePath(path), {}});
+        }
+    }
+    job.maps.push_back(map);
+    return reading.ok;
+}
+
+bool readMaps(const toml::table& root, const QString& folder, Job& job)
+{
+    const toml::node* node = root.get("map");
+    if (!node)
+        return true;
+    const toml::array* array = node->as_array();
+    if (!array || array->empty())
+        return false;
+    for (const toml::node& map : *array)
+        if (!map.is_table() || !readMap(*map.as_table(), folder, job))
+            return false;
+    return true;
+}
+
+bool mapsFit(const Job& job)
+{
+    if (job.maps.empty())
+        return true;
+    if (!job.points || job.output.path.isEmpty())
+        return false;
+    for (std::size_t i = 0; i < job.points->size(); ++i) {
+        const JobPoint& point = job.points->at(i);
+        if (!point.map.path.isEmpty())
+            return false;
+        for (const JobMap& map : job.maps)
+            if (point.vPoint && i < map.images.size() && map.images[i].path.isEmpty())
+                return false;
+    }
+    for (const JobMap& map : job.maps)
+        if (!map.images.empty() && map.images.size() != job.points->size())
+            return false;
+    return true;
+}
+
+/// A folder holds the results of targets, of which one may be named alone, and of maps.
+bool targetsFit(Job& job)
+{
+    JobFilePath& target = job.spectra.at(2);
+    if (!target.path.isEmpty() && !job.targets.empty())
+        return false;
+    if (job.output.path.isEmpty())
+        return job.targets.empty();
+    if (!job.mapResult.path.isEmpty() || (job.calculateMap && job.maps.empty()))
+        return false;
+    if (!target.path.isEmpty()) {
+        // The one path that it matches is its own.
+        QString pattern;
+        for (const QChar c : target.path)
+            pattern += QStringLiteral("*?[\\").contains(c) ? QStringLiteral("\\") + c : QString(c);
+        job.targets.push_back({pattern, {}});
+        target.path.clear();
+    }
+    return !job.targets.empty() || !job.maps.empty();
 }
 
 bool readNumbers(const toml::table& root, Job& job)
@@ -236,13 +367,14 @@ bool readJob(const QByteArray& text, const QString& folder, Job& job)
     } catch (const toml::parse_error&) {
         return false;
     }
-    const QStringList keys{QStringLiteral("files"),      QStringLiteral("edge"),
-                           QStringLiteral("valences"),   QStringLiteral("point"),
-                           QStringLiteral("conditions"), QStringLiteral("calculate"),
-                           QStringLiteral("output")};
+    const QStringList keys{
+        QStringLiteral("files"),  QStringLiteral("edge"),       QStringLiteral("valences"),
+        QStringLiteral("point"),  QStringLiteral("conditions"), QStringLiteral("calculate"),
+        QStringLiteral("output"), QStringLiteral("map"),        QStringLiteral("histogram")};
     return onlyKeys(root, keys) && readFiles(root, folder, job) && readNumbers(root, job) &&
            readConditions(root, job) && readPoints(root, folder, job) && readCalculate(root, job) &&
-           readOutput(root, folder, job) && targetsFit(job);
+           readOutput(root, folder, job) && readHistograms(root, job) &&
+           readMaps(root, folder, job) && mapsFit(job) && targetsFit(job);
 }
 
 } // namespace literal

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "analysis/HistogramCounts.h"
+#include "batch/KeyReader.h"
+
+#include <QSet>
+
+/// The keys of a job: fills a job from its parsed tables, and checks that its parts go together.
+class JobReader : public KeyReader
+{
+public:
+    using KeyReader::KeyReader;
+
+    void read(const toml::table& root);
+    /// All keys that there are.
+    QStringList names();
+
+    Job job;
+
+private:
+    Keys keys();
+    Keys fileKeys();
+    Keys conditionKeys();
+    Keys outputKeys();
+    Keys histogramKeys(JobHistogram& histogram);
+    Keys pointKeys(JobPoint& point);
+    Keys mapKeys(JobMap& map);
+
+    Handler energy(JobPoint& point);
+    void readPoints(const toml::node& node, const QString& key);
+    void readPoint(const toml::table& table, const QString& key);
+    void readCalculate(const toml::node& node, const QString& key);
+    void readMap(const toml::table& table, const QString& key);
+    void checkVPoints(const toml::array& array, const QString& key);
+    void checkHistogram(const JobHistogram& given, const HistogramSettings& settings);
+    void checkImages(const JobMap& map);
+    void checkMaps();
+    void checkTargets();
+    void checkOutput(const toml::table& root);
+
+    JobPlace m_calculateMap; ///< where "map" stands in the list
+    QSet<QString> m_mapNames;
+    JobPoint m_anyPoint; ///< for the names of its keys
+    JobMap m_anyMap;
+};
