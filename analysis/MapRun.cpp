@@ -96,5 +96,7 @@ MapRun mapResult(const AnalysisInput& input, const std::vector<MapSource>& sourc
         refusal = calculateMap(task, results, histograms, workers);
     if (refusal)
         run.refusal = RunRefusal{*refusal, task.choice.count};
+    else
+        run.method = task.method;
     return run;
 }

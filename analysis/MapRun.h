@@ -41,6 +41,7 @@ struct MapSource {
 struct MapRun {
     std::optional<ThicknessRatios> ratios; ///< formed by the four-point methods
     std::optional<RunRefusal> refusal;     ///< then results and histograms are as they were
+    std::optional<Method> method;          ///< where nothing is refused
     std::size_t gridRow = 0;               ///< the V point's row, whose 2D data own the grid
 };
 

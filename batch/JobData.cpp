@@ -42,17 +42,18 @@ std::optional<JobError> readSpectra(const Job& job, JobData& data)
     return std::nullopt;
 }
 
-std::optional<JobError> readMaps(const Job& job, JobData& data)
+std::optional<JobError> readImages(const std::vector<JobFilePath>& images, JobData& data,
+                                   Workers& workers)
 {
     data.maps.resize(data.settings.points.size());
     KnownPositions positions;
     MapReadOptions options;
     options.knownPositions = &positions;
-    for (std::size_t i = 0; job.points && i < job.points->size(); ++i) {
-        const JobFilePath& file = (*job.points)[i].map;
+    for (std::size_t i = 0; i < images.size(); ++i) {
+        const JobFilePath& file = images[i];
         if (file.path.isEmpty())
             continue;
-        const MapReadResult result = readMapData(file.path, data.maps[i], options);
+        const MapReadResult result = readMapData(file.path, data.maps[i], options, workers);
         if (!data.maps[i].valid)
             return unusable(file, result.openError, result.reason,
                             QStringLiteral("2D data with axes"));
@@ -60,6 +61,14 @@ std::optional<JobError> readMaps(const Job& job, JobData& data)
             data.settings.points[i].energy = numberFromText(result.energies.last());
     }
     return std::nullopt;
+}
+
+std::vector<JobFilePath> imagesOf(const Job& job)
+{
+    std::vector<JobFilePath> images;
+    for (std::size_t i = 0; job.points && i < job.points->size(); ++i)
+        images.push_back((*job.points)[i].map);
+    return images;
 }
 
 void prepareInput(JobData& data)
@@ -94,13 +103,29 @@ std::optional<JobData> withTarget(const JobData& common, const JobFilePath& targ
     return data;
 }
 
+std::optional<JobData> withImages(const JobData& common, const std::vector<JobFilePath>& images,
+                                  JobError& error, Workers& workers)
+{
+    JobData data;
+    data.settings = common.settings;
+    data.spectra = common.spectra;
+    for (std::size_t i = 0; i < data.settings.points.size(); ++i)
+        data.settings.points[i].use &= i < images.size() && !images[i].path.isEmpty();
+    if (auto wrong = readImages(images, data, workers)) {
+        error = *wrong;
+        return std::nullopt;
+    }
+    prepareInput(data);
+    return data;
+}
+
 std::optional<JobData> readJobData(const Job& job, JobError& error)
 {
     JobData data;
     data.settings = settingsOf(job);
     std::optional<JobError> wrong = readSpectra(job, data);
     if (!wrong)
-        wrong = readMaps(job, data);
+        wrong = readImages(imagesOf(job), data, Workers::shared());
     if (wrong) {
         error = *wrong;
         return std::nullopt;

@@ -27,6 +27,14 @@ struct JobData {
 std::optional<JobData> withTarget(const JobData& common, const JobFilePath& target,
                                   JobError& error);
 
+/// The same job with a map of its own, of whose points those are in use that have an image. The
+/// references, the blank and the settings are shared. An energy in the header of an image takes the
+/// place of its row's.
+/// @param images  one for each row, or fewer; an empty path for none
+/// @param error   the first image that cannot be read, where nothing comes back
+std::optional<JobData> withImages(const JobData& common, const std::vector<JobFilePath>& images,
+                                  JobError& error, Workers& workers);
+
 /// Reads the files of a job. An energy in the header of 2D data takes the place of its row's.
 /// @param error  the first file that cannot be read, with its line in the job, where nothing comes
 ///               back

@@ -1,6 +1,7 @@
 #include "batch/TargetRow.h"
 
 #include "batch/JobFacts.h"
+#include "batch/MethodName.h"
 #include "results/ResultText.h"
 #include "text/Csv.h"
 
@@ -15,19 +16,6 @@ void refuse(const QString& reason, TargetRow& row)
 {
     if (row.refusal.isEmpty())
         row.refusal = reason;
-}
-
-QByteArray methodName(Method method)
-{
-    switch (method) {
-    case Method::ThreePoint:
-        return "3ps";
-    case Method::FourPointExact:
-        return "4ps";
-    case Method::FourPointLeastSquares:
-        break;
-    }
-    return "4ps2";
 }
 
 void calculate(const Job& job, const JobData& data, TargetRow& row)

@@ -33,7 +33,12 @@ QString histogramFile(const QString& resultPath, const QString& tag)
 bool writeHistogramFile(const HistogramCounts& histogram, const QString& resultPath,
                         const QString& tag)
 {
-    SafeFile file(histogramFile(resultPath, tag));
+    return writeHistogram(histogram, histogramFile(resultPath, tag));
+}
+
+bool writeHistogram(const HistogramCounts& histogram, const QString& path)
+{
+    SafeFile file(path);
     if (!file.open())
         return false;
     const int bins = static_cast<int>(histogram.counts.size());

@@ -9,7 +9,10 @@ constexpr const char* valenceHistogramTag = "HGAlpha";
 constexpr const char* thicknessHistogramTag = "HGThick";
 
 /// Writes lower edge, centre, upper edge and count of each bin, preceded by the values below and
-/// followed by those above, into histogramFile(); it is replaced when the new one is whole.
+/// followed by those above. An existing file is replaced when the new one is whole.
+bool writeHistogram(const HistogramCounts& histogram, const QString& path);
+
+/// Writes the same into histogramFile().
 /// @return whether the file is there, could be opened and was written
 bool writeHistogramFile(const HistogramCounts& histogram, const QString& resultPath,
                         const QString& tag);

@@ -1,0 +1,43 @@
+#include "batch/MapJob.h"
+
+#include "batch/MapPattern.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace
+{
+
+std::vector<JobFilePath> imagesOf(const JobMap& map, const Job& job)
+{
+    if (map.pattern.path.isEmpty())
+        return map.images;
+    std::vector<JobFilePath> images;
+    int row = 0;
+    for (const JobPoint& point : *job.points) {
+        const QString name = mapPattern::filled(map.pattern.path, ++row, point.energyText);
+        images.push_back(
+            {point.use ? QDir(job.folder).filePath(name) : QString(), map.pattern.place});
+    }
+    return images;
+}
+
+} // namespace
+
+std::optional<std::vector<MapJob>> mapList(const Job& job, JobError& error)
+{
+    std::vector<MapJob> maps;
+    for (const JobMap& given : job.maps) {
+        maps.push_back({given.name, given.place, imagesOf(given, job)});
+        const std::vector<JobFilePath>& images = maps.back().images;
+        for (std::size_t i = 0; i < images.size(); ++i) {
+            if (images[i].path.isEmpty() || QFileInfo(images[i].path).isFile())
+                continue;
+            error = {images[i].place, QStringLiteral("there is no file %1 for [[point]] %2")
+                                          .arg(images[i].path)
+                                          .arg(i + 1)};
+            return std::nullopt;
+        }
+    }
+    return maps;
+}

@@ -1,0 +1,163 @@
+#include "batch/MapsRun.h"
+
+#include "batch/JobFacts.h"
+#include "results/HistogramFile.h"
+#include "results/ResultFile.h"
+#include "results/ResultText.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+namespace
+{
+
+/// A map in the making.
+class MapAnalysis
+{
+public:
+    MapAnalysis(const Job& job, const MapJob& map, JobData data, Workers& workers)
+        : m_job(job), m_map(map), m_data(std::move(data)), m_workers(workers)
+    {
+        m_outcome.row.map = map.name;
+    }
+
+    MapOutcome outcome()
+    {
+        calculate();
+        if (m_outcome.row.refusal.isEmpty()) {
+            describe();
+            if (m_job.mapFiles)
+                writeFiles();
+        }
+        return std::move(m_outcome);
+    }
+
+private:
+    void calculate();
+    void describe();
+    void writeFiles();
+    void refuse(const RunRefusal& refusal)
+    {
+        m_outcome.row.refusal = ResultText::mapRefusal(refusal).simplified();
+    }
+    void wrote(const QString& path, WriteOutcome written);
+
+    const Job& m_job;
+    const MapJob& m_map;
+    JobData m_data;
+    Workers& m_workers;
+    QByteArrayList m_header;
+    std::vector<MapSource> m_sources;
+    MapResults m_results;
+    HistogramCounts m_valence;
+    HistogramCounts m_thickness;
+    MapOutcome m_outcome;
+};
+
+void MapAnalysis::calculate()
+{
+    const Settings& settings = m_data.settings;
+    m_sources = m_data.mapSources();
+    const MapRun run = mapResult(m_data.input, m_sources, m_results,
+                                 {m_valence, m_thickness, settings.valenceHistogram,
+                                  settings.thicknessHistogram, settings.valences},
+                                 m_workers);
+    for (const QString& line : ResultText::lines(run))
+        m_outcome.row.messages += line.simplified();
+    if (run.refusal)
+        return refuse(*run.refusal);
+    m_header = m_data.maps[run.gridRow].header;
+    m_outcome.row.method = run.method;
+    m_outcome.row.columns = m_results.columns;
+    m_outcome.row.rows = m_results.rows;
+    // The numbers of the images are not needed any more.
+    m_data.maps.clear();
+}
+
+void MapAnalysis::describe()
+{
+    const MissingPixels missing(m_data.input.table, m_sources, m_results);
+    const auto summary =
+        summaryOf(m_results, missing, m_data.settings.valences, m_valence, m_workers);
+    if (!summary)
+        return refuse({Refusal::MapTooLarge, 0});
+    m_outcome.row.summary = *summary;
+}
+
+void MapAnalysis::wrote(const QString& path, WriteOutcome written)
+{
+    if (written == WriteOutcome::Written) {
+        m_outcome.files += path;
+        return;
+    }
+    m_outcome.fileFailed = true;
+    if (m_outcome.failure.isEmpty())
+        m_outcome.failure = ResultText::notWritten(path, written).simplified();
+}
+
+void MapAnalysis::writeFiles()
+{
+    QDir().mkpath(mapFolder(m_job, m_map));
+    const QString result = mapResultFile(m_job, m_map);
+    wrote(result,
+          writeResultFile(result, m_header, m_results, m_data.settings.valences, {}, m_workers));
+    for (const auto& [histogram, tag] : {std::pair(&m_valence, valenceHistogramTag),
+                                         std::pair(&m_thickness, thicknessHistogramTag)}) {
+        const QString path = mapHistogramFile(m_job, m_map, tag);
+        wrote(path,
+              writeHistogram(*histogram, path) ? WriteOutcome::Written : WriteOutcome::CannotWrite);
+    }
+}
+
+/// What the checks look at: a job of this map alone.
+Job onlyMap(const Job& job)
+{
+    Job own = job;
+    own.calculateTarget = false;
+    own.calculateLcf = false;
+    own.calculateMap = true;
+    return own;
+}
+
+} // namespace
+
+QString mapFolder(const Job& job, const MapJob& map)
+{
+    return QDir(job.output.path).filePath(QStringLiteral("maps/") + map.name);
+}
+
+QString mapResultFile(const Job& job, const MapJob& map)
+{
+    return mapFolder(job, map) + QLatin1Char('/') + map.name + QStringLiteral(".dat");
+}
+
+QString mapHistogramFile(const Job& job, const MapJob& map, const char* tag)
+{
+    return mapFolder(job, map) + QLatin1Char('/') + map.name + QLatin1Char('_') +
+           QLatin1String(tag) + QStringLiteral(".dat");
+}
+
+MapOutcome analyseMap(const Job& job, const JobData& common, const MapJob& map, Workers& workers)
+{
+    JobError error;
+    std::optional<JobData> data = withImages(common, map.images, error, workers);
+    if (!data) {
+        MapOutcome refused;
+        refused.row.map = map.name;
+        refused.row.refusal = error.reason;
+        return refused;
+    }
+    QStringList warnings;
+    for (const JobError& doubt : doubtsBefore(factsOf(onlyMap(job), *data)))
+        warnings += doubt.reason;
+    MapOutcome outcome = MapAnalysis(job, map, std::move(*data), workers).outcome();
+    outcome.row.warnings = warnings;
+    if (outcome.row.refusal.isEmpty()) {
+        JobResults results;
+        results.anyFinitePixel = outcome.row.isGood();
+        for (const JobError& doubt : doubtsAfter(results))
+            outcome.row.warnings += doubt.reason;
+    }
+    return outcome;
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "batch/JobData.h"
+#include "batch/MapJob.h"
+#include "batch/MapRow.h"
+#include "system/Workers.h"
+
+#include <QByteArray>
+#include <QStringList>
+
+/// What became of one map.
+struct MapOutcome {
+    MapRow row;
+    QStringList files;       ///< that were written, in the order of their writing
+    bool fileFailed = false; ///< a file could not be written; the others are
+    QString failure;         ///< then the first one, and why
+    QByteArray readOut;      ///< the values that the report tells under the pointer
+};
+
+/// The files of a map in the job's output folder, whether they are written or not:
+/// "maps/NAME/NAME.dat" with the positions and values of all pixels, and its histograms.
+QString mapFolder(const Job& job, const MapJob& map);
+QString mapResultFile(const Job& job, const MapJob& map);
+QString mapHistogramFile(const Job& job, const MapJob& map, const char* tag);
+
+/// Reads the images of a map, calculates it with the job's settings, and writes its files if the
+/// job wants any. An image that cannot be read refuses the map: it is never calculated with fewer
+/// points.
+/// @param common  of the job without targets and maps; its references and its blank are shared
+MapOutcome analyseMap(const Job& job, const JobData& common, const MapJob& map, Workers& workers);
