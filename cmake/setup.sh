@@ -7,13 +7,13 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 run_packages=(
     cmake ninja-build g++
     qtbase5-dev qttools5-dev qttools5-dev-tools qtwayland5 libxcb1-dev
-    libtomlplusplus-dev
+    libtomlplusplus-dev libboost-dev
     fonts-dejavu-core fonts-ipafont-gothic
 )
 # Beside those, what the tests, the benchmark programs and the Debian package need.
 check_packages=(
     libbenchmark-dev libfast-float-dev libfmt-dev libtbb-dev
-    libboost-dev librsvg2-bin libqt5svg5-dev poppler-utils
+    librsvg2-bin libqt5svg5-dev poppler-utils
     xvfb xauth xdotool
     clang clang-tidy libclang-rt-14-dev cppcheck gcovr pkg-config
 )
