@@ -1,6 +1,6 @@
 #include "input/SpectrumReader.h"
 
-#include "analysis/Constants.h"
+#include "analysis/BraggLaw.h"
 #include "system/AvailableMemory.h"
 #include "system/InputFile.h"
 #include "text/LineReader.h"
@@ -25,13 +25,6 @@ constexpr std::size_t pieceBytes = std::size_t{1} << 16;
 
 /// A file up to this size is read without asking how much memory there is.
 constexpr std::int64_t smallFile = std::int64_t{1} << 24;
-
-/// Bragg's law, in eV for degrees and angstrom.
-double photonEnergy(double angle, double spacing)
-{
-    return hcKiloElectronVoltAngstrom / (2.0 * spacing * std::sin(angle * piOfAngles / 180.0)) *
-           1000.0;
-}
 
 /// ln(I0 / I); 0 where an intensity makes no sense.
 double absorption(double incident, double transmitted)

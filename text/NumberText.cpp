@@ -5,15 +5,9 @@
 
 #include <array>
 #include <charconv>
-#include <optional>
 #include <system_error>
 
-namespace
-{
-
-/// Value of a token that is a decimal number in full and fits a double; nothing where the toolkit
-/// has to say what the token is, or what becomes of a number too large or too small.
-std::optional<double> plainDecimal(const char* first, const char* last)
+std::optional<double> decimalFromToken(const char* first, const char* last)
 {
     const bool plus = first != last && *first == '+';
     const char* const start = plus ? first + 1 : first;
@@ -27,8 +21,6 @@ std::optional<double> plainDecimal(const char* first, const char* last)
         return std::nullopt;
     return value;
 }
-
-} // namespace
 
 double numberFromText(const QString& text)
 {
@@ -48,7 +40,7 @@ double sixDigits(double value)
 
 double numberFromToken(const char* first, const char* last)
 {
-    if (const std::optional<double> value = plainDecimal(first, last))
+    if (const std::optional<double> value = decimalFromToken(first, last))
         return *value;
     return numberFromText(textFromUtf8({first, static_cast<std::size_t>(last - first)}));
 }

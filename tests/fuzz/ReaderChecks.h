@@ -20,4 +20,8 @@ const char* mapDifference(const QByteArray& text, std::size_t chunkBytes);
 /// text and a reason of one line.
 const char* jobDifference(const QByteArray& text);
 
+/// Bytes as a spectrum in any format: refused with a line of the text and a reason of one line, or
+/// read with points that are numbers.
+const char* formatDifference(const QByteArray& text);
+
 } // namespace check

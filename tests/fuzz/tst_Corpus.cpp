@@ -16,6 +16,8 @@ private slots:
     void maps();
     void jobs_data() { list("job"); }
     void jobs();
+    void formats_data() { list("formats"); }
+    void formats();
 
 private:
     static void list(const char* kind);
@@ -54,6 +56,13 @@ void tst_Corpus::jobs()
 {
     QFETCH(QByteArray, text);
     const char* difference = check::jobDifference(text);
+    QVERIFY2(!difference, difference);
+}
+
+void tst_Corpus::formats()
+{
+    QFETCH(QByteArray, text);
+    const char* difference = check::formatDifference(text);
     QVERIFY2(!difference, difference);
 }
 
