@@ -46,6 +46,8 @@ void NormalizedSpectrum::assign(std::size_t right, std::vector<std::size_t>& nex
 
 std::size_t NormalizedSpectrum::rightNeighbour(double energy) const
 {
+    if (m_points.size() < 2 || energy < m_points.front().energy || energy > m_points.back().energy)
+        return 0;
     const auto found = std::lower_bound(m_energies.begin(), m_energies.end(), energy);
     if (found == m_energies.end())
         return 0;
@@ -57,8 +59,6 @@ std::size_t NormalizedSpectrum::rightNeighbour(double energy) const
 
 double NormalizedSpectrum::at(double energy) const
 {
-    if (m_points.size() < 2 || energy < m_points.front().energy || energy > m_points.back().energy)
-        return 0.0;
     const std::size_t right = rightNeighbour(energy);
     if (right == 0)
         return 0.0;

@@ -17,9 +17,12 @@ public:
     /// Normalized absorption at an energy (eV); 0 where no two neighbours enclose it.
     double at(double energy) const;
 
+    /// Index of the right one of the two neighbours between which at() interpolates; 0 where there
+    /// are none.
+    std::size_t rightNeighbour(double energy) const;
+
 private:
     void assign(std::size_t right, std::vector<std::size_t>& nextFree);
-    std::size_t rightNeighbour(double energy) const;
 
     const SpectrumPoints& m_points;
     VictreenLine m_pre;

@@ -2,6 +2,7 @@
 
 #include "analysis/Constants.h"
 #include "analysis/PointRatio.h"
+#include "analysis/PooledVariance.h"
 #include "analysis/StudentT.h"
 
 #include <algorithm>
@@ -17,23 +18,6 @@ bool vanishes(const EntryVector& g)
 {
     return std::all_of(g.begin(), g.end(), [](double value) { return value == 0.0; });
 }
-
-/// Parts of a variance and the degrees of freedom with which they are known (F. E. Satterthwaite,
-/// Biometrics Bull. 2 (1946) 110).
-class PooledVariance
-{
-public:
-    void add(double variance, double degrees)
-    {
-        m_sum += variance;
-        m_overDegrees += variance * variance / degrees;
-    }
-    double degrees() const { return m_sum * m_sum / m_overDegrees; }
-
-private:
-    double m_sum = 0.0;
-    double m_overDegrees = 0.0;
-};
 
 /// What one spectrum adds to the variances of L1, L2 and t/ts.
 struct SpectrumPart {
@@ -141,9 +125,7 @@ TargetUncertainty targetUncertainty(const AnalysisInput& input, Method method,
     result.sigmaT = three ? notANumber : std::sqrt(ownThickness);
     result.sigmaTRef = three ? notANumber : std::sqrt(commonThickness);
     result.biasA = (a * own.v22 - own.v12) / (ratio.l2 * ratio.l2);
-    // Without any noise there is nothing to divide by, and nothing to widen.
-    const double degrees = pooled.degrees();
-    result.degrees = std::isnan(degrees) ? std::numeric_limits<double>::infinity() : degrees;
+    result.degrees = pooled.degrees();
     RatioVariance both = own;
     both += common;
     result.a = ratioInterval(ratio.l1, ratio.l2, both, studentQuantile(level, result.degrees));

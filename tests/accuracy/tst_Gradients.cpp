@@ -1,3 +1,4 @@
+#include "analysis/LcfUncertainty.h"
 #include "analysis/PointRatio.h"
 #include "analysis/TableCovariance.h"
 #include "tests/accuracy/RandomSpectra.h"
@@ -178,10 +179,13 @@ private:
     void compare(const Case& that);
     void compareSpectrum(const Case& that, const PointRatio& ratio, const PointRows& rows,
                          std::vector<exact::Spectrum> spectra, std::size_t i);
+    void compareFit(const LcfRange& range, std::vector<exact::Spectrum> spectra, std::size_t i,
+                    const std::vector<double>& gradient);
 
 private slots:
     void pointMethods_data();
     void pointMethods();
+    void combinationFits();
     void covarianceIsTheSumOverAllPoints();
     void missingPointsAndRowsWeighNothing();
 };
@@ -269,6 +273,56 @@ void tst_Gradients::compareSpectrum(const Case& that, const PointRatio& ratio,
         QVERIFY2(std::abs(gradient.a[j] - byA) < 1e-5 * scaleA, where.constData());
         if (that.method != Method::ThreePoint)
             QVERIFY2(std::abs(gradient.t[j] - byT) < 1e-5 * scaleT, where.constData());
+    }
+}
+
+void tst_Gradients::combinationFits()
+{
+    for (int round = 0; round < 5; ++round) {
+        const Case that = caseOf(Method::ThreePoint, ThicknessType::EdgeJumps, 3);
+        const LcfRange range{that.sample.edge - 20.0, that.sample.edge + 60.0};
+        std::vector<FittedSpectrum> fitted;
+        std::vector<MeasuredSums> sums;
+        std::vector<exact::Spectrum> spectra;
+        for (std::size_t i = 0; i < 3; ++i) {
+            SpectrumPoints points = that.sample.measured[i];
+            for (SpectrumPoint& point : points) // references between the target's points
+                point.energy += i == 2 ? 0.0 : m_random.uniform(-0.1, 0.1);
+            fitted.push_back(programSpectrum(that, points));
+            fitted.back().fitVictreens();
+            spectra.push_back(literalSpectrum(that, points));
+        }
+        for (const FittedSpectrum& spectrum : fitted)
+            sums.emplace_back(spectrum);
+        const LinearCombination fit = fitLinearCombination(fitted[0], fitted[1], fitted[2], range);
+        const LcfGradient gradient = lcfGradient({sums[0], sums[1], sums[2], range, fit});
+        for (std::size_t i = 0; i < 3; ++i)
+            compareFit(range, spectra, i, gradient[i]);
+    }
+}
+
+void tst_Gradients::compareFit(const LcfRange& range, std::vector<exact::Spectrum> spectra,
+                               std::size_t i, const std::vector<double>& gradient)
+{
+    const exact::Spectrum measured = spectra[i];
+    constexpr double step = 0x1p-18;
+    for (std::size_t j = 0; j < gradient.size(); j += 1 + gradient.size() / 12) {
+        std::array<Real, 2> moved;
+        for (const int side : {0, 1}) {
+            SpectrumPoints points = measured.points;
+            points[j].mut += side == 0 ? -step : step;
+            spectra[i] = {points, measured.edge, ranges.preEdgeEnd, ranges.postEdgeStart};
+            moved[side] =
+                exact::fitCombination(spectra[0], spectra[1], spectra[2], range.min, range.max)
+                    .share1();
+        }
+        const auto by = static_cast<double>((moved[1] - moved[0]) / (2.0 * step));
+        QVERIFY2(std::abs(gradient[j] - by) < 1e-5 * largest(gradient),
+                 qPrintable(QStringLiteral("spectrum %1, point %2: %3 %4")
+                                .arg(i)
+                                .arg(j)
+                                .arg(gradient[j])
+                                .arg(by)));
     }
 }
 

@@ -1,0 +1,265 @@
+#include "analysis/LcfUncertainty.h"
+
+#include "analysis/Constants.h"
+#include "analysis/LinearSolver.h"
+#include "analysis/NormalizedSpectrum.h"
+#include "analysis/PooledVariance.h"
+#include "analysis/StudentT.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace
+{
+
+/// A normalized value between two points of a spectrum.
+struct Between {
+    std::size_t left = 0;
+    std::size_t right = 0;
+    double part = 0.0; ///< of the right point
+    bool isMeasured = false;
+};
+
+/// The normalized values of the points of one spectrum.
+class Normalization
+{
+public:
+    explicit Normalization(const MeasuredSums& sums)
+        : m_sums(sums), m_spectrum(sums.spectrum()),
+          m_normalized(m_spectrum.points, m_spectrum.preVic, m_spectrum.postVic)
+    {
+    }
+
+    Between place(double energy) const
+    {
+        const std::size_t right = m_normalized.rightNeighbour(energy);
+        if (right == 0)
+            return {};
+        const double from = m_spectrum.points[right - 1].energy;
+        const double to = m_spectrum.points[right].energy;
+        return {right - 1, right, to > from ? (energy - from) / (to - from) : 0.0, true};
+    }
+    double at(double energy) const { return m_normalized.at(energy); }
+    double ofPoint(std::size_t i) const
+    {
+        return normalizedPoint(m_spectrum.points[i], m_spectrum.preVic, m_spectrum.postVic);
+    }
+    double heightAt(std::size_t i) const
+    {
+        return m_spectrum.vicDiffAt(m_spectrum.points[i].energy);
+    }
+
+    /// Variance of a normalized value by the noise of its own points; that of the lines is left
+    /// out.
+    double variance(const Between& place, const SpectrumNoise& noise) const
+    {
+        if (!place.isMeasured)
+            return 0.0;
+        const double left = (1.0 - place.part) / heightAt(place.left);
+        const double right = place.part / heightAt(place.right);
+        return left * left * noise.varianceAt(place.left) +
+               right * right * noise.varianceAt(place.right);
+    }
+
+    /// Derivatives of a result by the measured mu-t from those by the normalized values of all
+    /// points: an error of a mu-t moves its own value, and by the lines all others.
+    std::vector<double> byMeasured(const std::vector<double>& byNormalized) const
+    {
+        std::vector<double> by(byNormalized.size(), 0.0);
+        Vector<6> byFits{};
+        for (std::size_t i = 0; i < by.size(); ++i) {
+            if (byNormalized[i] == 0.0)
+                continue;
+            const double energy = m_spectrum.points[i].energy;
+            const double value = ofPoint(i);
+            by[i] = byNormalized[i] / heightAt(i);
+            const Vector<6> pre = m_sums.preAt(energy);
+            const Vector<6> post = m_sums.postAt(energy);
+            for (std::size_t k = 0; k < byFits.size(); ++k)
+                byFits[k] -= by[i] * ((1.0 - value) * pre[k] + value * post[k]);
+        }
+        for (std::size_t i = 0; i < by.size(); ++i)
+            by[i] += dot(byFits, m_sums.basesAt(i));
+        return by;
+    }
+
+private:
+    const MeasuredSums& m_sums;
+    const FittedSpectrum& m_spectrum;
+    NormalizedSpectrum m_normalized;
+};
+
+/// A fitted point of the target with the references there.
+struct FittedPoint {
+    std::size_t index; ///< of the target's point
+    Between place1;
+    Between place2;
+    double x1;
+    double x2;
+    double residual;
+};
+
+/// The fit once more, point by point.
+class Residuals
+{
+public:
+    explicit Residuals(const JudgedFit& judged);
+
+    LcfGradient gradient() const;
+    double reducedChiSquare(const SpectrumNoises& noises) const;
+    double bias(const SpectrumNoises& noises) const;
+
+private:
+    void findInfluence();
+
+    const LinearCombination& m_fit;
+    Normalization m_ref1;
+    Normalization m_ref2;
+    Normalization m_target;
+    std::array<std::size_t, 3> m_sizes; ///< points of Ref 1, Ref 2 and target
+    std::vector<FittedPoint> m_points;
+    /// The inverse normal matrix times the derivatives of the fraction by the weights.
+    Vector<3> m_influence{};
+};
+
+Residuals::Residuals(const JudgedFit& judged)
+    : m_fit(judged.fit), m_ref1(judged.ref1), m_ref2(judged.ref2),
+      m_target(judged.target), m_sizes{judged.ref1.spectrum().points.size(),
+                                       judged.ref2.spectrum().points.size(),
+                                       judged.target.spectrum().points.size()}
+{
+    const SpectrumPoints& points = judged.target.spectrum().points;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const double energy = points[i].energy;
+        if (!judged.range.contains(energy))
+            continue;
+        const double x1 = m_ref1.at(energy);
+        const double x2 = m_ref2.at(energy);
+        const double fitted = m_fit.p1 * x1 + m_fit.p2 * x2 + m_fit.p3;
+        m_points.push_back(
+            {i, m_ref1.place(energy), m_ref2.place(energy), x1, x2, m_target.ofPoint(i) - fitted});
+    }
+    findInfluence();
+}
+
+void Residuals::findInfluence()
+{
+    Matrix<3> normal{};
+    for (const FittedPoint& point : m_points) {
+        const Vector<3> x{point.x1, point.x2, 1.0};
+        for (std::size_t k = 0; k < x.size(); ++k)
+            for (std::size_t l = 0; l < x.size(); ++l)
+                normal[k][l] += x[k] * x[l];
+    }
+    const double sum = m_fit.p1 + m_fit.p2;
+    m_influence = solveLinear<3>(normal, {m_fit.p2 / (sum * sum), -m_fit.p1 / (sum * sum), 0.0});
+}
+
+LcfGradient Residuals::gradient() const
+{
+    const auto add = [](const Between& place, double derivative, std::vector<double>& to) {
+        if (!place.isMeasured)
+            return;
+        to[place.left] += (1.0 - place.part) * derivative;
+        to[place.right] += place.part * derivative;
+    };
+    std::vector<double> by1(m_sizes[0], 0.0);
+    std::vector<double> by2(m_sizes[1], 0.0);
+    std::vector<double> byTarget(m_sizes[2], 0.0);
+    for (const FittedPoint& point : m_points) {
+        const double influence =
+            m_influence[0] * point.x1 + m_influence[1] * point.x2 + m_influence[2];
+        add(point.place1, m_influence[0] * point.residual - m_fit.p1 * influence, by1);
+        add(point.place2, m_influence[1] * point.residual - m_fit.p2 * influence, by2);
+        byTarget[point.index] += influence;
+    }
+    return {m_ref1.byMeasured(by1), m_ref2.byMeasured(by2), m_target.byMeasured(byTarget)};
+}
+
+double Residuals::reducedChiSquare(const SpectrumNoises& noises) const
+{
+    double sum = 0.0;
+    for (const FittedPoint& point : m_points) {
+        const double own = std::sqrt(noises[SpectrumSet::Target]->varianceAt(point.index)) /
+                           m_target.heightAt(point.index);
+        const double variance =
+            own * own +
+            m_fit.p1 * m_fit.p1 * m_ref1.variance(point.place1, *noises[SpectrumSet::Ref1]) +
+            m_fit.p2 * m_fit.p2 * m_ref2.variance(point.place2, *noises[SpectrumSet::Ref2]);
+        sum += point.residual * point.residual / variance;
+    }
+    const double degrees = static_cast<double>(m_points.size()) - 3.0;
+    return degrees > 0.0 ? sum / degrees : notANumber;
+}
+
+double Residuals::bias(const SpectrumNoises& noises) const
+{
+    double sum1 = 0.0;
+    double sum2 = 0.0;
+    for (const FittedPoint& point : m_points) {
+        sum1 += m_ref1.variance(point.place1, *noises[SpectrumSet::Ref1]);
+        sum2 += m_ref2.variance(point.place2, *noises[SpectrumSet::Ref2]);
+    }
+    return -(m_influence[0] * sum1 * m_fit.p1 + m_influence[1] * sum2 * m_fit.p2);
+}
+
+double variance(const std::vector<double>& gradient, const SpectrumNoise& noise)
+{
+    double sum = 0.0;
+    for (std::size_t i = 0; i < gradient.size(); ++i)
+        sum += gradient[i] * gradient[i] * noise.varianceAt(i);
+    return sum;
+}
+
+} // namespace
+
+double LcfUncertainty::sigmaValence(const ReferenceValences& valences) const
+{
+    return sigmaA * std::abs(valences.ref1 - valences.ref2);
+}
+
+bool LcfUncertainty::isBiased() const
+{
+    constexpr double small = 0.2;
+    return std::abs(biasA) > small * std::hypot(sigmaA, sigmaARef);
+}
+
+LcfGradient lcfGradient(const JudgedFit& judged)
+{
+    return Residuals(judged).gradient();
+}
+
+LcfUncertainty lcfUncertainty(const JudgedFit& judged, const SpectrumNoises& noises, double level)
+{
+    constexpr std::array<SpectrumSet::Index, 3> spectra{SpectrumSet::Ref1, SpectrumSet::Ref2,
+                                                        SpectrumSet::Target};
+    LcfUncertainty result;
+    if (!std::all_of(spectra.begin(), spectra.end(),
+                     [&](auto i) { return noises[i].has_value(); })) {
+        result.sigmaA = result.sigmaARef = result.reducedChiSquare = result.biasA = notANumber;
+        return result;
+    }
+    const Residuals residuals(judged);
+    const LcfGradient gradient = residuals.gradient();
+    PooledVariance all;
+    double own = 0.0;
+    double common = 0.0;
+    for (std::size_t i = 0; i < spectra.size(); ++i) {
+        const SpectrumNoise& noise = *noises[spectra[i]];
+        const double part = variance(gradient[i], noise);
+        (spectra[i] == SpectrumSet::Target ? own : common) += part;
+        all.add(part, noise.degrees);
+    }
+    result.sigmaA = std::sqrt(own);
+    result.sigmaARef = std::sqrt(common);
+    result.degrees = all.degrees();
+    result.reducedChiSquare = residuals.reducedChiSquare(noises);
+    result.biasA = residuals.bias(noises);
+    const double a = judged.fit.share1();
+    const double half =
+        studentQuantile(level, result.degrees) * std::hypot(result.sigmaA, result.sigmaARef);
+    if (std::isfinite(a) && std::isfinite(half))
+        result.a = Interval{a - half, a + half};
+    return result;
+}
