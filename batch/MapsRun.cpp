@@ -145,7 +145,8 @@ MapOutcome analyseMap(const Job& job, const JobData& common, const MapJob& map, 
     if (!data) {
         MapOutcome refused;
         refused.row.map = map.name;
-        refused.row.refusal = error.reason;
+        // As the job names the file, wherever the job is.
+        refused.row.refusal = error.reason.remove(job.folder + QLatin1Char('/'));
         return refused;
     }
     QStringList warnings;

@@ -1,10 +1,12 @@
 #include "app/FourPs.h"
 #include "app/PanelSettings.h"
 #include "batch/JobRun.h"
+#include "batch/MapsRun.h"
 #include "batch/ResultPath.h"
 #include "input/AEPoint.h"
 #include "input/AXafsData.h"
 #include "input/AXafsFileSelect.h"
+#include "results/HistogramFile.h"
 #include "tests/batch/RandomJob.h"
 #include "tests/support/Files.h"
 
@@ -13,6 +15,8 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <algorithm>
 
 /// Random jobs, run in the window and by the batch program: all that both say and write is the
 /// same. DROVIK_SESSIONS sets how many (40 where it is not set), DROVIK_SEED the first seed; each
@@ -31,10 +35,14 @@ private:
     int m_unreadable = 0;
     int m_written = 0;
     int m_programs = 0;
+    int m_maps = 0;
+    int m_refusedMaps = 0;
 
 private slots:
     void sameTextsAndFiles_data();
     void sameTextsAndFiles();
+    void sameMaps_data() { sameTextsAndFiles_data(); }
+    void sameMaps();
     void jobsReachedEverything();
     void windowKeepsAResultBesideARefusal();
 };
@@ -152,6 +160,34 @@ bool isRefusedByThePanel(const RandomJob& job, int line, const FourPs& panel)
     return row >= 0 && !panel.ePoints[row]->mapData().valid;
 }
 
+/// The images of a random job as one map of a job that has many.
+struct OneOfManyMaps {
+    Job job;
+    MapJob map;
+    QString result;
+
+    OneOfManyMaps(RandomJob& made, const Job& read, const QString& folder) : job(read)
+    {
+        QRandomGenerator random(made.text().size());
+        job.output.path = folder + QStringLiteral("/many");
+        map.name = random.bounded(2) == 0 ? QStringLiteral("50%1.b") : QStringLiteral("鉄 1");
+        job.valenceHistogram = {QStringLiteral("-0.25"),
+                                QStringLiteral("4.1"),
+                                QString::number(2 + random.bounded(200)),
+                                {}};
+        made.settings.valenceHistogram = settingsOf(job).valenceHistogram;
+        for (std::size_t i = 0; i < made.settings.points.size(); ++i) {
+            const QString image = i < made.files.maps.size() ? made.files.maps[i] : QString();
+            map.images.push_back({image, {}});
+            // A point without an image is not used for the map.
+            made.settings.points[i].use &= !image.isEmpty();
+        }
+        for (JobPoint& point : *job.points)
+            point.map = {};
+        result = mapResultFile(job, map);
+    }
+};
+
 struct Output {
     int status = -1;
     QString text;
@@ -213,7 +249,8 @@ void tst_WindowAndBatch::sameTextsAndFiles()
     QVERIFY2(job, qPrintable(errorText(made.path(), error)));
     const std::optional<JobData> data = readJobData(*job, error);
     if (!data) {
-        QVERIFY2(isRefusedByThePanel(made, error.place.line, window.panel), qPrintable(error.reason));
+        QVERIFY2(isRefusedByThePanel(made, error.place.line, window.panel),
+                 qPrintable(error.reason));
         ++m_unreadable;
         return;
     }
@@ -246,6 +283,61 @@ void tst_WindowAndBatch::sameTextsAndFiles()
     ++m_programs;
 }
 
+/// What a job of many maps writes for each is what "Write" writes, byte by byte.
+void tst_WindowAndBatch::sameMaps()
+{
+    QFETCH(quint32, seed);
+    const QTemporaryDir folder;
+    RandomJob made(seed, folder.path());
+    JobError error;
+    const std::optional<Job> read = readJob(made.path(), error);
+    QVERIFY(read);
+    if (!read->points)
+        return; // a map has points
+    const OneOfManyMaps many(made, *read, folder.path());
+    const std::optional<JobData> common = readJobData(many.job, error);
+    if (!common)
+        return; // sameTextsAndFiles has those that cannot be read
+    Workers workers(1 + seed % 3);
+    const MapOutcome outcome = analyseMap(many.job, *common, many.map, workers);
+
+    const QString beside = folder.filePath(QStringLiteral("window"));
+    QVERIFY(QDir().mkpath(beside));
+    made.result = beside + QLatin1Char('/') + QFileInfo(many.result).fileName();
+    made.target = made.lcf = false;
+    made.map = true;
+    // Histograms are written only where there are some.
+    const QStringList names{mapResultFile(many.job, many.map),
+                            mapHistogramFile(many.job, many.map, valenceHistogramTag),
+                            mapHistogramFile(many.job, many.map, thicknessHistogramTag)};
+    for (int i : {1, 2})
+        create(beside + QLatin1Char('/') + QFileInfo(names[i]).fileName(), {});
+    Window window(made);
+    const bool unreadable =
+        std::any_of(window.panel.ePoints.begin(), window.panel.ePoints.end(), [](AEPoint* point) {
+            return !point->mapData().valid && !point->MapFile->FileName->text().isEmpty();
+        });
+    window.run(made);
+    QVERIFY(!outcome.fileFailed);
+    if (unreadable || window.map.isEmpty()) {
+        QVERIFY(!outcome.row.refusal.isEmpty());
+        if (!unreadable)
+            QCOMPARE(outcome.row.refusal, window.messages.last());
+        QCOMPARE(outcome.files, QStringList());
+        ++m_refusedMaps;
+        return;
+    }
+    QCOMPARE(outcome.row.refusal, QString());
+    QCOMPARE(outcome.row.messages, window.messages);
+    QCOMPARE(QStringLiteral("%1 x %2 pixels").arg(outcome.row.columns).arg(outcome.row.rows),
+             window.map);
+    QCOMPARE(outcome.files, names);
+    for (const QString& name : names)
+        QVERIFY2(contents(name) == contents(beside + QLatin1Char('/') + QFileInfo(name).fileName()),
+                 qPrintable(name));
+    ++m_maps;
+}
+
 void tst_WindowAndBatch::jobsReachedEverything()
 {
     const char* const expected[] = {"^3ps: a = [-0-9.e]+, Valence = [-0-9.e]+$",
@@ -269,7 +361,9 @@ void tst_WindowAndBatch::jobsReachedEverything()
     }
     qInfo("%6d files written, %d jobs by the program, %d unreadable", m_written, m_programs,
           m_unreadable);
+    qInfo("%6d maps of many, %d refused", m_maps, m_refusedMaps);
     QVERIFY((m_written > 0 && m_programs > 0 && m_unreadable > 0) || !judge);
+    QVERIFY((m_maps > 0 && m_refusedMaps > 0) || !judge);
 }
 
 void tst_WindowAndBatch::windowKeepsAResultBesideARefusal()

@@ -1,0 +1,381 @@
+#include "batch/MapsRun.h"
+#include "examples/MapSample.h"
+#include "examples/MixedSampleFiles.h"
+#include "tests/support/Files.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cmath>
+#include <memory>
+
+namespace
+{
+
+constexpr int columns = 24;
+constexpr int rows = 16;
+
+double number(const QByteArray& text)
+{
+    bool isNumber = false;
+    const double value = text.toDouble(&isNumber);
+    return isNumber ? value : std::nan("");
+}
+
+/// Standard deviation of n values from 0 to 1 in equal steps, each of them k times.
+double evenDeviation(int n, int k)
+{
+    const double variance = (n + 1.0) / (12.0 * (n - 1.0)); // (n² - 1) / 12 steps of 1 / (n - 1)
+    const double count = static_cast<double>(n) * k;
+    return std::sqrt(variance * count / (count - 1.0));
+}
+
+} // namespace
+
+/// Maps of known truth, analysed for a folder of results.
+class tst_MapsRun : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void rowHoldsTheTruth();
+    void columnsAndRefusedRow();
+    void filesAreThoseOfTheMap();
+    void nothingIsWrittenWithoutMapFiles();
+    void threadsChangeNothing();
+    void badImageRefusesTheMap_data();
+    void badImageRefusesTheMap();
+    void pointWithoutImageIsNotUsed();
+    void patternLeavesOutWhatIsNotUsed();
+    void missingFiles_data();
+    void missingFiles();
+    void settingsOfTheHistogram();
+    void scanThatWasStopped();
+    void mapWithoutANumber();
+    void doubts();
+    void folderThatCannotBe();
+
+private:
+    QString in(const char* name) const { return m_dir->filePath(QString::fromUtf8(name)); }
+    /// A job with its maps, on the files of the example.
+    Job job(const QByteArray& maps, const QByteArray& more = {}) const;
+    MapOutcome analysed(const Job& job, unsigned threads = 2) const;
+    /// A field of the row by the name of its column.
+    static QByteArray field(const MapRow& row, const char* column)
+    {
+        return mapFields(row).value(mapColumns().indexOf(column));
+    }
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+};
+
+void tst_MapsRun::init()
+{
+    m_dir = std::make_unique<QTemporaryDir>();
+    MapSample sample;
+    sample.columns = columns;
+    sample.rows = rows;
+    QCOMPARE(writeSample(m_dir->path(), sample.sample, std::nullopt), QString());
+    QCOMPARE(writeMap(m_dir->path(), sample), QString());
+}
+
+Job tst_MapsRun::job(const QByteArray& maps, const QByteArray& more) const
+{
+    create(in("job.toml"), maps +
+                               "[files]\nref1 = \"ref1.dat\"\nref2 = \"ref2.dat\"\n"
+                               "blank = \"blank.dat\"\n"
+                               "[conditions]\nthickness = \"sum-by-sum\"\n"
+                               "references_minus_victreen = false\n"
+                               "[[point]]\nenergy = 8313\n[[point]]\nenergy = 8381\n"
+                               "[[point]]\nenergy = 8390\nv_point = true\n"
+                               "[[point]]\nenergy = 8404.5\n"
+                               "[output]\nfolder = \"results\"\n" +
+                               more);
+    JobError error;
+    const std::optional<Job> made = readJob(in("job.toml"), error);
+    if (!made)
+        qFatal("%s", qPrintable(errorText(QStringLiteral("job"), error)));
+    return *made;
+}
+
+MapOutcome tst_MapsRun::analysed(const Job& job, unsigned threads) const
+{
+    JobError error;
+    const auto maps = mapList(job, error);
+    const auto common = readJobData(job, error);
+    if (!maps || !common)
+        qFatal("%s", qPrintable(errorText(QStringLiteral("job"), error)));
+    Workers workers(threads);
+    return analyseMap(job, *common, maps->front(), workers);
+}
+
+const QByteArray area = "[[map]]\nname = \"area 1\"\npattern = \"map_{row}.dat\"\n";
+
+/// The fraction rises evenly from the first column to the last, t/ts from the first row, where it
+/// is a quarter.
+void tst_MapsRun::rowHoldsTheTruth()
+{
+    const MapRow row = analysed(job(area)).row;
+    QCOMPARE(row.refusal, QString());
+    QVERIFY(row.isGood());
+    QCOMPARE(row.warnings, QStringList());
+    QCOMPARE(row.messages.size(), 1);
+    QVERIFY(row.messages.front().startsWith(QStringLiteral("sbys = ")));
+    QCOMPARE(field(row, "map"), QByteArray("area 1"));
+    QCOMPARE(field(row, "method"), QByteArray("4ps2"));
+    QCOMPARE(field(row, "columns"), QByteArray("24"));
+    QCOMPARE(field(row, "rows"), QByteArray("16"));
+    QCOMPARE(field(row, "pixels"), QByteArray("384"));
+    QCOMPARE(field(row, "missing"), QByteArray("0"));
+    const double tolerance = 5e-5; // of the references' six digits
+    QVERIFY(std::abs(number(field(row, "valence_mean")) - 2.5) < tolerance);
+    QVERIFY(std::abs(number(field(row, "valence_median")) - 2.5) < tolerance);
+    QVERIFY(std::abs(number(field(row, "valence_sd")) - evenDeviation(columns, rows)) < tolerance);
+    QVERIFY(std::abs(number(field(row, "t_mean")) - 0.625) < tolerance);
+    QVERIFY(std::abs(number(field(row, "t_median")) - 0.625) < tolerance);
+    QVERIFY(std::abs(number(field(row, "t_sd")) - 0.75 * evenDeviation(rows, columns)) < tolerance);
+    QCOMPARE(field(row, "below"), QByteArray("0"));
+    QCOMPARE(field(row, "above"), QByteArray("0"));
+    QCOMPARE(field(row, "refusal"), QByteArray());
+    // The shortest text that reads back.
+    const QByteArray mean = field(row, "valence_mean");
+    QCOMPARE(mean, QByteArray::number(mean.toDouble(), 'g', QLocale::FloatingPointShortest));
+}
+
+void tst_MapsRun::columnsAndRefusedRow()
+{
+    QCOMPARE(mapColumns().join(','),
+             QByteArray("map,method,columns,rows,pixels,missing,valence_mean,valence_median,"
+                        "valence_sd,t_mean,t_median,t_sd,below,above,refusal"));
+    MapRow row;
+    row.map = QStringLiteral("鉄");
+    row.refusal = QStringLiteral("no, none");
+    QCOMPARE(mapFields(row).join('|'), QByteArray("鉄||||||||||||||no, none"));
+    QVERIFY(!row.isGood());
+}
+
+void tst_MapsRun::filesAreThoseOfTheMap()
+{
+    const MapOutcome outcome = analysed(job(area));
+    const QStringList expected{in("results/maps/area 1/area 1.dat"),
+                               in("results/maps/area 1/area 1_HGAlpha.dat"),
+                               in("results/maps/area 1/area 1_HGThick.dat")};
+    QCOMPARE(outcome.files, expected);
+    QVERIFY(!outcome.fileFailed);
+    QCOMPARE(outcome.failure, QString());
+    QCOMPARE(QDir(in("results/maps/area 1"))
+                 .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList({QStringLiteral("area 1.dat"), QStringLiteral("area 1_HGAlpha.dat"),
+                          QStringLiteral("area 1_HGThick.dat")}));
+    // The header of the V point's image, an empty line, a line a pixel, one behind each row.
+    const QByteArray text = contents(expected[0]);
+    const QByteArray header = mapHeader(MapSample(), 8390.0);
+    QVERIFY(text.startsWith(header.trimmed() + "\n\n "));
+    const int headerLines = header.trimmed().count('\n') + 1;
+    QCOMPARE(text.count('\n'), headerLines + 1 + columns * rows + rows);
+    // Below, 41 boxes, above.
+    QCOMPARE(contents(expected[1]).count('\n'), 43);
+    QCOMPARE(contents(expected[2]).count('\n'), 43);
+}
+
+void tst_MapsRun::nothingIsWrittenWithoutMapFiles()
+{
+    const MapOutcome outcome = analysed(job(area, "map_files = false\n"));
+    QCOMPARE(outcome.row.refusal, QString());
+    QCOMPARE(outcome.files, QStringList());
+    QVERIFY(!QFileInfo::exists(in("results")));
+}
+
+void tst_MapsRun::threadsChangeNothing()
+{
+    MapSample large;
+    large.columns = 301;
+    large.rows = 257;
+    QCOMPARE(writeMap(m_dir->path(), large), QString());
+    QList<QByteArrayList> fields;
+    QList<QByteArray> files;
+    for (const unsigned threads : {1U, 2U, 3U}) {
+        const MapOutcome outcome = analysed(job(area), threads);
+        fields += mapFields(outcome.row);
+        QByteArray all;
+        for (const QString& file : outcome.files)
+            all += contents(file);
+        files += all;
+    }
+    QVERIFY(files[0].size() > 301 * 257 * 50);
+    for (int i : {1, 2}) {
+        QCOMPARE(fields[i], fields[0]);
+        QVERIFY(files[i] == files[0]);
+    }
+}
+
+void tst_MapsRun::badImageRefusesTheMap_data()
+{
+    QTest::addColumn<QByteArray>("image");
+    QTest::addColumn<QString>("refusal");
+    QTest::newRow("no axes") << QByteArray("1 2 3 4\n")
+                             << QStringLiteral("no 2D data with axes in map_2.dat");
+    QTest::newRow("empty") << QByteArray() << QStringLiteral("no 2D data with axes in map_2.dat");
+    QTest::newRow("gone") << QByteArray("gone")
+                          << QStringLiteral("cannot open map_2.dat: there is no such file");
+}
+
+/// Four points are asked for; three would give a map, which nobody asked for.
+void tst_MapsRun::badImageRefusesTheMap()
+{
+    QFETCH(QByteArray, image);
+    QFETCH(QString, refusal);
+    const Job made = job(area);
+    JobError error;
+    const auto maps = mapList(made, error);
+    const auto common = readJobData(made, error);
+    QVERIFY(maps && common);
+    if (image == "gone")
+        QVERIFY(QFile::remove(in("map_2.dat")));
+    else
+        create(in("map_2.dat"), image);
+    Workers workers(2);
+    const MapOutcome outcome = analyseMap(made, *common, maps->front(), workers);
+    QCOMPARE(outcome.row.refusal, refusal);
+    QVERIFY(!outcome.row.isGood());
+    QCOMPARE(mapFields(outcome.row).join('|'),
+             "area 1|" + QByteArray(13, '|') + outcome.row.refusal.toUtf8());
+    QCOMPARE(outcome.files, QStringList());
+    QVERIFY(!QFileInfo::exists(in("results")));
+}
+
+void tst_MapsRun::pointWithoutImageIsNotUsed()
+{
+    const MapRow row = analysed(job("[[map]]\nname = \"three\"\n"
+                                    "images = [\"map_1.dat\", \"\", \"map_3.dat\", "
+                                    "\"map_4.dat\"]\n"))
+                           .row;
+    QCOMPARE(row.refusal, QString());
+    QCOMPARE(field(row, "method"), QByteArray("3ps"));
+    QCOMPARE(field(row, "missing"), QByteArray("0"));
+    const MapRow two = analysed(job("[[map]]\nname = \"two\"\nimages = [\"\", \"\", \"map_3.dat\", "
+                                    "\"map_4.dat\"]\n"))
+                           .row;
+    QCOMPARE(two.refusal, QStringLiteral("Number of selected data sets 2 is not 4."));
+}
+
+void tst_MapsRun::patternLeavesOutWhatIsNotUsed()
+{
+    Job made = job("[[map]]\nname = \"m\"\npattern = \"area_{energy}_{row}.dat\"\n");
+    (*made.points)[1].use = false;
+    for (const char* name : {"area_8313_1.dat", "area_8390_3.dat", "area_8404.5_4.dat"})
+        QVERIFY(QFile::copy(in("map_1.dat"), in(name)));
+    JobError error;
+    const auto maps = mapList(made, error);
+    QVERIFY2(maps, qPrintable(error.reason));
+    QStringList images;
+    for (const JobFilePath& image : maps->front().images)
+        images += image.path;
+    QCOMPARE(images, QStringList({in("area_8313_1.dat"), QString(), in("area_8390_3.dat"),
+                                  in("area_8404.5_4.dat")}));
+}
+
+void tst_MapsRun::missingFiles_data()
+{
+    QTest::addColumn<QByteArray>("map");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("image") << QByteArray("[[map]]\nname = \"m\"\nimages = [\"map_1.dat\", "
+                                         "\"map_9.dat\", \"map_3.dat\", \"\"]\n")
+                           << QStringLiteral("job:3:24: map.images: there is no file "
+                                             "DIR/map_9.dat for [[point]] 2");
+    QTest::newRow("pattern") << area + "[[map]]\nname = \"m\"\npattern = \"map_{energy}.dat\"\n"
+                             << QStringLiteral("job:6:11: map.pattern: there is no file "
+                                               "DIR/map_8313.dat for [[point]] 1");
+    QTest::newRow("folder") << QByteArray("[[map]]\nname = \"m\"\nimages = [\"map_1.dat\", "
+                                          "\"\", \".\", \"\"]\n")
+                            << QStringLiteral("job:3:28: map.images: there is no file DIR/. for "
+                                              "[[point]] 3");
+}
+
+void tst_MapsRun::missingFiles()
+{
+    QFETCH(QByteArray, map);
+    QFETCH(QString, expected);
+    JobError error;
+    QVERIFY(!mapList(job(map), error));
+    QCOMPARE(errorText(QStringLiteral("job"), error),
+             expected.replace(QStringLiteral("DIR"), m_dir->path()));
+}
+
+/// Boxes around 2.2, 2.4 and 2.6: of the 24 columns, from 3 to 2, those from 2.1 to 2.7 lie within.
+void tst_MapsRun::settingsOfTheHistogram()
+{
+    const MapOutcome outcome =
+        analysed(job(area, "[histogram]\nvalence = {from = 2.2, to = 2.6, boxes = 3}\n"));
+    const auto columnsWithin = [](double low, double high) {
+        int count = 0;
+        for (int x = 0; x < columns; ++x) {
+            const double valence = 3.0 - x / (columns - 1.0);
+            count += valence >= low && valence < high ? 1 : 0;
+        }
+        return QByteArray::number(count * rows);
+    };
+    QCOMPARE(field(outcome.row, "below"), columnsWithin(0.0, 2.1));
+    QCOMPARE(field(outcome.row, "above"), columnsWithin(2.7, 9.0));
+    QCOMPARE(contents(in("results/maps/area 1/area 1_HGAlpha.dat")).count('\n'), 5);
+}
+
+/// The last row of an image was not measured.
+void tst_MapsRun::scanThatWasStopped()
+{
+    QByteArray image = contents(in("map_4.dat")).trimmed();
+    image.truncate(image.lastIndexOf("\n\n"));
+    create(in("map_4.dat"), image + '\n');
+    const MapRow row = analysed(job(area)).row;
+    QCOMPARE(row.refusal, QString());
+    QCOMPARE(field(row, "pixels"), QByteArray("384"));
+    QCOMPARE(field(row, "missing"), QByteArray("24"));
+    QVERIFY(std::abs(number(field(row, "valence_mean")) - 2.5) < 5e-5);
+    // 15 of the rows, from a quarter to 0.95.
+    QVERIFY(std::abs(number(field(row, "t_mean")) - 0.6) < 5e-5);
+}
+
+/// Without references that differ there is no number at all.
+void tst_MapsRun::mapWithoutANumber()
+{
+    QVERIFY(QFile::remove(in("ref2.dat")));
+    QVERIFY(QFile::copy(in("ref1.dat"), in("ref2.dat")));
+    const MapRow row = analysed(job(area)).row;
+    QCOMPARE(row.refusal, QString());
+    QCOMPARE(field(row, "missing"), QByteArray("384"));
+    QCOMPARE(field(row, "valence_mean"), QByteArray());
+    QCOMPARE(field(row, "t_sd"), QByteArray());
+    QVERIFY(!row.isGood());
+    QCOMPARE(row.warnings,
+             QStringList({QStringLiteral("no pixel of the map has a finite result")}));
+}
+
+/// Energies of the header are those that count.
+void tst_MapsRun::doubts()
+{
+    QByteArray image = contents(in("map_1.dat"));
+    image.replace("8313", "8.313");
+    create(in("map_1.dat"), image);
+    const MapRow row = analysed(job(area)).row;
+    QVERIFY(!row.warnings.isEmpty());
+    QCOMPARE(row.warnings.front(),
+             QStringLiteral("energy 8.313 looks like keV; energies are in eV"));
+}
+
+void tst_MapsRun::folderThatCannotBe()
+{
+    QVERIFY(QDir(m_dir->path()).mkpath(QStringLiteral("results/maps")));
+    create(in("results/maps/area 1"), "a file");
+    const MapOutcome outcome = analysed(job(area));
+    QCOMPARE(outcome.row.refusal, QString());
+    QVERIFY(outcome.fileFailed);
+    QCOMPARE(outcome.failure,
+             QStringLiteral("Can't open the file [%1]").arg(in("results/maps/area 1/area 1.dat")));
+    QCOMPARE(outcome.files, QStringList());
+    QCOMPARE(contents(in("results/maps/area 1")), QByteArray("a file"));
+}
+
+QTEST_GUILESS_MAIN(tst_MapsRun)
+#include "tst_MapsRun.moc"
