@@ -48,3 +48,8 @@ SubtractedLine subtractedLine(SpectrumSet::Index spectrum, const Conditions& con
 /// here as they do there; 0 where a spectrum does not reach an energy or is missing.
 PointRows pointTable(const std::vector<ChosenPoint>& points, const SpectrumSet& spectra,
                      const Conditions& conditions);
+
+/// The same energies with the mu-t of spectra as they are, not to six digits.
+/// @param chosen  of which everything but the mu-t is taken
+PointRows unroundedTable(const PointRows& chosen, const SpectrumSet& spectra,
+                         const Conditions& conditions);

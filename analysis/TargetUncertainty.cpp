@@ -74,7 +74,9 @@ TableCovariances tableCovariances(const AnalysisInput& input, const SpectrumNois
     TableCovariances covariances;
     for (std::size_t i = 0; i < covariances.size(); ++i) {
         const auto spectrum = static_cast<SpectrumSet::Index>(i);
-        if (input.spectra.isValid(spectrum) && noises[i])
+        if (!input.spectra.isValid(spectrum))
+            covariances[i] = TableCovariance();
+        else if (noises[i])
             covariances[i] = tableCovariance(*input.spectra[spectrum],
                                              subtractedLine(spectrum, input.conditions),
                                              input.table, *noises[i]);

@@ -13,7 +13,8 @@ using SpectrumNoises = std::array<std::optional<SpectrumNoise>, SpectrumSet::cou
 /// How the noise of each spectrum moves its entries; nothing where it is not known.
 using TableCovariances = std::array<std::optional<TableCovariance>, SpectrumSet::count>;
 
-/// Of the spectra that are there. Those of references and blank serve all targets of one table.
+/// Those of references and blank serve all targets of one table. A spectrum that is missing has
+/// entries of 0, which do not move.
 TableCovariances tableCovariances(const AnalysisInput& input, const SpectrumNoises& noises);
 
 /// How sure the result of a point method is, by the noise of what was measured. The own part comes

@@ -11,13 +11,16 @@ void addSteps(std::vector<double>& energies, double from, double to, double step
         energies.push_back(from + step * i);
 }
 
-/// Thirty points before the edge and as many behind it, every electronvolt between.
+/// Thirty points before the edge and as many behind it, every electronvolt between; the first row
+/// of the table lies between two points, the others on one.
 std::vector<double> shortScan()
 {
     std::vector<double> energies;
     addSteps(energies, 8000.0, 8300.0, 10.0);
     addSteps(energies, 8300.0, 8330.0, 5.0);
-    addSteps(energies, 8330.0, 8480.0, 1.0);
+    addSteps(energies, 8330.0, 8404.5, 1.0);
+    energies.push_back(8404.5);
+    addSteps(energies, 8405.0, 8480.0, 1.0);
     addSteps(energies, 8480.0, 9240.0, 25.0);
     return energies;
 }
