@@ -8,8 +8,3 @@
 /// @return nothing, or what is wrong with `map_result`: it is a folder, the job, a spectrum or 2D
 ///         data of the job, or a file that cannot be written
 std::optional<JobError> checkResultPath(const Job& job, const QString& jobPath);
-
-/// The same for a file in the output folder of many targets. The folder need not be there yet.
-/// @param path  of the file
-std::optional<JobError> checkOutput(const Job& job, const QString& jobPath,
-                                    const std::vector<JobFilePath>& targets, const QString& path);

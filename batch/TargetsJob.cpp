@@ -1,8 +1,8 @@
 #include "batch/TargetsJob.h"
 
 #include "batch/Console.h"
+#include "batch/OutputCheck.h"
 #include "batch/ProgressLine.h"
-#include "batch/ResultPath.h"
 #include "batch/TargetList.h"
 #include "batch/TargetsRun.h"
 #include "text/Csv.h"
@@ -102,7 +102,10 @@ ExitStatus analyseTargets(const QString& path, const Job& job, const RunOptions&
         return complain(errorText(path, error));
     if (options.listOnly)
         return listTargets(*targets, options);
-    if (const auto wrong = checkOutput(job, path, *targets, csvPath(job)))
+    const auto maps = mapList(job, error);
+    if (!maps)
+        return complain(errorText(path, error));
+    if (const auto wrong = checkOutputs(job, path, *targets, *maps, {csvPath(job)}))
         return complain(errorText(path, *wrong));
     const std::optional<JobData> common = readJobData(job, error);
     if (!common)

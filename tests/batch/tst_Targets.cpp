@@ -276,8 +276,9 @@ void tst_Targets::checkWritesNothing()
     writeJob({}, "\"scans/*.csv\"");
     const Output bad = run({QStringLiteral("--check"), QStringLiteral("job.toml")}, m_dir->path());
     QCOMPARE(bad.status, 2);
-    QCOMPARE(bad.errors, QStringLiteral("job.toml:5:12: files.targets: no file is named, or matched by, %1\n")
-                             .arg(file("scans/*.csv")));
+    QCOMPARE(bad.errors,
+             QStringLiteral("job.toml:5:12: files.targets: no file is named, or matched by, %1\n")
+                 .arg(file("scans/*.csv")));
 }
 
 void tst_Targets::nothingReadIsWritten()
@@ -288,8 +289,10 @@ void tst_Targets::nothingReadIsWritten()
     writeJob();
     const Output output = run({QStringLiteral("job.toml")}, m_dir->path());
     QCOMPARE(output.status, 2);
-    QCOMPARE(output.errors, QStringLiteral("job.toml:7:10: output.folder: %1 would be written over the target %2\n")
-                                .arg(file("results/results.csv"), file("scans/35.dat")));
+    QCOMPARE(
+        output.errors,
+        QStringLiteral("job.toml:7:10: output.folder: %1 would be written over the target %2\n")
+            .arg(file("results/results.csv"), file("scans/35.dat")));
     QCOMPARE(contents(file("scans/35.dat")), before);
 }
 
@@ -300,7 +303,8 @@ void tst_Targets::folderThatCannotBe()
     const Output output = run({QStringLiteral("job.toml")}, m_dir->path());
     QCOMPARE(output.status, 2);
     QCOMPARE(output.errors,
-             QStringLiteral("job.toml:7:10: output.folder: the output folder is a file: %1\n").arg(file("results")));
+             QStringLiteral("job.toml:7:10: output.folder: the output folder is a file: %1\n")
+                 .arg(file("results")));
     QCOMPARE(contents(file("results")), QByteArray("a file"));
 }
 
