@@ -1,6 +1,7 @@
 #include "app/Body.h"
 
 #include "app/BusyBar.h"
+#include "app/FileQuestion.h"
 #include "app/FourPs.h"
 #include "display/PopBase.h"
 #include "display/ScreenRoom.h"
@@ -44,6 +45,7 @@ void Body::closeEvent(QCloseEvent* event)
             graph->pop->close();
     }
     m_panel->displays->close();
+    m_panel->fileQuestion().close();
     for (AFileSelect* select : m_panel->findChildren<AFileSelect*>())
         select->closeDialog();
 }

@@ -1,5 +1,7 @@
 #include "app/FourPs.h"
 
+#include "app/FileQuestion.h"
+#include "app/GraphMenu.h"
 #include "app/PanelAccess.h"
 #include "app/ScreenScroll.h"
 #include "display/DispABase.h"
@@ -45,6 +47,7 @@ FourPs::FourPs(QWidget* parent) : QFrame(parent)
     applyConditions();
     connectConditions();
     buildMarkLines();
+    buildGraphMenus();
     receiveNewDir(QDir::currentPath());
     putInScrollArea();
     nameControls(*this);
@@ -226,6 +229,13 @@ void FourPs::buildMarkLines()
     connect(m_edgeLines.get(), &MarkLines::moving, this, &FourPs::setEdge);
     connect(m_edgeLines.get(), &MarkLines::newPos, this, &FourPs::setEdge);
     connect(m_edgeLines.get(), &MarkLines::newPos, this, &FourPs::calcBoth);
+}
+
+void FourPs::buildGraphMenus()
+{
+    m_question = std::make_unique<FileQuestion>();
+    for (int i = 0; i < displays->panels.size(); ++i)
+        new GraphMenu(*this, *displays->panels[i], displays->ids[i], *m_question);
 }
 
 // When all is built: a scroll area asks at once for the size of what it gets.

@@ -5,6 +5,7 @@
 #include "analysis/TargetResult.h"
 #include "display/Displays.h"
 #include "input/KnownPositions.h"
+#include "results/GraphTable.h"
 #include "results/ThicknessGraph.h"
 #include "ui_FourPs.h"
 
@@ -17,6 +18,7 @@
 
 class AEPoint;
 class AXafsData;
+class FileQuestion;
 class Histgram;
 class MarkLine;
 class MarkLines;
@@ -43,6 +45,16 @@ public:
     /// Adds one simplified line to the message pane and shows its end.
     void appendMessage(const QString& text);
 
+    /// Tells what became of a file that was to be written.
+    void tellWritten(const QString& path, WriteOutcome outcome);
+
+    /// What a graph shows.
+    GraphTable graphTable(Displays::DispId id) const;
+    /// Paths of the spectra and 2D data that are there.
+    QStringList filesRead() const;
+    /// Asks for the names of files, one at a time.
+    FileQuestion& fileQuestion() { return *m_question; }
+
     double lastA() const { return m_lastA; }
     double lastValence() const { return m_lastValence; }
     const MapResults& lastMap() const { return mapResults; }
@@ -53,7 +65,7 @@ public:
 signals:
     void messageAppended(const QString& line); ///< after each line of the message pane
     void refused(const QString& line);         ///< the line is a refusal, no result
-    void written(const QString& path);         ///< a result or histogram file, whole
+    void written(const QString& path);         ///< a file, whole
     /// What a long operation does and how much is done: 0 at its beginning, 1 at its end.
     void progress(const QString& text, double part);
 
@@ -107,6 +119,7 @@ private:
     void applyConditions();
     void connectConditions();
     void buildMarkLines();
+    void buildGraphMenus();
     void putInScrollArea(); ///< of use on screens smaller than the panel
 
     // Inputs.
@@ -128,6 +141,7 @@ private:
     // Graphs.
     MutsContent mutsContent() const;
     MapPoints mapPoints() const;
+    GraphTable mutsTable() const;
     double rhoNow() const;
 
     std::unique_ptr<QButtonGroup> trGroup;
@@ -141,6 +155,7 @@ private:
     KnownPositions m_knownPositions; ///< of the rows' 2D data
     MapResults mapResults;           ///< of the last map calculation
     QByteArrayList mapHeader;        ///< header lines of the 2D data that own its grid
+    QStringList m_mapFiles;          ///< names of the files of the last map calculation
     std::uint64_t m_mapCount = 0;    ///< map calculations so far
     ThicknessGraph m_thicknessGraph;
 
@@ -149,4 +164,7 @@ private:
     double m_lastValence = 0.0;
     std::unique_ptr<FittedSpectrum> lcfFit; ///< curve of the last fit
     std::vector<LCFvs4PSPoint> lcfVs4ps;    ///< oldest first
+    QStringList m_fitTargets;               ///< parallel to lcfVs4ps, the targets' files
+
+    std::unique_ptr<FileQuestion> m_question;
 };

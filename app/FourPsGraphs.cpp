@@ -1,12 +1,17 @@
 #include "app/FourPs.h"
 
 #include "display/DispABase.h"
+#include "input/AEPoint.h"
+#include "input/AXafsData.h"
 #include "results/FourPointGraph.h"
+#include "results/GraphTables.h"
 #include "results/Histgram.h"
 #include "results/HistogramGraph.h"
 #include "results/LcfGraph.h"
 #include "results/MutsGraph.h"
 #include "text/NumberText.h"
+
+#include <QFileInfo>
 
 namespace
 {
@@ -14,6 +19,16 @@ namespace
 // Captions of axes are the same in every language. This one is the text of a label besides, which
 // has a translation.
 const QString valenceCaption = QStringLiteral("Valence");
+
+QString nameOf(const QString& path)
+{
+    return QFileInfo(path).fileName();
+}
+
+GraphTable tableOf(const AXafsFileSelect& select, const QString& name)
+{
+    return previewTable(select.data(), name, nameOf(select.path()));
+}
 
 AxisEnds typedEnds(const QLineEdit* from, const QLineEdit* to)
 {
@@ -26,6 +41,7 @@ void FourPs::clearLCFvs4PS(MouseC* mouse)
 {
     Q_UNUSED(mouse)
     lcfVs4ps.clear();
+    m_fitTargets.clear();
     repaintDisplays();
 }
 
@@ -87,4 +103,52 @@ MutsContent FourPs::mutsContent() const
     content.chosen = SelectedFs->currentIndex();
     content.fit = lcfFit.get();
     return content;
+}
+
+GraphTable FourPs::mutsTable() const
+{
+    MutsFiles files;
+    for (const AXafsFileSelect* select : xafsSelects)
+        files.selected.append(nameOf(select->path()));
+    for (const auto& spectrum : dispData)
+        files.displayOnly.append(nameOf(spectrum->fileName));
+    return ::mutsTable(mutsContent(), files);
+}
+
+GraphTable FourPs::graphTable(Displays::DispId id) const
+{
+    switch (id) {
+    case Displays::DispRef1:
+        return tableOf(*RefFile1, QStringLiteral("Ref 1"));
+    case Displays::DispRef2:
+        return tableOf(*RefFile2, QStringLiteral("Ref 2"));
+    case Displays::DispTarget:
+        return tableOf(*TargetFile, QStringLiteral("Target"));
+    case Displays::DispMuts:
+        return mutsTable();
+    case Displays::DispLCFvs4PS:
+        return lcfTable(lcfVs4ps, m_fitTargets);
+    case Displays::DispHistA:
+        return histogramTable(*histA, valenceCaption, m_mapFiles);
+    case Displays::DispHistT:
+        return histogramTable(*histT, QStringLiteral("Thick."), m_mapFiles);
+    case Displays::DispTA:
+        return thicknessTable(mapResults, valences(), m_mapFiles);
+    case Displays::DispM2M3:
+        break;
+    }
+    return fourPointTable(rows(), rhoNow(), nameOf(RefFile1->path()), nameOf(RefFile2->path()));
+}
+
+QStringList FourPs::filesRead() const
+{
+    QStringList files;
+    for (const AXafsFileSelect* select : xafsSelects)
+        files.append(select->path());
+    for (const auto& spectrum : dispData)
+        files.append(spectrum->fileName);
+    for (const AEPoint* point : ePoints)
+        files.append(point->mapPath());
+    files.removeAll(QString());
+    return files;
 }

@@ -23,6 +23,11 @@ void FourPs::calcMap()
     if (run.refusal)
         return refuse(ResultText::mapRefusal(*run.refusal));
     mapHeader = ePoints[static_cast<int>(run.gridRow)]->mapData().header;
+    m_mapFiles.clear();
+    for (const AEPoint* point : qAsConst(ePoints)) {
+        if (point->UseCB->isChecked() && point->mapData().valid)
+            m_mapFiles.append(QFileInfo(point->mapPath()).fileName());
+    }
     ++m_mapCount;
     repaintDisplays();
 }
@@ -31,6 +36,14 @@ void FourPs::calcAndWrite()
 {
     calcMap();
     write();
+}
+
+void FourPs::tellWritten(const QString& path, WriteOutcome outcome)
+{
+    if (outcome == WriteOutcome::Written)
+        emit written(path);
+    else
+        refuse(ResultText::notWritten(path, outcome));
 }
 
 // A file that is there already is overwritten without a question.
@@ -42,10 +55,7 @@ void FourPs::write()
     const WriteOutcome outcome = writeResultFile(path, mapHeader, mapResults, valences(),
                                                  [&](double part) { emit progress(text, part); });
     emit progress(text, 1.0);
-    if (outcome == WriteOutcome::Written)
-        emit written(path);
-    else
-        refuse(ResultText::notWritten(path, outcome));
+    tellWritten(path, outcome);
     for (const auto& [histogram, tag] : {std::pair(histA.get(), valenceHistogramTag),
                                          std::pair(histT.get(), thicknessHistogramTag)}) {
         const QString name = QString::fromLatin1(tag);

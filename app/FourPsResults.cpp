@@ -2,6 +2,7 @@
 
 #include "results/ResultText.h"
 
+#include <QFileInfo>
 #include <QTextCursor>
 
 void FourPs::appendMessage(const QString& text)
@@ -21,9 +22,12 @@ void FourPs::lcf()
         return refuse(ResultText::refusal(*refusal));
     auto& fit = std::get<LinearCombination>(outcome);
     const ReferenceValences typed = valences();
+    const QString name = QFileInfo(TargetFile->path()).fileName();
     auto curve = std::make_unique<FittedSpectrum>();
     curve->points = std::move(fit.curve);
+    m_fitTargets.reserve(m_fitTargets.size() + 1);
     lcfVs4ps.push_back({m_lastA, m_lastValence, fit.share1(), fit.valence(typed)});
+    m_fitTargets.append(name);
     lcfFit = std::move(curve); // point and curve are of one fit, whatever fails
     appendMessage(ResultText::lcfLine(fit));
     LCFRes->setText(ResultText::lcf(fit, typed));

@@ -26,11 +26,14 @@ int main(int argc, char* argv[])
     QApplication::setDesktopFileName(menuEntry);
     QApplication::setWindowIcon(QIcon::fromTheme(menuEntry));
     QTranslator catalogue;
+    QTranslator extras;
     if (wantsJapanese(QApplication::arguments())) {
         // Without the catalogue the interface stays English, so the result is of no interest.
         (void)catalogue.load(QStringLiteral(":velk_ja_JP"), QApplication::applicationDirPath(),
                              QString(), QString());
         QApplication::installTranslator(&catalogue);
+        (void)extras.load(QStringLiteral(":/extras/extras_ja.qm"));
+        QApplication::installTranslator(&extras);
     }
     Body body;
     QObject::connect(&application, &Application::failed, &body, &Body::tellFailure);

@@ -6,14 +6,14 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # What the programs and the example are built from, and what the window needs to be read.
 run_packages=(
     cmake ninja-build g++
-    qtbase5-dev qttools5-dev qttools5-dev-tools qtwayland5 libxcb1-dev
+    qtbase5-dev libqt5svg5-dev qttools5-dev qttools5-dev-tools qtwayland5 libxcb1-dev
     libtomlplusplus-dev libboost-dev
     fonts-dejavu-core fonts-ipafont-gothic
 )
 # Beside those, what the tests, the benchmark programs and the Debian package need.
 check_packages=(
     libbenchmark-dev libfast-float-dev libfmt-dev libtbb-dev
-    librsvg2-bin libqt5svg5-dev poppler-utils
+    librsvg2-bin poppler-utils
     xvfb xauth xdotool
     clang clang-tidy libclang-rt-14-dev cppcheck gcovr pkg-config
 )

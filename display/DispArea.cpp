@@ -42,7 +42,12 @@ DispArea::DispArea(QWidget* parent) : QFrame(parent)
 
 void DispArea::paintEvent(QPaintEvent*)
 {
-    QStylePainter painter(this);
+    paintOn(*this);
+}
+
+void DispArea::paintOn(QPaintDevice& device)
+{
+    QStylePainter painter(&device, this);
     graph.begin(width(), height());
     emit draw(&painter);
 }

@@ -25,6 +25,9 @@ public:
     DrawText text;
     MarkLines* markLines = nullptr; ///< not owned
 
+    /// Paints what the canvas shows on another device, one unit of its painter for a pixel.
+    void paintOn(QPaintDevice& device);
+
     /// As drawGraphFrame().
     void drawFrame(QPainter* p, bool clearMargins);
 

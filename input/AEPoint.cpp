@@ -80,6 +80,8 @@ void AEPoint::loadData(const QString& path)
     emit progress(text, 0.0);
     const MapReadResult result = readMapData(path, m_mapData, options);
     emit progress(text, 1.0);
+    if (result.outcome == ReadOutcome::Read)
+        m_mapPath = path;
     for (const QString& token : lastOf(result.energies)) {
         Energy->setText(token);
         inNewEnergy();

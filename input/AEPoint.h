@@ -25,6 +25,9 @@ public:
 
     const MapData& mapData() const { return m_mapData; }
 
+    /// Path of the file that the 2D data are of; empty without any.
+    QString mapPath() const { return m_mapPath; }
+
     /// Positions of 2D data that are read from now on are shared with equal ones of these, which
     /// have to stay as long as the row.
     void shareKnownPositions(KnownPositions& known) { m_knownPositions = &known; }
@@ -49,5 +52,6 @@ public slots:
 
 private:
     MapData m_mapData;
+    QString m_mapPath;
     KnownPositions* m_knownPositions = nullptr;
 };

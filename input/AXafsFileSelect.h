@@ -22,6 +22,9 @@ public:
     /// The record, or null before the first file was named.
     const AXafsData* data() const { return m_data.get(); }
 
+    /// Path of the file that the record is of, whatever the line says; empty without a record.
+    QString path() const { return m_data ? m_data->fileName : QString(); }
+
     /// True once the last file opened held a spectrum.
     bool isValid() const { return m_data && m_data->valid; }
 

@@ -50,42 +50,10 @@ Curve fitCurve(const FittedSpectrum& fit)
     return curve;
 }
 
-// All curves of the graph; empty ones keep the others' places.
-struct MutsCurves {
-    std::vector<Curve> selected;
-    std::vector<Curve> displayOnly;
-    Curve fit;
-
-    explicit MutsCurves(const MutsContent& content)
-    {
-        for (const FittedSpectrum* data : content.selected)
-            selected.push_back(curveOf(data, content.normalization));
-        if (selected.size() > blankIndex && !hasEdge(selected[blankIndex], content))
-            selected[blankIndex].clear();
-        for (const FittedSpectrum* data : content.displayOnly)
-            displayOnly.push_back(curveOf(data, content.normalization));
-        if (hasPoints(content.fit))
-            fit = fitCurve(*content.fit);
-    }
-
-    // The scale is that of what is analysed, which a blank only lies under.
-    std::vector<Curve> ranged() const
-    {
-        std::vector<Curve> curves = displayOnly;
-        for (std::size_t i = 0; i < selected.size(); ++i) {
-            if (i != blankIndex)
-                curves.push_back(selected[i]);
-        }
-        curves.push_back(fit);
-        return curves;
-    }
-
-private:
-    static Curve curveOf(const FittedSpectrum* data, Normalization normalization)
-    {
-        return hasPoints(data) ? normalizedCurve(*data, normalization) : Curve();
-    }
-};
+Curve curveOf(const FittedSpectrum* data, Normalization normalization)
+{
+    return hasPoints(data) ? normalizedCurve(*data, normalization) : Curve();
+}
 
 void drawCurve(QPainter& painter, const ChCoord& coord, const Curve& curve, const QColor& color,
                int width)
@@ -161,6 +129,29 @@ std::vector<QPointF> normalizedCurve(const FittedSpectrum& data, Normalization n
         curve.emplace_back(point.energy, (point.mut - pre) / scale);
     }
     return curve;
+}
+
+MutsCurves::MutsCurves(const MutsContent& content)
+{
+    for (const FittedSpectrum* data : content.selected)
+        selected.push_back(curveOf(data, content.normalization));
+    if (selected.size() > blankIndex && !hasEdge(selected[blankIndex], content))
+        selected[blankIndex].clear();
+    for (const FittedSpectrum* data : content.displayOnly)
+        displayOnly.push_back(curveOf(data, content.normalization));
+    if (hasPoints(content.fit))
+        fit = fitCurve(*content.fit);
+}
+
+std::vector<std::vector<QPointF>> MutsCurves::ranged() const
+{
+    std::vector<Curve> curves = displayOnly;
+    for (std::size_t i = 0; i < selected.size(); ++i) {
+        if (i != blankIndex)
+            curves.push_back(selected[i]);
+    }
+    curves.push_back(fit);
+    return curves;
 }
 
 bool hasEdge(const std::vector<QPointF>& curve, const MutsContent& content)

@@ -47,5 +47,19 @@ bool hasEdge(const std::vector<QPointF>& curve, const MutsContent& content);
 /// either side of a value that is the only one.
 AxisEnds curveRange(const std::vector<std::vector<QPointF>>& curves, const AxisEnds& energies);
 
+/// All curves of "Muts", normalized. A curve that is not drawn is empty and keeps the others'
+/// places.
+struct MutsCurves {
+    std::vector<std::vector<QPointF>> selected;    ///< [content.selected.size()]
+    std::vector<std::vector<QPointF>> displayOnly; ///< [content.displayOnly.size()]
+    std::vector<QPointF> fit;
+
+    explicit MutsCurves(const MutsContent& content);
+
+    /// Those that the vertical range shows: that of what is analysed, which a blank only lies
+    /// under.
+    std::vector<std::vector<QPointF>> ranged() const;
+};
+
 /// "Muts": all spectra, normalized, around the edge, with the energies that the user can drag.
 void drawMutsGraph(QPainter& painter, GraphFrame& frame, const MutsContent& content);

@@ -55,6 +55,12 @@ QStringList placeholdersOf(const QString& text)
     return found;
 }
 
+QString mnemonicOf(const QString& text)
+{
+    const int mark = text.indexOf(QLatin1Char('&'));
+    return mark < 0 ? QString() : text.mid(mark + 1, 1).toUpper();
+}
+
 QByteArray rowName(const CatalogueEntry& entry)
 {
     return (entry.context + QLatin1Char('/') + entry.source).toUtf8();
@@ -163,8 +169,31 @@ private Q_SLOTS:
 
         const Texts inSources = textsOf(found);
         const Texts inCatalogue = textsOf(QStringLiteral(CATALOGUE_TEXT));
-        QCOMPARE(listed(inSources - inCatalogue), QByteArray());
+        const Texts inExtras = textsOf(QStringLiteral(EXTRAS_TEXT));
+        QCOMPARE(listed(inSources - inCatalogue - inExtras), QByteArray());
+        QCOMPARE(listed(inExtras - inSources), QByteArray());
         QCOMPARE(listed(inCatalogue - inSources), QByteArray());
+    }
+
+    /// What lies around the panel has a catalogue of its own, below the root.
+    void extrasAreAllTranslated()
+    {
+        QTranslator extras;
+        QVERIFY(extras.load(QStringLiteral(":/extras/extras_ja.qm")));
+        const QVector<CatalogueEntry> entries = readCatalogueText(QStringLiteral(EXTRAS_TEXT));
+        QVERIFY(!entries.isEmpty());
+        static const QRegularExpression japanese(
+            QStringLiteral("[\\p{Hiragana}\\p{Katakana}\\p{Han}]"));
+        for (const CatalogueEntry& entry : entries) {
+            const QByteArray name = rowName(entry);
+            QVERIFY2(entry.finished && entry.translation.contains(japanese), name.constData());
+            QCOMPARE(extras.translate(entry.context.toUtf8().constData(),
+                                      entry.source.toUtf8().constData()),
+                     entry.translation);
+            QCOMPARE(placeholdersOf(entry.translation), placeholdersOf(entry.source));
+            // The letter under which a menu's entry is found is the same, if there is one.
+            QVERIFY2(mnemonicOf(entry.translation) == mnemonicOf(entry.source), name.constData());
+        }
     }
 
     void translatesAllButWhatStays_data() { addEntryRows(); }

@@ -6,6 +6,7 @@
 #include "tests/support/CanvasActions.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QDir>
 #include <QDropEvent>
 #include <QFileDialog>
@@ -31,10 +32,11 @@ void Monkey::act()
     static const struct {
         int weight;
         void (Monkey::*act)();
-    } table[] = {{30, &Monkey::click}, {10, &Monkey::drag},      {8, &Monkey::wheel},
-                 {16, &Monkey::key},   {6, &Monkey::typeNumber}, {6, &Monkey::drop},
-                 {3, &Monkey::choose}, {4, &Monkey::window},     {3, &Monkey::focus},
-                 {3, &Monkey::write},  {3, &Monkey::dialog},     {8, &Monkey::idle}};
+    } table[] = {{27, &Monkey::click}, {10, &Monkey::drag},  {8, &Monkey::wheel},
+                 {3, &Monkey::menu},   {16, &Monkey::key},   {6, &Monkey::typeNumber},
+                 {6, &Monkey::drop},   {3, &Monkey::choose}, {4, &Monkey::window},
+                 {3, &Monkey::focus},  {3, &Monkey::write},  {3, &Monkey::dialog},
+                 {8, &Monkey::idle}};
     keepInside();
     m_acting = true;
     int choice = below(100);
@@ -124,6 +126,21 @@ void Monkey::click()
           button, modifiers);
     if (widget && chance(95))
         mouse(widget, QEvent::MouseButtonRelease, at, button, Qt::NoButton, modifiers);
+}
+
+/// Asks for the context menu of what is at a place, often of a graph; what is in it is clicked
+/// like anything else while it is open.
+void Monkey::menu()
+{
+    QWidget* widget = anyWidget();
+    if (chance(50)) {
+        const Displays* displays = panel().displays;
+        widget = displays->panel(below(displays->panels.size()))->DispA;
+    }
+    const QPoint at = anyPoint(widget);
+    QContextMenuEvent event(chance(80) ? QContextMenuEvent::Mouse : QContextMenuEvent::Keyboard, at,
+                            widget->mapToGlobal(at));
+    QApplication::sendEvent(widget, &event);
 }
 
 void Monkey::drag()

@@ -47,6 +47,7 @@ private:
     void mouse(QWidget* widget, int type, QPoint at, Qt::MouseButton button, Qt::MouseButtons held,
                Qt::KeyboardModifiers modifiers);
     void click();
+    void menu();
     void drag();
     void wheel();
     void key();

@@ -1,0 +1,130 @@
+#include "app/GraphMenu.h"
+
+#include "app/FileQuestion.h"
+#include "app/FourPs.h"
+#include "app/GraphPicture.h"
+#include "results/GraphTable.h"
+#include "results/ResultText.h"
+#include "system/SafeFile.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QFileInfo>
+
+namespace
+{
+
+WriteOutcome writeWhole(const QString& path, const QByteArray& bytes)
+{
+    SafeFile file(path);
+    if (!file.open())
+        return WriteOutcome::CannotOpen;
+    return file.write(bytes.constData(), bytes.size()) && file.commit() ? WriteOutcome::Written
+                                                                        : WriteOutcome::CannotWrite;
+}
+
+bool isSameFile(const QString& path, const QString& other)
+{
+    const QString place = QFileInfo(path).canonicalFilePath();
+    return !place.isEmpty() && place == QFileInfo(other).canonicalFilePath();
+}
+
+} // namespace
+
+GraphMenu::GraphMenu(FourPs& panel, DispABase& graph, Displays::DispId id, FileQuestion& question)
+    : QMenu(graph.DispA), m_panel(panel), m_graph(graph), m_canvas(*graph.DispA), m_id(id),
+      m_question(question)
+{
+    setObjectName(QStringLiteral("GraphMenu"));
+    setAccessibleName(graph.Title->text());
+    addEntry("CopyPicture", tr("&Copy"), &GraphMenu::copyPicture);
+    addEntry("SavePicture", tr("&Save Picture…"), &GraphMenu::savePicture);
+    addEntry("SaveData", tr("Save &Data…"), &GraphMenu::saveData);
+    addSeparator();
+    addEntry("ResetRange", tr("&Reset Range"), &GraphMenu::resetRange);
+    m_canvas.setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(&m_canvas, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& place) { popup(m_canvas.mapToGlobal(place)); });
+}
+
+void GraphMenu::addEntry(const char* name, const QString& text, void (GraphMenu::*entry)())
+{
+    QAction* action = addAction(text, this, entry);
+    action->setObjectName(QString::fromLatin1(name));
+}
+
+void GraphMenu::copyPicture()
+{
+    if (hasData())
+        QApplication::clipboard()->setImage(graphImage(m_canvas));
+}
+
+void GraphMenu::savePicture()
+{
+    if (!hasData())
+        return;
+    std::vector<FileQuestion::Kind> kinds;
+    for (const QString& suffix : pictureSuffixes())
+        kinds.push_back({suffix.toUpper(), suffix});
+    m_question.askToSave(tr("Save Picture"), m_graph.Title->text(), kinds,
+                         [this](const QString& path) { writePicture(path); });
+}
+
+void GraphMenu::saveData()
+{
+    if (hasData())
+        m_question.askToSave(tr("Save Data"), m_graph.Title->text(),
+                             {{QStringLiteral("CSV"), QStringLiteral("csv")}},
+                             [this](const QString& path) { writeData(path); });
+}
+
+void GraphMenu::resetRange()
+{
+    m_canvas.rangeSet = false;
+    m_canvas.update();
+}
+
+void GraphMenu::writePicture(const QString& path)
+{
+    if (!mayWrite(path))
+        return;
+    const QByteArray picture =
+        graphPicture(m_canvas, QFileInfo(path).suffix().toLower(), m_graph.Title->text());
+    const WriteOutcome outcome =
+        picture.isEmpty() ? WriteOutcome::CannotWrite : writeWhole(path, picture);
+    m_panel.tellWritten(path, outcome);
+}
+
+void GraphMenu::writeData(const QString& path)
+{
+    if (!mayWrite(path))
+        return;
+    const QString text = QStringLiteral("Writing %1").arg(QFileInfo(path).fileName());
+    emit m_panel.progress(text, 0.0);
+    const WriteOutcome outcome = writeTable(
+        path, m_panel.graphTable(m_id), [&](double part) { emit m_panel.progress(text, part); });
+    emit m_panel.progress(text, 1.0);
+    m_panel.tellWritten(path, outcome);
+}
+
+// A graph says so itself when it is painted: its frame is not valid then.
+bool GraphMenu::hasData()
+{
+    QImage page(1, 1, QImage::Format_RGB32);
+    m_canvas.paintOn(page);
+    if (m_graph.graph.coord.valid != 1)
+        m_panel.refuse(tr("There is nothing in the graph yet."));
+    return m_graph.graph.coord.valid == 1;
+}
+
+bool GraphMenu::mayWrite(const QString& path)
+{
+    for (const QString& file : m_panel.filesRead()) {
+        if (isSameFile(path, file)) {
+            m_panel.refuse(
+                tr("The file [%1] is one that is shown: choose another name.").arg(path));
+            return false;
+        }
+    }
+    return true;
+}
