@@ -1,6 +1,7 @@
 #include "batch/Console.h"
 #include "batch/JobFacts.h"
 #include "batch/JobRun.h"
+#include "batch/JobTemplate.h"
 #include "batch/ResultPath.h"
 #include "batch/TargetsJob.h"
 #include "system/Signals.h"
@@ -56,6 +57,7 @@ int analyseOne(const QString& path, const Job& job, bool checkOnly)
 struct Options {
     bool help = false;
     bool version = false;
+    bool showTemplate = false;
     QString job;
     RunOptions run;
 };
@@ -76,19 +78,23 @@ QString readOptions(QCommandLineParser& parser, Options& options)
         QStringLiteral("list"), QStringLiteral("Prints the targets of the job, one on each line."));
     const QCommandLineOption zero(QStringLiteral("0"),
                                   QStringLiteral("With --list: ends each with NUL."));
+    const QCommandLineOption example(
+        QStringLiteral("template"),
+        QStringLiteral("Prints a job with every key and what it means."));
     const QCommandLineOption threads(
         QStringLiteral("jobs"),
         QStringLiteral("Threads; unless given, the processors that may be used."),
         QStringLiteral("N"));
     const QCommandLineOption quiet(QStringLiteral("quiet"),
                                    QStringLiteral("No progress, no names of written files."));
-    parser.addOptions({check, list, zero, threads, quiet});
+    parser.addOptions({check, list, zero, example, threads, quiet});
     parser.addPositionalArgument(QStringLiteral("JOB.toml"),
                                  QStringLiteral("Spectra, points and conditions."));
     if (!parser.parse(QCoreApplication::arguments()))
         return parser.errorText();
     options.help = parser.isSet(help);
     options.version = parser.isSet(version);
+    options.showTemplate = parser.isSet(example);
     options.run.checkOnly = parser.isSet(check);
     options.run.listOnly = parser.isSet(list);
     options.run.listWithNul = parser.isSet(zero);
@@ -100,7 +106,7 @@ QString readOptions(QCommandLineParser& parser, Options& options)
     }
     const QStringList jobs = parser.positionalArguments();
     options.job = jobs.value(0);
-    if (jobs.size() != 1 && !options.help && !options.version)
+    if (jobs.size() != 1 && !options.help && !options.version && !options.showTemplate)
         return QStringLiteral("One job file is expected: drovik-batch JOB.toml");
     return {};
 }
@@ -115,6 +121,10 @@ int run()
         parser.showHelp(0);
     if (options.version)
         parser.showVersion();
+    if (options.showTemplate)
+        return console::print(jobTemplate())
+                   ? static_cast<int>(ExitStatus::Done)
+                   : complain(QStringLiteral("The job cannot be written."), ExitStatus::FileFailed);
     JobError error;
     const std::optional<Job> job = readJob(options.job, error);
     if (!job)

@@ -193,6 +193,7 @@ private slots:
     void badCalls();
     void reportOnAFullDisk();
     void helpAndVersion();
+    void templateIsAJobOfMissingFiles();
     void localeChangesNothing();
 };
 
@@ -670,6 +671,21 @@ void tst_Batch::reportOnAFullDisk()
                                    QStringLiteral("C.UTF-8"), QStringLiteral("/dev/full"));
     QCOMPARE(output.errors, QStringLiteral("The report cannot be written.\n"));
     QCOMPARE(output.status, 3);
+}
+
+void tst_Batch::templateIsAJobOfMissingFiles()
+{
+    const Output output = run({QStringLiteral("--template")});
+    QCOMPARE(output.status, 0);
+    QCOMPARE(output.errors, QString());
+    const QString job = write(QStringLiteral("template.toml"), output.text.toUtf8());
+    const int line = 1 + output.text.left(output.text.indexOf(QStringLiteral("\ntargets = ")) + 1)
+                             .count(QLatin1Char('\n'));
+    const Output check = run({QStringLiteral("--check"), job});
+    QCOMPARE(check.errors, QStringLiteral("%1:%2:12: files.targets: no file is named, or matched "
+                                          "by, %3/scans/*.dat\n")
+                               .arg(job, QString::number(line), m_dir.path()));
+    QCOMPARE(check.status, 2);
 }
 
 void tst_Batch::helpAndVersion()

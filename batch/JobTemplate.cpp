@@ -1,0 +1,95 @@
+#include "batch/JobTemplate.h"
+
+QByteArray jobTemplate()
+{
+    return R"(# A job for drovik-batch (TOML). What is left out stays as the window has it at its
+# start. Paths start from the folder of this file; energies are in eV.
+
+# What is calculated of each target: "target" is the point method, "lcf" the linear
+# combination fit. "map" is a map of the images of the [[point]] tables (see map_result).
+calculate = ["target", "lcf"]
+
+[files]
+ref1 = "ref1.dat"
+ref2 = "ref2.dat"
+blank = "blank.dat"
+# Many targets, by names and patterns: each file once, sorted by the bytes of its path.
+# They need [output] folder.
+targets = ["scans/*.dat"]
+# Or one target. Without [output] folder its results are printed.
+# target = "target.dat"
+# The file of a map of the [[point]] tables, for a job without [output] folder.
+# map_result = "map-result.dat"
+
+[edge]
+energy = 8350
+# Against the edge: where the line before it ends, and where the line behind it begins.
+pre_edge_end = -50
+post_edge_start = 100
+
+[valences]
+ref1 = 2
+ref2 = 3
+
+[conditions]
+# The thickness ratio of the references: "sum-by-sum", "mean", "least-squares",
+# "least-squares-no-blank" or "victreen" (the edge jumps).
+thickness = "victreen"
+# Whether a Victreen line is subtracted, and which: "pre" or "post".
+references_minus_victreen = true
+target_minus_victreen = false
+victreen = "post"
+# "exact" (four points) or "least-squares" (four points or more).
+method = "least-squares"
+
+# The rows of the point table, eight at most. One has v_point, where the references differ.
+# t_ratio chooses the points of the thickness ratio and the range of the linear combination
+# fit; use = false leaves a row out of the point method.
+[[point]]
+energy = 8313
+use = true
+t_ratio = true
+# map = "map_1.dat"
+
+[[point]]
+energy = 8381
+t_ratio = true
+
+[[point]]
+energy = 8390
+v_point = true
+
+[[point]]
+energy = 8404.5
+t_ratio = true
+
+# Maps: each has a name, and an image for each [[point]]; "" stands for none. They need
+# [output] folder, in which each has the folder maps/NAME.
+[[map]]
+name = "area 1"
+images = ["area1_a.txt", "area1_b.txt", "area1_c.txt", "area1_d.txt"]
+
+# Or a pattern: {row} is the number of the [[point]], {energy} its energy as it stands here.
+# Rows that are not used need no image.
+[[map]]
+name = "area 2"
+pattern = "area2_{row}.txt"
+
+# The histograms of a map: centres of the first and the last box, number of boxes.
+[histogram]
+valence = { from = 1.5, to = 3.5, boxes = 41 }
+thickness = { from = -0.2, to = 1.2, boxes = 41 }
+
+# results.csv has a row for each target, maps.csv one for each map.
+[output]
+folder = "results"
+# All graphs and maps as PNG files.
+pictures = false
+# report.html, a page that shows all results.
+report = true
+# The result file and the histogram files of each map.
+map_files = true
+# Of pictures and report: "en" or "ja".
+language = "en"
+)";
+}
