@@ -3,6 +3,7 @@
 #include "analysis/LcfPoint.h"
 #include "analysis/LinearCombinationFit.h"
 #include "analysis/Settings.h"
+#include "batch/PictureFile.h"
 
 #include <QStringList>
 
@@ -14,13 +15,8 @@ struct GraphPictureOptions {
     QString language = QStringLiteral("en"); ///< or "ja"
 };
 
-/// What came of pictures.
-struct PictureFiles {
-    QStringList written; ///< paths, always in the same order
-    QStringList failed;  ///< paths that could not be written
-};
-
-/// "Ref1", "Ref2" and "Blank", once a run: pictures/Ref1.png and so on.
+/// "Ref1", "Ref2" and the blank, once a run: "pictures/Ref 1.png", "pictures/Ref 2.png" and
+/// "pictures/Blank sample.png". No folder of a target has a name with a blank.
 PictureFiles drawReferenceGraphs(const AnalysisInput& input, const GraphPictureOptions& options);
 
 /// "Target", "Muts" and "M2/M3" of a target: pictures/<picturePath(target)>/Target.png, Muts.png

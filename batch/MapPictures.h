@@ -3,10 +3,12 @@
 #include "analysis/HistogramCounts.h"
 #include "analysis/MapCalculation.h"
 #include "analysis/TargetResult.h"
+#include "batch/PictureFile.h"
+#include "results/MapGrid.h"
 #include "system/Workers.h"
 
 #include <QByteArray>
-#include <QStringList>
+#include <QString>
 
 /// What the pictures of a map show besides its results.
 struct MapPictureInput {
@@ -21,19 +23,26 @@ struct MapPictureInput {
 
 /// Paints the pictures of a map as NAME-valence.png, NAME-thickness.png,
 /// NAME-valence-by-thickness.png, NAME-histogram-valence.png, NAME-histogram-thickness.png and
-/// NAME-t-a.png, each written beside its place and renamed. Needs a QGuiApplication (see
-/// batch/PictureApplication.h); may be called from any thread.
-/// @param folder    is there
+/// NAME-t-a.png, each written beside its place and renamed; without thickness only the first and
+/// the fourth. The colours span the histograms' settings, whose ends are those of the graphs'
+/// axes. Needs a QGuiApplication (see batch/PictureApplication.h); may be called from any thread.
+/// @param folder    is made if need be
 /// @param name      may stand in a file's name
 /// @param language  "en" or "ja"
-/// @param failed    gets the paths that could not be written
-/// @return the paths that were written, always in the same order
-QStringList drawMapPictures(const QString& folder, const QString& name,
-                            const MapPictureInput& input, const QString& language,
-                            QStringList& failed, Workers& workers = Workers::shared());
+PictureFiles drawMapPictures(const QString& folder, const QString& name,
+                             const MapPictureInput& input, const QString& language,
+                             Workers& workers = Workers::shared());
 
-/// What the report shows under the pointer: positions, valence and t/ts of each pixel, of one pixel
-/// out of each block where the map is large. Bytes of one kind for all machines, for
-/// `MapOutcome::readOut` and `ReportMap::readOut`.
+/// Where a map lies in its picture: "WIDTH HEIGHT px0 py0 px1 py1 rx0 ry0 rx1 ry1" of its
+/// coordinates. It stands in the PNG file under this key, for whoever shows what lies under the
+/// pointer.
+constexpr const char* plotAreaKey = "Plot area";
+QString plotAreaText(const ChCoord& coord, QSize canvas);
+
+/// The results as pictures see them; the arrays stay those of the results.
+MapPixels mapPixels(const MapResults& results, const ReferenceValences& valences);
+
+/// What the report shows under the pointer, as bytes that are the same on every machine: for
+/// `MapOutcome::readOut`, the record of the run and `ReportMap::readOut`.
 QByteArray mapReadOut(const MapResults& results, const ReferenceValences& valences,
                       bool hasThickness);

@@ -35,6 +35,9 @@ public:
         double lcfValence;
     };
 
+    /// A field of a row by its column's name; empty where there is no such column.
+    QByteArray field(const QByteArrayList& fields, const char* column) const;
+
     const QByteArrayList& columns() const { return m_columns; }
     std::size_t count() const { return m_trend.size(); }
     std::size_t refused() const { return m_refusedCount; }

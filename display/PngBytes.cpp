@@ -49,12 +49,13 @@ void addChunk(QByteArray& file, const char* name, const QByteArray& data)
 /// The lines of pixels, each preceded by its filter, which is none.
 QByteArray pixelBytes(const QImage& image)
 {
-    QByteArray bytes((image.width() * 3 + 1) * image.height(), Qt::Uninitialized);
+    const int width = image.width();
+    QByteArray bytes((width * 3 + 1) * image.height(), Qt::Uninitialized);
     char* to = bytes.data();
     for (int y = 0; y < image.height(); ++y) {
         *to++ = 0;
         const QRgb* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        for (int x = 0; x < image.width(); ++x) {
+        for (int x = 0; x < width; ++x) {
             *to++ = static_cast<char>(qRed(line[x]));
             *to++ = static_cast<char>(qGreen(line[x]));
             *to++ = static_cast<char>(qBlue(line[x]));
@@ -78,6 +79,8 @@ QByteArray pngBytes(const QImage& image)
     addChunk(file, "IHDR",
              bigEndian(static_cast<quint32>(colours.width())) +
                  bigEndian(static_cast<quint32>(colours.height())) + QByteArray(kind, sizeof kind));
+    for (const QString& key : image.textKeys())
+        addChunk(file, "tEXt", key.toLatin1() + '\0' + image.text(key).toLatin1());
     addChunk(file, "IDAT", qCompress(pixelBytes(colours), quickest).mid(lengthBefore));
     addChunk(file, "IEND", {});
     return file;

@@ -1,0 +1,112 @@
+#include "batch/GraphPictures.h"
+
+#include "batch/OutputWords.h"
+#include "batch/PictureFolder.h"
+#include "display/SpectrumPreview.h"
+#include "results/FourPointGraph.h"
+#include "results/LcfGraph.h"
+#include "results/MutsGraph.h"
+
+#include <QImage>
+
+namespace
+{
+
+constexpr const char* panel = "FourPs";
+constexpr const char* selector = "AXafsFileSelect";
+
+/// Writes the pictures of a folder; graphs that show nothing have none.
+class Pictures
+{
+public:
+    Pictures(const GraphPictureOptions& options, const QString& folder)
+        : words(options.language), m_folder(options.folder + QStringLiteral("/pictures/") + folder)
+    {
+    }
+
+    void add(const QString& name, const QImage& image)
+    {
+        if (!image.isNull())
+            files.add(writePicture(m_folder + name + QStringLiteral(".png"), image));
+    }
+
+    QImage preview(const FittedSpectrum* spectrum) const
+    {
+        const PreviewCaptions captions{words.ofWindow(selector, "Edge Jump(1) : %1"),
+                                       words.ofWindow(selector, "Edge Jump(2) : %1")};
+        return graphPicture(words.ofWindow(selector, "Eng.[eV]"), words.ofWindow(selector, "mut"),
+                            [&](QPainter& painter, GraphFrame& frame) {
+                                drawSpectrumPreview(painter, frame, spectrum, captions);
+                            });
+    }
+
+    OutputWords words;
+    PictureFiles files;
+
+private:
+    QString m_folder;
+};
+
+MutsContent mutsContent(const Settings& settings, const AnalysisInput& input,
+                        const FittedSpectrum* fit)
+{
+    MutsContent content;
+    content.edge = settings.edge;
+    content.preEndOffset = settings.preEdgeEnd;
+    content.postStartOffset = settings.postEdgeStart;
+    content.rows = input.table;
+    content.selected.assign(input.spectra.all.begin(), input.spectra.all.end());
+    content.fit = fit;
+    return content;
+}
+
+} // namespace
+
+PictureFiles drawReferenceGraphs(const AnalysisInput& input, const GraphPictureOptions& options)
+{
+    Pictures pictures(options, QString());
+    for (const auto& [index, name] :
+         {std::pair(SpectrumSet::Ref1, "Ref 1"), std::pair(SpectrumSet::Ref2, "Ref 2"),
+          std::pair(SpectrumSet::Blank, "Blank sample")})
+        pictures.add(QString::fromLatin1(name), pictures.preview(input.spectra[index]));
+    return pictures.files;
+}
+
+PictureFiles drawTargetGraphs(const QString& target, const Settings& settings,
+                              const AnalysisInput& input, const LinearCombination* fit,
+                              const GraphPictureOptions& options)
+{
+    Pictures pictures(options, picturePath(target) + QLatin1Char('/'));
+    const OutputWords& words = pictures.words;
+    pictures.add(QStringLiteral("Target"), pictures.preview(input.spectra[SpectrumSet::Target]));
+    FittedSpectrum curve;
+    if (fit != nullptr)
+        curve.points = fit->curve;
+    const MutsContent content = mutsContent(settings, input, fit != nullptr ? &curve : nullptr);
+    pictures.add(QStringLiteral("Muts"),
+                 graphPicture(words.ofWindow(panel, "Eng.[eV]"), words.ofWindow(panel, "mut"),
+                              [&](QPainter& painter, GraphFrame& frame) {
+                                  drawMutsGraph(painter, frame, content);
+                              }));
+    const double rho = thicknessRatios(input).selected(input.conditions.thickness);
+    pictures.add(QStringLiteral("M2M3"),
+                 graphPicture(words.ofWindow(panel, "M2"), words.ofWindow(panel, "M3"),
+                              [&](QPainter& painter, GraphFrame& frame) {
+                                  drawFourPointGraph(painter, frame, input.table, rho);
+                              }));
+    return pictures.files;
+}
+
+PictureFiles drawComparisonGraph(const std::vector<LCFvs4PSPoint>& points,
+                                 const ReferenceValences& valences,
+                                 const GraphPictureOptions& options)
+{
+    Pictures pictures(options, QString());
+    const OutputWords& words = pictures.words;
+    pictures.add(QStringLiteral("LCF vs 4PS"),
+                 graphPicture(words.ofWindow(panel, "LCF"), words.ofWindow(panel, "4ps"),
+                              [&](QPainter& painter, GraphFrame& frame) {
+                                  drawLcfGraph(painter, frame, points, valences);
+                              }));
+    return pictures.files;
+}

@@ -1,0 +1,28 @@
+#include "batch/HtmlText.h"
+
+namespace
+{
+
+bool mayStand(QChar character)
+{
+    const ushort code = character.unicode();
+    if (code == '\n' || code == '\t')
+        return true;
+    return code >= 0x20 && !(code >= 0x7f && code < 0xa0) && code < 0xfffe;
+}
+
+} // namespace
+
+QByteArray htmlText(const QString& text)
+{
+    QString clean = text;
+    for (QChar& character : clean)
+        if (!mayStand(character))
+            character = QChar::ReplacementCharacter;
+    return clean.toHtmlEscaped().toUtf8();
+}
+
+QByteArray htmlText(const QByteArray& bytes)
+{
+    return htmlText(QString::fromUtf8(bytes));
+}

@@ -1,0 +1,174 @@
+#include "batch/MapPictures.h"
+
+#include "batch/MapReadOut.h"
+#include "batch/OutputWords.h"
+#include "results/HistogramGraph.h"
+#include "results/MapPicture.h"
+#include "results/ThicknessGraph.h"
+
+#include <QFont>
+#include <QImage>
+#include <QPainter>
+
+#include <array>
+
+namespace
+{
+
+constexpr const char* panel = "FourPs";
+
+MapCaptions captionsOf(const OutputWords& words, const QString& title)
+{
+    MapCaptions captions;
+    captions.title = title;
+    captions.valence = words("Valence");
+    captions.thickness = words("t/ts");
+    captions.missing = words("no result: %1");
+    captions.below = words("below %1: %2");
+    captions.above = words("above %1: %2");
+    captions.thinner = words("t/ts below %1, shown palest: %2");
+    captions.thicker = words("t/ts above %1, shown fullest: %2");
+    captions.hidden = words("covered by other pixels: %1");
+    captions.reduced = words("a dot shows one of %1 x %2 pixels");
+    captions.stretched = words("the axes have different scales");
+    captions.first = words("Position 1 (units of the stage)");
+    captions.second = words("Position 2 (units of the stage)");
+    captions.column = words("Column");
+    captions.row = words("Row");
+    return captions;
+}
+
+AxisEnds ends(const HistogramSettings& settings)
+{
+    return {settings.first, settings.last};
+}
+
+class MapPainter
+{
+public:
+    MapPainter(const QString& name, const MapPictureInput& input, const QString& language)
+        : m_input(input), m_words(language), m_captions(captionsOf(m_words, name)),
+          m_pixels(mapPixels(input.results, input.valences)),
+          m_grid(std::make_shared<const MapGrid>(m_pixels)), m_ranges{ends(input.valenceSettings),
+                                                                      ends(input.thicknessSettings)}
+    {
+    }
+
+    QImage map(MapQuantity quantity) const
+    {
+        MapPicture picture;
+        picture.setMap(m_pixels, m_grid, quantity, m_ranges);
+        const QFont font;
+        QImage image(picture.goodSize(font, m_captions), QImage::Format_RGB32);
+        GraphFrame frame;
+        frame.begin(image.width(), image.height());
+        QPainter painter(&image);
+        painter.setFont(font);
+        picture.draw(painter, frame, m_captions);
+        painter.end();
+        image.setText(QString::fromLatin1(plotAreaKey), plotAreaText(frame.coord, image.size()));
+        return image;
+    }
+
+    QImage valenceHistogram() const
+    {
+        return graphPicture(m_words("Valence"), m_words.ofWindow(panel, "Num."),
+                            [this](QPainter& painter, GraphFrame& frame) {
+                                drawValenceHistogram(painter, frame, m_input.valenceHistogram,
+                                                     m_ranges.valence, m_input.valences);
+                            });
+    }
+
+    QImage thicknessHistogram() const
+    {
+        return graphPicture(m_words.ofWindow(panel, "Thick."), m_words.ofWindow(panel, "Num."),
+                            [this](QPainter& painter, GraphFrame& frame) {
+                                drawThicknessHistogram(painter, frame, m_input.thicknessHistogram,
+                                                       m_ranges.thickness);
+                            });
+    }
+
+    QImage cloud() const
+    {
+        return graphPicture(m_words("Valence"), m_words.ofWindow(panel, "Thick."),
+                            [this](QPainter& painter, GraphFrame& frame) {
+                                const MapPoints points{m_pixels.a, m_pixels.t, m_pixels.size(), 0};
+                                ThicknessGraph().draw(painter, frame, points, m_input.valences,
+                                                      m_ranges.valence, m_ranges.thickness);
+                            });
+    }
+
+private:
+    const MapPictureInput& m_input;
+    OutputWords m_words;
+    MapCaptions m_captions;
+    MapPixels m_pixels;
+    std::shared_ptr<const MapGrid> m_grid;
+    MapRanges m_ranges;
+};
+
+struct Kind {
+    const char* name;
+    bool ofThickness;
+    QImage (*paint)(const MapPainter&);
+};
+
+constexpr std::array<Kind, 6> kinds{{
+    {"valence", false, [](const MapPainter& map) { return map.map(MapQuantity::Valence); }},
+    {"thickness", true, [](const MapPainter& map) { return map.map(MapQuantity::Thickness); }},
+    {"valence-by-thickness", true,
+     [](const MapPainter& map) { return map.map(MapQuantity::ValenceByThickness); }},
+    {"histogram-valence", false, [](const MapPainter& map) { return map.valenceHistogram(); }},
+    {"histogram-thickness", true, [](const MapPainter& map) { return map.thicknessHistogram(); }},
+    {"t-a", true, [](const MapPainter& map) { return map.cloud(); }},
+}};
+
+} // namespace
+
+QString plotAreaText(const ChCoord& coord, QSize canvas)
+{
+    QString text = QStringLiteral("%1 %2").arg(canvas.width()).arg(canvas.height());
+    for (const double number :
+         {coord.px0, coord.py0, coord.px1, coord.py1, coord.rx0, coord.ry0, coord.rx1, coord.ry1})
+        text += QLatin1Char(' ') + QString::number(number, 'g', 17);
+    return text;
+}
+
+MapPixels mapPixels(const MapResults& results, const ReferenceValences& valences)
+{
+    return {results.columns,
+            results.rows,
+            results.a.data(),
+            results.t.data(),
+            results.positions,
+            valences,
+            0};
+}
+
+PictureFiles drawMapPictures(const QString& folder, const QString& name,
+                             const MapPictureInput& input, const QString& language,
+                             Workers& workers)
+{
+    const MapPainter painter(name, input, language);
+    std::array<PictureFiles, kinds.size()> files;
+    workers.run(kinds.size(), [&](std::size_t i, unsigned) {
+        if (kinds[i].ofThickness && !input.hasThickness)
+            return;
+        const QImage image = kinds[i].paint(painter);
+        if (!image.isNull())
+            files[i] = writePicture(folder + QLatin1Char('/') + name + QLatin1Char('-') +
+                                        QLatin1String(kinds[i].name) + QStringLiteral(".png"),
+                                    image);
+    });
+    PictureFiles all;
+    for (const PictureFiles& some : files)
+        all.add(some);
+    return all;
+}
+
+QByteArray mapReadOut(const MapResults& results, const ReferenceValences& valences,
+                      bool hasThickness)
+{
+    const MapPixels pixels = mapPixels(results, valences);
+    return readOutBytes(mapReadOut(pixels, MapGrid(pixels), hasThickness));
+}

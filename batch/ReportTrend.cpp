@@ -1,0 +1,193 @@
+#include "batch/ReportTrend.h"
+
+#include "batch/HtmlText.h"
+#include "results/RoundSteps.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+constexpr double left = 56.0;
+constexpr double right = 790.0;
+constexpr double top = 12.0;
+constexpr double bottom = 270.0;
+constexpr std::size_t mostDots = 1000; // one for each target
+constexpr double crossArm = 3.0;
+constexpr int xMarks = 8;
+constexpr int yMarks = 6;
+
+/// A coordinate with two decimals, which no eye tells from more.
+QByteArray coordinate(double v)
+{
+    return QByteArray::number(std::round(v * 100.0) / 100.0, 'g', 8);
+}
+
+using Value = double ReportTargets::Point::*;
+
+struct Range {
+    double low = 0.0;
+    double high = 1.0;
+
+    double y(double value) const
+    {
+        const double part = (std::clamp(value, low, high) - low) / (high - low);
+        return bottom - part * (bottom - top);
+    }
+    bool contains(double value) const { return value >= low && value <= high; }
+};
+
+std::vector<double> finiteValues(const std::vector<ReportTargets::Point>& points)
+{
+    std::vector<double> values;
+    for (const ReportTargets::Point& point : points)
+        for (const double value : {point.valence, point.lcfValence})
+            if (std::isfinite(value))
+                values.push_back(value);
+    std::sort(values.begin(), values.end());
+    return values;
+}
+
+/// All values, but for those that lie farther from the bulk than the bulk is wide.
+/// @param values  sorted, at least one
+Range rangeOf(const std::vector<double>& values)
+{
+    const auto at = [&values](double part) {
+        return values[static_cast<std::size_t>(part * static_cast<double>(values.size() - 1))];
+    };
+    const double low = at(0.05);
+    const double high = at(0.95);
+    const double width = std::max(high - low, 0.05);
+    Range range{std::max(values.front(), low - width), std::min(values.back(), high + width)};
+    const double room = std::max((range.high - range.low) * 0.05, 0.01);
+    return {range.low - room, range.high + room};
+}
+
+class Trend
+{
+public:
+    Trend(const std::vector<ReportTargets::Point>& points, const Range& range)
+        : m_points(points), m_range(range), m_inStroke((points.size() + mostDots - 1) / mostDots)
+    {
+    }
+
+    std::size_t outside = 0;
+
+    bool hasStrokes() const { return m_inStroke > 1; }
+
+    /// One path for all marks of a method.
+    QByteArray path(Value value, bool cross)
+    {
+        QByteArray data;
+        for (std::size_t i = 0; i < m_points.size(); i += m_inStroke) {
+            double low = INFINITY;
+            double high = -INFINITY;
+            const std::size_t end = std::min(m_points.size(), i + m_inStroke);
+            for (std::size_t k = i; k < end; ++k)
+                include(m_points[k].*value, low, high);
+            if (low <= high)
+                data += mark(x(static_cast<double>(i + end - 1) / 2.0), m_range.y(high),
+                             m_range.y(low), cross);
+        }
+        return data;
+    }
+
+    double x(double place) const
+    {
+        const double last = static_cast<double>(m_points.size());
+        return left + (place + 0.5) / last * (right - left);
+    }
+
+private:
+    void include(double v, double& low, double& high)
+    {
+        if (!std::isfinite(v))
+            return;
+        outside += m_range.contains(v) ? 0 : 1;
+        low = std::min(low, v);
+        high = std::max(high, v);
+    }
+
+    static QByteArray mark(double x, double y1, double y2, bool cross)
+    {
+        if (!cross || y1 != y2)
+            return 'M' + coordinate(x) + ' ' + coordinate(y1) + 'V' + coordinate(y2);
+        const QByteArray arm = coordinate(2.0 * crossArm);
+        return 'M' + coordinate(x - crossArm) + ' ' + coordinate(y1 - crossArm) + 'l' + arm + ' ' +
+               arm + "m-" + arm + " 0l" + arm + " -" + arm;
+    }
+
+    const std::vector<ReportTargets::Point>& m_points;
+    Range m_range;
+    std::size_t m_inStroke; ///< targets that share a mark
+};
+
+QByteArray text(double x, double y, const char* anchor, const QByteArray& words)
+{
+    return "<text x=\"" + coordinate(x) + "\" y=\"" + coordinate(y) + "\" text-anchor=\"" + anchor +
+           "\">" + words + "</text>\n";
+}
+
+QByteArray axes(const Trend& trend, const Range& range, std::size_t count, const OutputWords& words)
+{
+    QByteArray svg;
+    const AxisMarks y = axisMarks(range.low, range.high, yMarks);
+    for (std::size_t i = 0; i < y.values.size(); ++i) {
+        const double at = range.y(y.values[i]);
+        svg += "<path class=\"grid\" d=\"M" + coordinate(left) + ' ' + coordinate(at) + 'H' +
+               coordinate(right) + "\"/>\n";
+        svg += text(left - 6.0, at + 4.0, "end", y.texts[i].toLatin1());
+    }
+    const AxisMarks x = axisMarks(1.0, static_cast<double>(count), xMarks);
+    for (std::size_t i = 0; i < x.values.size(); ++i)
+        if (x.values[i] >= 1.0 && x.values[i] == std::floor(x.values[i]))
+            svg += text(trend.x(x.values[i] - 1.0), bottom + 18.0, "middle", x.texts[i].toLatin1());
+    if (x.values.empty())
+        svg += text(trend.x(0.0), bottom + 18.0, "middle", "1");
+    svg += text((left + right) / 2.0, bottom + 38.0, "middle",
+                htmlText(words("number of the target")));
+    svg += "<text transform=\"translate(14 " + coordinate((top + bottom) / 2.0) +
+           ") rotate(-90)\" text-anchor=\"middle\">" + htmlText(words("Valence")) + "</text>\n";
+    svg += "<path class=\"frame\" d=\"M" + coordinate(left) + ' ' + coordinate(top) + 'V' +
+           coordinate(bottom) + 'H' + coordinate(right) + "\"/>\n";
+    return svg;
+}
+
+/// A sample of a mark before what it stands for.
+QByteArray key(const char* kind, const char* path, const QString& words)
+{
+    return QByteArray("<span class=\"key\"><svg viewBox=\"0 0 14 14\" width=\"14\" height=\"14\" "
+                      "aria-hidden=\"true\"><path class=\"") +
+           kind + "\" d=\"" + path + "\"/></svg> " + htmlText(words) + "</span> ";
+}
+
+} // namespace
+
+QByteArray trendFigure(const std::vector<ReportTargets::Point>& points, const OutputWords& words)
+{
+    const std::vector<double> values = finiteValues(points);
+    if (values.empty())
+        return {};
+    const Range range = rangeOf(values);
+    Trend trend(points, range);
+    const QByteArray dots = trend.path(&ReportTargets::Point::valence, false);
+    const QByteArray crosses = trend.path(&ReportTargets::Point::lcfValence, !trend.hasStrokes());
+    QByteArray html = "<figure class=\"trend\">\n<div class=\"wide\" tabindex=\"0\"><svg "
+                      "viewBox=\"0 0 800 316\" role=\"img\" "
+                      "aria-label=\"" +
+                      htmlText(words("Valence of each target, in the order of the job")) + "\">\n";
+    html += axes(trend, range, points.size(), words);
+    html += "<path class=\"lcf\" d=\"" + crosses + "\"/>\n";
+    html += "<path class=\"points\" d=\"" + dots + "\"/>\n</svg></div>\n<figcaption>";
+    html += key("points", "M7 7V7", words("point method"));
+    html += key("lcf", trend.hasStrokes() ? "M7 2V12" : "M3 3l8 8m-8 0l8 -8",
+                words("linear combination fit"));
+    if (trend.hasStrokes())
+        html +=
+            htmlText(words("A stroke reaches from the lowest to the highest of neighbours.")) + ' ';
+    if (trend.outside > 0)
+        html +=
+            htmlText(words("Values beyond the scale, shown at its edge: %1").arg(trend.outside));
+    return html + "</figcaption>\n</figure>\n";
+}

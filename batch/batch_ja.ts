@@ -1,0 +1,339 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1">
+<context>
+    <name>Output</name>
+    <message>
+        <source>Valence</source>
+        <translation>価数</translation>
+    </message>
+    <message>
+        <source>t/ts</source>
+        <translation>t/ts</translation>
+    </message>
+    <message>
+        <source>no result: %1</source>
+        <translation>結果なし: %1</translation>
+    </message>
+    <message>
+        <source>below %1: %2</source>
+        <translation>%1 未満: %2</translation>
+    </message>
+    <message>
+        <source>above %1: %2</source>
+        <translation>%1 超: %2</translation>
+    </message>
+    <message>
+        <source>t/ts below %1, shown palest: %2</source>
+        <translation>t/ts が %1 未満 (最も淡い色で表示): %2</translation>
+    </message>
+    <message>
+        <source>t/ts above %1, shown fullest: %2</source>
+        <translation>t/ts が %1 超 (最も濃い色で表示): %2</translation>
+    </message>
+    <message>
+        <source>covered by other pixels: %1</source>
+        <translation>ほかの画素に隠れた画素: %1</translation>
+    </message>
+    <message>
+        <source>a dot shows one of %1 x %2 pixels</source>
+        <translation>1 点は %1 × %2 画素のうちの 1 画素を示す</translation>
+    </message>
+    <message>
+        <source>the axes have different scales</source>
+        <translation>縦軸と横軸の縮尺は異なる</translation>
+    </message>
+    <message>
+        <source>Position 1 (units of the stage)</source>
+        <translation>位置 1 (ステージの単位)</translation>
+    </message>
+    <message>
+        <source>Position 2 (units of the stage)</source>
+        <translation>位置 2 (ステージの単位)</translation>
+    </message>
+    <message>
+        <source>Column</source>
+        <translation>列</translation>
+    </message>
+    <message>
+        <source>Row</source>
+        <translation>行</translation>
+    </message>
+    <message>
+        <source>The map is too large.</source>
+        <translation>マップが大きすぎます。</translation>
+    </message>
+    <message>
+        <source>The number of histogram boxes is too large.</source>
+        <translation>ヒストグラムの区間数が多すぎます。</translation>
+    </message>
+    <message>
+        <source>Targets</source>
+        <translation>試料</translation>
+    </message>
+    <message>
+        <source>refused</source>
+        <translation>計算不可</translation>
+    </message>
+    <message>
+        <source>with warnings</source>
+        <translation>警告あり</translation>
+    </message>
+    <message>
+        <source>Maps</source>
+        <translation>マップ</translation>
+    </message>
+    <message>
+        <source>maps refused</source>
+        <translation>計算できないマップ</translation>
+    </message>
+    <message>
+        <source>Refused targets come first. The heading of a column sorts by it. Figures have six digits here and all in results.csv.</source>
+        <translation>計算できなかった試料を最初に示します。列の見出しを押すと並べ替えます。数値はここでは 6 桁、results.csv では全桁です。</translation>
+    </message>
+    <message>
+        <source>Valence in the order of the job</source>
+        <translation>ジョブの順に見た価数</translation>
+    </message>
+    <message>
+        <source>Messages</source>
+        <translation>メッセージ</translation>
+    </message>
+    <message>
+        <source>There are none.</source>
+        <translation>ありません。</translation>
+    </message>
+    <message>
+        <source>What was asked</source>
+        <translation>ジョブの内容</translation>
+    </message>
+    <message>
+        <source>Inputs</source>
+        <translation>入力ファイル</translation>
+    </message>
+    <message>
+        <source>Report of %1</source>
+        <translation>%1 の報告</translation>
+    </message>
+    <message>
+        <source>Made by drovik %1. The page needs no network and no file beside it.</source>
+        <translation>drovik %1 で作成。このページはネットワークもほかのファイルも必要としません。</translation>
+    </message>
+    <message>
+        <source>Valence by thickness: thin pixels are pale</source>
+        <translation>価数と厚さ: 薄い画素ほど淡い色で示す</translation>
+    </message>
+    <message>
+        <source>Histogram of valences</source>
+        <translation>価数のヒストグラム</translation>
+    </message>
+    <message>
+        <source>Histogram of t/ts</source>
+        <translation>t/ts のヒストグラム</translation>
+    </message>
+    <message>
+        <source>Map of valences</source>
+        <translation>価数のマップ</translation>
+    </message>
+    <message>
+        <source>Map of t/ts</source>
+        <translation>t/ts のマップ</translation>
+    </message>
+    <message>
+        <source>t/ts against valence</source>
+        <translation>t/ts と価数</translation>
+    </message>
+    <message>
+        <source>Valence by the point method against that by the fit</source>
+        <translation>点法による価数とフィットによる価数</translation>
+    </message>
+    <message>
+        <source>Reference 1</source>
+        <translation>参照試料 1</translation>
+    </message>
+    <message>
+        <source>Reference 2</source>
+        <translation>参照試料 2</translation>
+    </message>
+    <message>
+        <source>Blank</source>
+        <translation>ブランク</translation>
+    </message>
+    <message>
+        <source>The picture %1 is missing.</source>
+        <translation>画像 %1 がありません。</translation>
+    </message>
+    <message>
+        <source>The picture %1 is left to its file, as the page would be too large.</source>
+        <translation>ページが大きくなりすぎるため、画像 %1 はファイルでご覧ください。</translation>
+    </message>
+    <message>
+        <source>The values under the pointer are those of each pixel.</source>
+        <translation>ポインターの位置の値として、すべての画素の値を示します。</translation>
+    </message>
+    <message>
+        <source>The values under the pointer are those of one pixel out of each block of %1 x %1.</source>
+        <translation>ポインターの位置の値として、%1 × %1 画素ごとに 1 画素の値を示します。</translation>
+    </message>
+    <message>
+        <source>Point at a map, or choose it with Tab and move with the arrow keys.</source>
+        <translation>マップを指すか、Tab キーで選んで矢印キーで動かしてください。</translation>
+    </message>
+    <message>
+        <source>position (%1, %2): </source>
+        <translation>位置 (%1, %2): </translation>
+    </message>
+    <message>
+        <source>column %1, row %2: </source>
+        <translation>%1 列 %2 行: </translation>
+    </message>
+    <message>
+        <source>valence %1</source>
+        <translation>価数 %1</translation>
+    </message>
+    <message>
+        <source>, t/ts %1</source>
+        <translation>、t/ts %1</translation>
+    </message>
+    <message>
+        <source>no result</source>
+        <translation>結果なし</translation>
+    </message>
+    <message>
+        <source>Refused:</source>
+        <translation>計算不可:</translation>
+    </message>
+    <message>
+        <source>Graphs</source>
+        <translation>グラフ</translation>
+    </message>
+    <message>
+        <source>Target</source>
+        <translation>試料</translation>
+    </message>
+    <message>
+        <source>Valence (fit)</source>
+        <translation>価数 (フィット)</translation>
+    </message>
+    <message>
+        <source>a</source>
+        <translation>a</translation>
+    </message>
+    <message>
+        <source>a (fit)</source>
+        <translation>a (フィット)</translation>
+    </message>
+    <message>
+        <source>R factor (fit)</source>
+        <translation>R 因子 (フィット)</translation>
+    </message>
+    <message>
+        <source>Edge jump</source>
+        <translation>エッジジャンプ</translation>
+    </message>
+    <message>
+        <source>Method</source>
+        <translation>方法</translation>
+    </message>
+    <message>
+        <source>Map</source>
+        <translation>マップ</translation>
+    </message>
+    <message>
+        <source>Columns</source>
+        <translation>列数</translation>
+    </message>
+    <message>
+        <source>Rows</source>
+        <translation>行数</translation>
+    </message>
+    <message>
+        <source>No result</source>
+        <translation>結果なし</translation>
+    </message>
+    <message>
+        <source>Valence, mean</source>
+        <translation>価数の平均</translation>
+    </message>
+    <message>
+        <source>Valence, median</source>
+        <translation>価数の中央値</translation>
+    </message>
+    <message>
+        <source>Valence, standard deviation</source>
+        <translation>価数の標準偏差</translation>
+    </message>
+    <message>
+        <source>t/ts, mean</source>
+        <translation>t/ts の平均</translation>
+    </message>
+    <message>
+        <source>t/ts, median</source>
+        <translation>t/ts の中央値</translation>
+    </message>
+    <message>
+        <source>t/ts, standard deviation</source>
+        <translation>t/ts の標準偏差</translation>
+    </message>
+    <message>
+        <source>Below the histogram</source>
+        <translation>ヒストグラムの下</translation>
+    </message>
+    <message>
+        <source>Above the histogram</source>
+        <translation>ヒストグラムの上</translation>
+    </message>
+    <message>
+        <source>Refusal</source>
+        <translation>計算できない理由</translation>
+    </message>
+    <message>
+        <source>Doubtful:</source>
+        <translation>要確認:</translation>
+    </message>
+    <message>
+        <source>No.</source>
+        <translation>番号</translation>
+    </message>
+    <message>
+        <source>Remarks</source>
+        <translation>備考</translation>
+    </message>
+    <message>
+        <source>%1 more targets are in results.csv.</source>
+        <translation>ほかの %1 件は results.csv にあります。</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>ファイル</translation>
+    </message>
+    <message>
+        <source>%1 more files are in run.sqlite.</source>
+        <translation>ほかの %1 件は run.sqlite にあります。</translation>
+    </message>
+    <message>
+        <source>number of the target</source>
+        <translation>試料の番号</translation>
+    </message>
+    <message>
+        <source>Valence of each target, in the order of the job</source>
+        <translation>各試料の価数 (ジョブの順)</translation>
+    </message>
+    <message>
+        <source>point method</source>
+        <translation>点法</translation>
+    </message>
+    <message>
+        <source>linear combination fit</source>
+        <translation>線形結合フィット</translation>
+    </message>
+    <message>
+        <source>A stroke reaches from the lowest to the highest of neighbours.</source>
+        <translation>縦線は、隣り合う試料の最小値から最大値までを示します。</translation>
+    </message>
+    <message>
+        <source>Values beyond the scale, shown at its edge: %1</source>
+        <translation>目盛りの外にあり、端に示した値: %1</translation>
+    </message>
+</context>
+</TS>
