@@ -4,8 +4,10 @@
 #include "results/HistogramFile.h"
 #include "results/ResultFile.h"
 #include "results/ResultText.h"
+#include "system/OrderedHandOver.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -110,6 +112,17 @@ void MapAnalysis::writeFiles()
     }
 }
 
+/// Bytes of the images of a map that one thread may read beside the others.
+constexpr qint64 smallMap = qint64{64} << 20;
+
+bool isSmall(const MapJob& map)
+{
+    qint64 bytes = 0;
+    for (const JobFilePath& image : map.images)
+        bytes += image.path.isEmpty() ? 0 : QFileInfo(image.path).size();
+    return bytes <= smallMap;
+}
+
 /// What the checks look at: a job of this map alone.
 Job onlyMap(const Job& job)
 {
@@ -161,4 +174,28 @@ MapOutcome analyseMap(const Job& job, const JobData& common, const MapJob& map, 
             outcome.row.warnings += doubt.reason;
     }
     return outcome;
+}
+
+bool runMaps(const Job& job, const JobData& common, const std::vector<MapJob>& maps,
+             const std::function<bool(const MapJob&, const MapOutcome&)>& use, Workers& workers)
+{
+    for (auto map = maps.begin(); map != maps.end();) {
+        const auto next = std::find_if_not(map, maps.end(), isSmall);
+        std::size_t used = 0;
+        const auto produce = [&](std::size_t i, unsigned, MapOutcome& outcome) {
+            outcome = analyseMap(job, common, map[static_cast<std::ptrdiff_t>(i)], workers);
+            return true;
+        };
+        const auto consume = [&](const MapOutcome& outcome) {
+            return use(map[static_cast<std::ptrdiff_t>(used++)], outcome);
+        };
+        if (!runInOrder<MapOutcome>(workers, static_cast<std::size_t>(next - map), produce,
+                                    consume))
+            return false;
+        map = next;
+        if (map != maps.end() && !use(*map, analyseMap(job, common, *map, workers)))
+            return false;
+        map += map != maps.end() ? 1 : 0;
+    }
+    return true;
 }

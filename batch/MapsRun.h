@@ -8,6 +8,9 @@
 #include <QByteArray>
 #include <QStringList>
 
+#include <functional>
+#include <vector>
+
 /// What became of one map.
 struct MapOutcome {
     MapRow row;
@@ -28,3 +31,10 @@ QString mapHistogramFile(const Job& job, const MapJob& map, const char* tag);
 /// points.
 /// @param common  of the job without targets and maps; its references and its blank are shared
 MapOutcome analyseMap(const Job& job, const JobData& common, const MapJob& map, Workers& workers);
+
+/// Analyses maps on all threads: small ones side by side, each of the large ones on all threads, so
+/// that the memory is that of one large map.
+/// @param use  gets each outcome in the order of the maps, one at a time; false ends the run
+/// @return false where the run was ended
+bool runMaps(const Job& job, const JobData& common, const std::vector<MapJob>& maps,
+             const std::function<bool(const MapJob&, const MapOutcome&)>& use, Workers& workers);

@@ -56,6 +56,8 @@ private slots:
     void mapWithoutANumber();
     void doubts();
     void folderThatCannotBe();
+    void manyMapsInTheirOrder();
+    void runEndsWhereItIsEnded();
 
 private:
     QString in(const char* name) const { return m_dir->filePath(QString::fromUtf8(name)); }
@@ -375,6 +377,68 @@ void tst_MapsRun::folderThatCannotBe()
              QStringLiteral("Can't open the file [%1]").arg(in("results/maps/area 1/area 1.dat")));
     QCOMPARE(outcome.files, QStringList());
     QCOMPARE(contents(in("results/maps/area 1")), QByteArray("a file"));
+}
+
+/// One in the middle is too large to be read beside the others, and two cannot be read.
+void tst_MapsRun::manyMapsInTheirOrder()
+{
+    QFile large(in("large.dat"));
+    QVERIFY(QFile::copy(in("map_1.dat"), large.fileName()));
+    QVERIFY(large.open(QIODevice::Append) && large.resize(qint64{65} << 20));
+    create(in("bad.dat"), "nothing");
+    QByteArray text;
+    const auto add = [&](const char* name, const char* first) {
+        text += QByteArray("[[map]]\nname = \"") + name + "\"\nimages = [\"" + first +
+                "\", \"map_2.dat\", \"map_3.dat\", \"map_4.dat\"]\n";
+    };
+    for (const char* name : {"f", "a", "e"})
+        add(name, "map_1.dat");
+    add("bad 1", "bad.dat");
+    add("large", "large.dat");
+    add("bad 2", "bad.dat");
+    add("b", "map_1.dat");
+    const Job made = job(text);
+    JobError error;
+    const auto maps = mapList(made, error);
+    const auto common = readJobData(made, error);
+    QVERIFY(maps && common);
+    QByteArrayList alone;
+    for (const unsigned threads : {1U, 2U, 3U}) {
+        Workers workers(threads);
+        QByteArrayList rows;
+        QVERIFY(runMaps(
+            made, *common, *maps,
+            [&](const MapJob& map, const MapOutcome& outcome) {
+                if (map.name == outcome.row.map)
+                    rows += mapFields(outcome.row).join(',');
+                return true;
+            },
+            workers));
+        if (threads == 1)
+            alone = rows;
+        QCOMPARE(rows, alone);
+    }
+    QByteArrayList names;
+    for (const QByteArray& row : alone)
+        names += row.left(row.indexOf(','));
+    QCOMPARE(names, QByteArrayList({"f", "a", "e", "bad 1", "large", "bad 2", "b"}));
+    QVERIFY(alone[3].endsWith(",no 2D data with axes in bad.dat"));
+    QCOMPARE(alone[1].mid(2), alone[0].mid(2));
+    QCOMPARE(alone[6].mid(2), alone[0].mid(2));
+}
+
+void tst_MapsRun::runEndsWhereItIsEnded()
+{
+    const Job made = job(area + "[[map]]\nname = \"b\"\npattern = \"map_{row}.dat\"\n");
+    JobError error;
+    const auto maps = mapList(made, error);
+    const auto common = readJobData(made, error);
+    QVERIFY(maps && common);
+    Workers workers(2);
+    int calls = 0;
+    const auto use = [&](const MapJob&, const MapOutcome&) { return ++calls == 0; };
+    QVERIFY(!runMaps(made, *common, *maps, use, workers));
+    QCOMPARE(calls, 1);
 }
 
 QTEST_GUILESS_MAIN(tst_MapsRun)
