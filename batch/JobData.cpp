@@ -1,7 +1,9 @@
 #include "batch/JobData.h"
 
+#include "batch/SourceFile.h"
 #include "input/KnownPositions.h"
 #include "input/MapReader.h"
+#include "input/SpectrumReader.h"
 #include "system/InputFile.h"
 #include "text/NumberText.h"
 
@@ -10,26 +12,37 @@
 namespace
 {
 
-/// @param openError  0 where the file could be opened
-/// @param what       there is none of, where the file was read but is of no use
-JobError unusable(const JobFilePath& file, int openError, const QString& refusal,
-                  const QString& what)
+JobError cannotOpen(const JobFilePath& file, const QString& why)
 {
-    if (openError != 0)
-        return {file.place,
-                QStringLiteral("cannot open %1: %2").arg(file.path, whyNotOpened(openError))};
-    if (!refusal.isEmpty())
-        return {file.place, refusal};
-    return {file.place, QStringLiteral("no %1 in %2").arg(what, file.path)};
+    return {file.place, QStringLiteral("cannot open %1: %2").arg(file.path, why)};
+}
+
+/// @param name  of the file, in the reason why it is of no use
+std::shared_ptr<const AXafsData> spectrumIn(const ByteSource& bytes, const QString& name,
+                                            const Settings& settings, QString& why)
+{
+    auto spectrum = std::make_shared<AXafsData>();
+    spectrum->setBounds(settings.bounds());
+    if (spectrum->read(bytes, name))
+        return spectrum;
+    why = spectrum->refusal.isEmpty() ? QStringLiteral("no spectrum in %1").arg(name)
+                                      : spectrum->refusal;
+    return nullptr;
 }
 
 std::optional<JobError> readSpectrum(const JobFilePath& file, std::size_t i, JobData& data)
 {
-    auto spectrum = std::make_shared<AXafsData>();
-    spectrum->setBounds(data.settings.bounds());
-    if (!spectrum->read(file.path))
-        return unusable(file, spectrum->openError, spectrum->refusal, QStringLiteral("spectrum"));
-    data.spectra[i] = std::move(spectrum);
+    QString why;
+    const std::optional<SourceFile> source = SourceFile::open(file.path, why);
+    if (!source)
+        return cannotOpen(file, why);
+    if (source->bytes().size() <= largestSpectrum)
+        data.digests[i] = source->digest();
+    data.spectra[i] = spectrumIn(source->bytes(), file.path, data.settings, why);
+    if (!data.spectra[i])
+        return JobError{file.place, why};
+    if (!data.digests[i] || !source->isStill(*data.digests[i]))
+        return JobError{file.place, QStringLiteral("%1 changes while it is read").arg(file.path)};
     return std::nullopt;
 }
 
@@ -54,9 +67,13 @@ std::optional<JobError> readImages(const std::vector<JobFilePath>& images, JobDa
         if (file.path.isEmpty())
             continue;
         const MapReadResult result = readMapData(file.path, data.maps[i], options, workers);
+        if (result.openError != 0)
+            return cannotOpen(file, whyNotOpened(result.openError));
         if (!data.maps[i].valid)
-            return unusable(file, result.openError, result.reason,
-                            QStringLiteral("2D data with axes"));
+            return JobError{file.place,
+                            result.reason.isEmpty()
+                                ? QStringLiteral("no 2D data with axes in %1").arg(file.path)
+                                : result.reason};
         if (!result.energies.isEmpty())
             data.settings.points[i].energy = numberFromText(result.energies.last());
     }
@@ -90,15 +107,15 @@ std::vector<MapSource> JobData::mapSources() const
     return sources;
 }
 
-std::optional<JobData> withTarget(const JobData& common, const JobFilePath& target, JobError& error)
+std::optional<JobData> withTarget(const JobData& common, const ByteSource& bytes,
+                                  const QString& name, QString& error)
 {
     JobData data;
     data.settings = common.settings;
     data.spectra = common.spectra;
-    if (auto wrong = readSpectrum(target, SpectrumSet::Target, data)) {
-        error = *wrong;
+    data.spectra[SpectrumSet::Target] = spectrumIn(bytes, name, data.settings, error);
+    if (!data.spectra[SpectrumSet::Target])
         return std::nullopt;
-    }
     prepareInput(data);
     return data;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "batch/Digest.h"
 #include "batch/JobFile.h"
 #include "batch/JobSettings.h"
 #include "input/AXafsData.h"
@@ -15,6 +16,8 @@ struct JobData {
     Settings settings;
     /// Fitted with the settings' bounds; null where the job names none.
     std::array<std::shared_ptr<const AXafsData>, SpectrumSet::count> spectra;
+    /// Of the spectra's files; of the bytes that were read.
+    std::array<std::optional<Digest>, SpectrumSet::count> digests;
     std::vector<MapData> maps; ///< [settings.points.size()]
     AnalysisInput input;       ///< refers to the spectra
 
@@ -23,9 +26,11 @@ struct JobData {
 
 /// The same job with a target of its own. The references, the blank and the settings are shared; no
 /// 2D data are in it.
+/// @param bytes  of the target's file
+/// @param name   of the file, in the text of an error
 /// @param error  why the target cannot be used, where nothing comes back
-std::optional<JobData> withTarget(const JobData& common, const JobFilePath& target,
-                                  JobError& error);
+std::optional<JobData> withTarget(const JobData& common, const ByteSource& bytes,
+                                  const QString& name, QString& error);
 
 /// The same job with a map of its own, of whose points those are in use that have an image. The
 /// references, the blank and the settings are shared. An energy in the header of an image takes the

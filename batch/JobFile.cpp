@@ -68,7 +68,7 @@ std::optional<Job> parseJob(const QByteArray& text, const QString& folder, JobEr
     return reader.job;
 }
 
-std::optional<Job> readJob(const QString& path, JobError& error)
+std::optional<QByteArray> readJobText(const QString& path, JobError& error)
 {
     int number = 0;
     const std::unique_ptr<InputFile> file = InputFile::open(path, &number);
@@ -85,7 +85,13 @@ std::optional<Job> readJob(const QString& path, JobError& error)
         error = {{}, QStringLiteral("cannot be read: ") + qt_error_string(errno)};
         return std::nullopt;
     }
-    return parseJob(text, QFileInfo(path).absolutePath(), error);
+    return text;
+}
+
+std::optional<Job> readJob(const QString& path, JobError& error)
+{
+    const std::optional<QByteArray> text = readJobText(path, error);
+    return text ? parseJob(*text, QFileInfo(path).absolutePath(), error) : std::nullopt;
 }
 
 QStringList jobKeys()

@@ -121,8 +121,10 @@ QString warningText(const QString& file, const JobError& doubt);
 /// @param error   is set where nothing comes back
 std::optional<Job> parseJob(const QByteArray& text, const QString& folder, JobError& error);
 
-/// Reads a job file; its own folder is what relative paths start from. Only a regular file of at
-/// most 1 MiB is read.
+/// The bytes of a job file. Only a regular file of at most 1 MiB is read.
+std::optional<QByteArray> readJobText(const QString& path, JobError& error);
+
+/// Reads a job file; its own folder is what relative paths start from.
 std::optional<Job> readJob(const QString& path, JobError& error);
 
 /// All keys that a job can have, "files.ref1", "point.energy"; a table is there by its keys only.

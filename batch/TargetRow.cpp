@@ -57,25 +57,35 @@ bool TargetRow::isGood() const
     return refusal.isEmpty() && areFinite(resultsOf(*this));
 }
 
-TargetRow analyseTarget(const Job& job, const JobData& common, const JobFilePath& target)
+QString targetName(const Job& job, const JobFilePath& target)
+{
+    return QDir(job.folder).relativeFilePath(target.path);
+}
+
+TargetRow refusedTarget(const QString& name, const QString& reason)
 {
     TargetRow row;
-    row.target = QDir(job.folder).relativeFilePath(target.path);
-    JobError error;
-    const std::optional<JobData> data = withTarget(common, target, error);
-    if (!data) {
-        refuse(error.reason, row);
-        return row;
-    }
-    Job own = job;
-    own.spectra[SpectrumSet::Target] = target;
+    row.target = name;
+    row.refusal = reason;
+    return row;
+}
+
+TargetRow analyseTarget(const Job& job, const JobData& common, const QString& name,
+                        const ByteSource& bytes)
+{
+    QString error;
+    const std::optional<JobData> data = withTarget(common, bytes, name, error);
+    if (!data)
+        return refusedTarget(name, error);
+    TargetRow row;
+    row.target = name;
     const AXafsData& spectrum = *data->spectra[SpectrumSet::Target];
     row.edgeJump = spectrum.edgeJump();
     row.edgeJumpNoC = spectrum.edgeJumpNoC();
-    calculate(own, *data, row);
+    calculate(job, *data, row);
     if (row.fit)
         row.fitValence = row.fit->valence(data->settings.valences);
-    for (const JobError& doubt : doubtsBefore(factsOf(own, *data)))
+    for (const JobError& doubt : doubtsBefore(factsOf(job, *data)))
         row.warnings += doubt.reason;
     for (const JobError& doubt : doubtsAfter(resultsOf(row)))
         row.warnings += doubt.reason;

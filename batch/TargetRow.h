@@ -11,7 +11,7 @@
 
 /// What the analysis of one target found: a row of results.csv.
 struct TargetRow {
-    QString target; ///< path against the job's folder
+    QString target; ///< its name
     std::optional<TargetResult> result;
     std::optional<double> edgeJump;    ///< of the target, between the three-term lines
     std::optional<double> edgeJumpNoC; ///< between the two-term lines
@@ -24,10 +24,19 @@ struct TargetRow {
     bool isGood() const;
 };
 
-/// Analyses one target against the references and the blank of a job. A target that cannot be read
-/// gives a row with the reason.
+/// What a target is called in the results, wherever the job lies: its path against the job's
+/// folder.
+QString targetName(const Job& job, const JobFilePath& target);
+
+/// A row with nothing but a reason.
+TargetRow refusedTarget(const QString& name, const QString& reason);
+
+/// Analyses one target against the references and the blank of a job. One that is no spectrum gives
+/// a row with the reason.
 /// @param common  of the job without a target; its references and its blank are shared
-TargetRow analyseTarget(const Job& job, const JobData& common, const JobFilePath& target);
+/// @param bytes   of the target's file
+TargetRow analyseTarget(const Job& job, const JobData& common, const QString& name,
+                        const ByteSource& bytes);
 
 /// The names of the columns, and the fields of a row.
 QByteArrayList targetColumns();

@@ -1,16 +1,10 @@
 #pragma once
 
+#include "batch/ExitStatus.h"
 #include "batch/JobFile.h"
+#include "batch/RunFolder.h"
 
 #include <vector>
-
-/// How the program ends.
-enum class ExitStatus {
-    Done = 0,
-    SomeRefused = 1, ///< or found no finite number; the rest is done
-    BadJob = 2,      ///< or an unreadable file; nothing was written
-    FileFailed = 3,  ///< a file could not be written, or the disk
-};
 
 /// More threads than this are a mistake of typing.
 constexpr unsigned mostThreads = 1024;
@@ -20,14 +14,21 @@ struct RunOptions {
     bool listOnly = false;
     bool listWithNul = false;
     bool quiet = false;
+    bool verbose = false;
+    bool again = false;   ///< also what is in the record already
     unsigned threads = 0; ///< 0: as many as this process has processors
+    Shard shard;
 };
 
-/// Runs a job of many targets: analyses each, tells on the standard error what is doubtful or was
-/// refused, and writes results.csv into the job's output folder, which is made if need be. One
-/// target that cannot be read or is refused is one row with its reason and stops no other.
+/// Runs a job of many targets: analyses those that are not yet in the record of the output folder,
+/// tells on the standard error what is doubtful or was refused, and writes results.csv from the
+/// record. One target that cannot be read or is refused is one row with its reason and stops no
+/// other. A shard writes a record of its own and no results.
 /// @param path  of the job file
-ExitStatus analyseTargets(const QString& path, const Job& job, const RunOptions& options);
+/// @param text  of it
+/// @return an ExitStatus
+int analyseTargets(const QString& path, const QByteArray& text, const Job& job,
+                   const RunOptions& options);
 
 /// Prints the paths of targets; an empty one is left out.
 ExitStatus listTargets(const std::vector<JobFilePath>& targets, const RunOptions& options);

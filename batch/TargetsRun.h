@@ -1,17 +1,42 @@
 #pragma once
 
+#include "batch/RecordedRow.h"
 #include "batch/TargetRow.h"
-#include "system/SafeFile.h"
 #include "system/Workers.h"
-
-#include <QByteArray>
 
 #include <functional>
 #include <vector>
 
-/// Analyses targets on all threads.
-/// @param common  of the job without a target
-/// @param use     gets each row in the order of the targets, one at a time; false ends the run
+/// What became of a target in a run.
+struct TargetStep {
+    enum class State {
+        Calculated,
+        Kept, ///< is in the record under its key
+        Left, ///< the run was to end before
+    };
+
+    std::size_t number = 0; ///< in the list of targets
+    State state = State::Left;
+    TargetRow row;               ///< where it was calculated
+    std::optional<Digest> input; ///< of its file, where all of it could be read
+    double seconds = 0.0;
+};
+
+/// What the targets of a run have in common.
+struct TargetsRun {
+    const Job& job;
+    const JobData& common; ///< of the job without a target
+    const std::vector<JobFilePath>& targets;
+    Digest key{};                             ///< of keyOfTargets()
+    std::vector<std::optional<Digest>> known; ///< of each target: its key in the record, if any
+};
+
+/// Analyses targets on all threads; those that are known are only read, for their digest. After a
+/// stop signal no more is begun.
+/// @param use  gets each target's step in their order, one at a time; false ends the run
 /// @return false where the run was ended
-bool runTargets(const Job& job, const JobData& common, const std::vector<JobFilePath>& targets,
-                const std::function<bool(const TargetRow&)>& use, Workers& workers);
+bool runTargets(const TargetsRun& run, const std::function<bool(const TargetStep&)>& use,
+                Workers& workers);
+
+/// The row of a step for the record.
+RecordedRow recordedRow(const TargetsRun& targets, const TargetStep& step);

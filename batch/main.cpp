@@ -8,6 +8,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <exception>
@@ -87,7 +88,15 @@ QString readOptions(QCommandLineParser& parser, Options& options)
         QStringLiteral("N"));
     const QCommandLineOption quiet(QStringLiteral("quiet"),
                                    QStringLiteral("No progress, no names of written files."));
-    parser.addOptions({check, list, zero, example, threads, quiet});
+    const QCommandLineOption verbose(QStringLiteral("verbose"),
+                                     QStringLiteral("Tells what becomes of each target."));
+    const QCommandLineOption again(
+        QStringLiteral("again"), QStringLiteral("Also calculates what is in the record already."));
+    const QCommandLineOption shard(
+        QStringLiteral("shard"),
+        QStringLiteral("Only every N-th of the list, from the K-th, into a record of its own."),
+        QStringLiteral("K/N"));
+    parser.addOptions({check, list, zero, example, threads, quiet, verbose, again, shard});
     parser.addPositionalArgument(QStringLiteral("JOB.toml"),
                                  QStringLiteral("Spectra, points and conditions."));
     if (!parser.parse(QCoreApplication::arguments()))
@@ -103,6 +112,15 @@ QString readOptions(QCommandLineParser& parser, Options& options)
         options.run.threads = parser.value(threads).toUInt();
         if (options.run.threads < 1 || options.run.threads > mostThreads)
             return QStringLiteral("--jobs takes a number from 1 to %1.").arg(mostThreads);
+    }
+    options.run.verbose = parser.isSet(verbose);
+    options.run.again = parser.isSet(again);
+    if (parser.isSet(shard)) {
+        const std::optional<Shard> given = Shard::fromText(parser.value(shard));
+        if (!given)
+            return QStringLiteral("--shard takes K/N, two numbers with 1 <= K <= N <= %1.")
+                .arg(Shard::most);
+        options.run.shard = *given;
     }
     const QStringList jobs = parser.positionalArguments();
     options.job = jobs.value(0);
@@ -126,11 +144,13 @@ int run()
                    ? static_cast<int>(ExitStatus::Done)
                    : complain(QStringLiteral("The job cannot be written."), ExitStatus::FileFailed);
     JobError error;
-    const std::optional<Job> job = readJob(options.job, error);
+    const std::optional<QByteArray> text = readJobText(options.job, error);
+    const std::optional<Job> job =
+        text ? parseJob(*text, QFileInfo(options.job).absolutePath(), error) : std::nullopt;
     if (!job)
         return complain(errorText(options.job, error));
     if (!job->output.path.isEmpty())
-        return static_cast<int>(analyseTargets(options.job, *job, options.run));
+        return analyseTargets(options.job, *text, *job, options.run);
     if (options.run.listOnly)
         return static_cast<int>(listTargets({job->spectra[SpectrumSet::Target]}, options.run));
     return analyseOne(options.job, *job, options.run.checkOnly);

@@ -7,7 +7,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 run_packages=(
     cmake ninja-build g++
     qtbase5-dev libqt5svg5-dev qttools5-dev qttools5-dev-tools qtwayland5 libxcb1-dev
-    libtomlplusplus-dev libboost-dev
+    libtomlplusplus-dev libboost-dev libsqlite3-dev nettle-dev
     fonts-dejavu-core fonts-ipafont-gothic
 )
 # Beside those, what the tests, the benchmark programs and the Debian package need.

@@ -4,6 +4,7 @@
 
 #include <QDebug>
 
+#include <new>
 #include <utility>
 
 namespace
@@ -25,8 +26,23 @@ QString refusalText(ReadOutcome outcome, const QString& path)
 bool AXafsData::read(const QString& path)
 {
     SpectrumPoints found;
-    openError = 0;
-    const ReadOutcome outcome = readSpectrum(path, found, &openError);
+    const ReadOutcome outcome = readSpectrum(path, found);
+    return take(outcome, std::move(found), path);
+}
+
+bool AXafsData::read(const ByteSource& bytes, const QString& path)
+{
+    try {
+        SpectrumPoints found;
+        const ReadOutcome outcome = readSpectrum(bytes, found);
+        return take(outcome, std::move(found), path);
+    } catch (const std::bad_alloc&) {
+        return take(ReadOutcome::TooLarge, {}, path);
+    }
+}
+
+bool AXafsData::take(ReadOutcome outcome, SpectrumPoints found, const QString& path)
+{
     refusal = refusalText(outcome, path);
     if (outcome == ReadOutcome::CannotOpen)
         qDebug() << "Can't open a XAFS file" << path;

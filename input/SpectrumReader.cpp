@@ -133,9 +133,9 @@ ReadOutcome readSpectrum(const ByteSource& file, SpectrumPoints& points, std::si
     }
 }
 
-ReadOutcome readSpectrum(const QString& path, SpectrumPoints& points, int* openError)
+ReadOutcome readSpectrum(const QString& path, SpectrumPoints& points)
 {
-    const std::unique_ptr<InputFile> file = InputFile::open(path, openError);
+    const std::unique_ptr<InputFile> file = InputFile::open(path);
     if (!file)
         return ReadOutcome::CannotOpen;
     try {

@@ -52,5 +52,4 @@ constexpr std::int64_t largestSpectrum = std::int64_t{1} << 30;
 ReadOutcome readSpectrum(const ByteSource& file, SpectrumPoints& points, std::size_t memory = 0);
 
 /// Reads a spectrum file by its path.
-/// @param openError  is set to InputFile::open()'s error number where the file cannot be opened
-ReadOutcome readSpectrum(const QString& path, SpectrumPoints& points, int* openError = nullptr);
+ReadOutcome readSpectrum(const QString& path, SpectrumPoints& points);

@@ -1,41 +1,14 @@
 #include "batch/JobRun.h"
 #include "batch/TargetRow.h"
-#include "examples/MixedSample.h"
-#include "examples/MixedSampleFiles.h"
+#include "tests/batch/BatchFolder.h"
 #include "tests/support/Files.h"
 #include "text/NumberText.h"
 
 #include <QDir>
-#include <QProcess>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace
 {
-
-struct Output {
-    int status = -1;
-    QByteArray text;
-    QString errors;
-};
-
-Output run(const QStringList& arguments, const QString& folder)
-{
-    QProcess process;
-    process.setWorkingDirectory(folder);
-    process.start(QStringLiteral(BATCH_PROGRAM), arguments);
-    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
-        return {};
-    return {process.exitCode(), process.readAllStandardOutput(),
-            QString::fromUtf8(process.readAllStandardError())};
-}
-
-void write(const QString& path, const QByteArray& text)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
-        qFatal("%s cannot be written", qPrintable(path));
-}
 
 /// A field of a table without quotation marks, by the names of its row and column.
 QByteArray field(const QByteArray& table, const QByteArray& target, const QByteArray& column)
@@ -66,44 +39,23 @@ private slots:
     void checkWritesNothing();
     void nothingReadIsWritten();
     void folderThatCannotBe();
-    void fullDisk();
 
 private:
-    QString file(const char* name) const { return m_dir->filePath(QString::fromLatin1(name)); }
-    QByteArray results() const { return contents(file("results/results.csv")); }
-    void writeJob(const QByteArray& more = {}, const QByteArray& targets = "\"scans/*.dat\"") const
-    {
-        write(file("job.toml"),
-              "[files]\nref1 = \"ref1.dat\"\nref2 = \"ref2.dat\"\nblank = \"blank.dat\"\n"
-              "targets = [" +
-                  targets + "]\n[output]\nfolder = \"results\"\n" + points + more);
-    }
-
-    static const QByteArray points;
-    std::unique_ptr<QTemporaryDir> m_dir;
+    QString file(const char* name) const { return m_folder->file(name); }
+    QByteArray results() const { return m_folder->results(); }
+    std::unique_ptr<BatchFolder> m_folder;
 };
-
-const QByteArray tst_Targets::points =
-    "[[point]]\nenergy = 8313\nt_ratio = true\n[[point]]\nenergy = 8381\nt_ratio = true\n"
-    "[[point]]\nenergy = 8390\nv_point = true\n[[point]]\nenergy = 8404.5\nt_ratio = true\n";
 
 void tst_Targets::init()
 {
-    m_dir = std::make_unique<QTemporaryDir>();
-    QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral("scans")));
-    for (const int percent : {80, 10, 35}) {
-        MixedSample sample;
-        sample.fraction = percent / 100.0;
-        QCOMPARE(writeSample(m_dir->path(), sample, std::nullopt), QString());
-        QVERIFY(QFile::rename(file("target.dat"),
-                              m_dir->filePath(QStringLiteral("scans/%1.dat").arg(percent))));
-    }
+    m_folder = std::make_unique<BatchFolder>();
 }
 
 void tst_Targets::aRowForEachTarget()
 {
-    writeJob("[conditions]\nthickness = \"sum-by-sum\"\nreferences_minus_victreen = false\n");
-    const Output output = run({QStringLiteral("job.toml")}, m_dir->path());
+    m_folder->writeJob(
+        "[conditions]\nthickness = \"sum-by-sum\"\nreferences_minus_victreen = false\n");
+    const BatchOutput output = m_folder->run();
     QCOMPARE(output.status, 0);
     QCOMPARE(output.text, QByteArray());
     QCOMPARE(output.errors, QStringLiteral("Written: %1\n").arg(file("results/results.csv")));
@@ -138,15 +90,15 @@ void tst_Targets::figuresAreThoseOfOneTarget_data()
 void tst_Targets::figuresAreThoseOfOneTarget()
 {
     QFETCH(QByteArray, conditions);
-    writeJob(conditions);
-    QCOMPARE(run({QStringLiteral("job.toml")}, m_dir->path()).status, 0);
+    m_folder->writeJob(conditions);
+    QCOMPARE(m_folder->run().status, 0);
     const QByteArray table = results();
     for (const char* name : {"scans/10.dat", "scans/35.dat", "scans/80.dat"}) {
         JobError error;
         const QByteArray text = "[files]\nref1 = \"ref1.dat\"\nref2 = \"ref2.dat\"\nblank = "
                                 "\"blank.dat\"\ntarget = \"" +
-                                QByteArray(name) + "\"\n" + points + conditions;
-        const auto job = parseJob(text, m_dir->path(), error);
+                                QByteArray(name) + "\"\n" + BatchFolder::points + conditions;
+        const auto job = parseJob(text, m_folder->path(), error);
         QVERIFY2(job, qPrintable(error.reason));
         const auto data = readJobData(*job, error);
         QVERIFY(data);
@@ -175,13 +127,13 @@ void tst_Targets::threadsChangeNothing()
 {
     for (int i = 0; i < 60; ++i)
         QVERIFY(QFile::copy(file("scans/35.dat"),
-                            m_dir->filePath(QStringLiteral("scans/copy%1.dat").arg(i))));
-    writeJob();
+                            m_folder->file(QStringLiteral("scans/copy%1.dat").arg(i))));
+    m_folder->writeJob();
     QByteArray first;
     for (const char* threads : {"1", "2", "7"}) {
-        QCOMPARE(run({QStringLiteral("--jobs"), QString::fromLatin1(threads),
-                      QStringLiteral("--quiet"), QStringLiteral("job.toml")},
-                     m_dir->path())
+        QCOMPARE(m_folder
+                     ->run({QStringLiteral("--again"), QStringLiteral("--jobs"),
+                            QString::fromLatin1(threads), QStringLiteral("--quiet")})
                      .status,
                  0);
         if (first.isEmpty())
@@ -190,9 +142,8 @@ void tst_Targets::threadsChangeNothing()
     }
     QCOMPARE(first.count('\n'), 64);
     for (const char* wrong : {"0", "-1", "x", "100000"}) {
-        const Output output =
-            run({QStringLiteral("--jobs"), QString::fromLatin1(wrong), QStringLiteral("job.toml")},
-                m_dir->path());
+        const BatchOutput output =
+            m_folder->run({QStringLiteral("--jobs"), QString::fromLatin1(wrong)});
         QCOMPARE(output.status, 2);
         QCOMPARE(output.errors, QStringLiteral("--jobs takes a number from 1 to 1024.\n"));
     }
@@ -200,15 +151,14 @@ void tst_Targets::threadsChangeNothing()
 
 void tst_Targets::aBadTargetStopsNoOther()
 {
-    write(file("scans/20.dat"), "no spectrum\n");
-    write(file("scans/30.dat"), "Offset\n0 13 0 2 1\n");
-    writeJob();
-    const Output output = run({QStringLiteral("job.toml")}, m_dir->path());
+    m_folder->write("scans/20.dat", "no spectrum\n");
+    m_folder->write("scans/30.dat", "Offset\n0 13 0 2 1\n");
+    m_folder->writeJob();
+    const BatchOutput output = m_folder->run();
     QCOMPARE(output.status, 1);
     const QByteArray table = results();
     QCOMPARE(table.count('\n'), 6);
-    QCOMPARE(field(table, "scans/20.dat", "refusal"),
-             "no spectrum in " + file("scans/20.dat").toUtf8());
+    QCOMPARE(field(table, "scans/20.dat", "refusal"), QByteArray("no spectrum in scans/20.dat"));
     QCOMPARE(field(table, "scans/20.dat", "a"), QByteArray());
     QVERIFY(output.errors.contains(QStringLiteral("scans/20.dat: no spectrum in ")));
     // One point is a spectrum, of which nothing finite comes.
@@ -221,8 +171,8 @@ void tst_Targets::aBadTargetStopsNoOther()
 
 void tst_Targets::rFactorIsWhatTheFitMisses()
 {
-    writeJob();
-    QCOMPARE(run({QStringLiteral("job.toml")}, m_dir->path()).status, 0);
+    m_folder->writeJob();
+    QCOMPARE(m_folder->run().status, 0);
     AXafsData ref1;
     AXafsData ref2;
     AXafsData target;
@@ -253,28 +203,24 @@ void tst_Targets::rFactorIsWhatTheFitMisses()
 
 void tst_Targets::listed()
 {
-    writeJob({}, "\"scans/[38]*.dat\"");
+    m_folder->writeJob({}, "\"scans/[38]*.dat\"");
     const QByteArray first = file("scans/35.dat").toUtf8();
     const QByteArray second = file("scans/80.dat").toUtf8();
-    QCOMPARE(run({QStringLiteral("--list"), QStringLiteral("job.toml")}, m_dir->path()).text,
-             first + '\n' + second + '\n');
-    QCOMPARE(run({QStringLiteral("--list"), QStringLiteral("-0"), QStringLiteral("job.toml")},
-                 m_dir->path())
-                 .text,
+    QCOMPARE(m_folder->run({QStringLiteral("--list")}).text, first + '\n' + second + '\n');
+    QCOMPARE(m_folder->run({QStringLiteral("--list"), QStringLiteral("-0")}).text,
              first + '\0' + second + '\0');
     QVERIFY(!QFile::exists(file("results")));
 }
 
 void tst_Targets::checkWritesNothing()
 {
-    writeJob();
-    const Output output =
-        run({QStringLiteral("--check"), QStringLiteral("job.toml")}, m_dir->path());
+    m_folder->writeJob();
+    const BatchOutput output = m_folder->run({QStringLiteral("--check")});
     QCOMPARE(output.status, 0);
     QCOMPARE(output.errors, QString());
     QVERIFY(!QFile::exists(file("results")));
-    writeJob({}, "\"scans/*.csv\"");
-    const Output bad = run({QStringLiteral("--check"), QStringLiteral("job.toml")}, m_dir->path());
+    m_folder->writeJob({}, "\"scans/*.csv\"");
+    const BatchOutput bad = m_folder->run({QStringLiteral("--check")});
     QCOMPARE(bad.status, 2);
     QCOMPARE(bad.errors,
              QStringLiteral("job.toml:5:12: files.targets: no file is named, or matched by, %1\n")
@@ -283,11 +229,11 @@ void tst_Targets::checkWritesNothing()
 
 void tst_Targets::nothingReadIsWritten()
 {
-    QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral("results")));
+    QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("results")));
     QVERIFY(QFile::link(file("scans/35.dat"), file("results/results.csv")));
     const QByteArray before = contents(file("scans/35.dat"));
-    writeJob();
-    const Output output = run({QStringLiteral("job.toml")}, m_dir->path());
+    m_folder->writeJob();
+    const BatchOutput output = m_folder->run();
     QCOMPARE(output.status, 2);
     QCOMPARE(
         output.errors,
@@ -298,40 +244,14 @@ void tst_Targets::nothingReadIsWritten()
 
 void tst_Targets::folderThatCannotBe()
 {
-    write(file("results"), "a file");
-    writeJob();
-    const Output output = run({QStringLiteral("job.toml")}, m_dir->path());
+    m_folder->write("results", "a file");
+    m_folder->writeJob();
+    const BatchOutput output = m_folder->run();
     QCOMPARE(output.status, 2);
     QCOMPARE(output.errors,
              QStringLiteral("job.toml:7:10: output.folder: the output folder is a file: %1\n")
                  .arg(file("results")));
     QCOMPARE(contents(file("results")), QByteArray("a file"));
-}
-
-// A disk that is full leaves the table of before.
-void tst_Targets::fullDisk()
-{
-    for (int i = 0; i < 60; ++i)
-        QVERIFY(QFile::copy(file("scans/35.dat"),
-                            m_dir->filePath(QStringLiteral("scans/copy%1.dat").arg(i))));
-    writeJob();
-    QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral("results")));
-    write(file("results/results.csv"), "earlier");
-    QProcess process;
-    // The limit must not break off the counts of the lines that all other runs reach.
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("GCOV_PREFIX"), file("counts"));
-    process.setProcessEnvironment(environment);
-    process.setWorkingDirectory(m_dir->path());
-    process.start(QStringLiteral("prlimit"),
-                  {QStringLiteral("--fsize=4096"), QStringLiteral(BATCH_PROGRAM),
-                   QStringLiteral("job.toml")});
-    QVERIFY(process.waitForFinished());
-    QCOMPARE(process.exitCode(), 3);
-    QCOMPARE(process.readAllStandardError(),
-             "cannot write " + file("results/results.csv").toUtf8() + '\n');
-    QCOMPARE(results(), QByteArray("earlier"));
-    QCOMPARE(QDir(file("results")).entryList(QDir::Files | QDir::Hidden).size(), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_Targets)

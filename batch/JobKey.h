@@ -1,0 +1,27 @@
+#pragma once
+
+#include "batch/Digest.h"
+#include "batch/JobData.h"
+
+#include <QByteArray>
+#include <QStringList>
+
+#include <optional>
+
+/// The version of the program, which may calculate otherwise than another.
+QByteArray programVersion();
+
+/// What of a job's text its results depend on, in a form of its own: the same for other line ends,
+/// comments, orders of keys and ways to write a number. Left out are the tables that name files or
+/// are none of a target's business.
+/// @param text  of a job that can be read
+QByteArray settingsOfTargets(const QByteArray& text);
+
+/// What the results of the targets depend on, themselves left aside: version, settings, references
+/// and blank.
+/// @param common  with the digests of its spectra
+Digest keyOfTargets(const QByteArray& settings, const JobData& common);
+
+/// Under which the row of a target is in the record.
+/// @param target  digest of its file
+Digest keyOfTarget(const Digest& ofTargets, const Digest& target);

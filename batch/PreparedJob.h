@@ -1,0 +1,36 @@
+#pragma once
+
+#include "batch/JobData.h"
+#include "batch/MapJob.h"
+#include "batch/RecordedRow.h"
+#include "batch/RunFolder.h"
+
+/// What a job is to do, in its order; the maps follow the targets.
+struct JobList {
+    std::vector<JobFilePath> targets;
+    std::vector<MapJob> maps;
+
+    JobList part(const Shard& shard) const;
+};
+
+/// A job that may run: everything it names is there, and nothing it reads would be written.
+struct PreparedJob {
+    QString path;        ///< of the job file
+    QByteArray text;     ///< of it
+    QByteArray settings; ///< what of it the targets depend on
+    Job job;
+    JobList list;   ///< of this shard
+    JobData common; ///< references and blank
+};
+
+/// @param error  is set where nothing comes back
+std::optional<JobList> listOf(const Job& job, JobError& error);
+
+/// Checks a job and reads the files that its targets have in common.
+/// @param error  is set where nothing comes back
+std::optional<PreparedJob> prepareJob(const QString& path, const QByteArray& text, const Job& job,
+                                      const Shard& shard, JobError& error);
+
+/// What the record keeps of the run that is about to begin.
+/// @param record  its path
+RecordedRun recordedRun(const PreparedJob& prepared, const Shard& shard, const QString& record);

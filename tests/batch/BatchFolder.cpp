@@ -1,0 +1,84 @@
+#include "tests/batch/BatchFolder.h"
+
+#include "examples/MixedSample.h"
+#include "examples/MixedSampleFiles.h"
+#include "tests/support/Files.h"
+
+#include <QDir>
+
+const QByteArray BatchFolder::points =
+    "[[point]]\nenergy = 8313\nt_ratio = true\n[[point]]\nenergy = 8381\nt_ratio = true\n"
+    "[[point]]\nenergy = 8390\nv_point = true\n[[point]]\nenergy = 8404.5\nt_ratio = true\n";
+
+BatchFolder::BatchFolder(const QList<int>& percents)
+{
+    if (!QDir(path()).mkdir(QStringLiteral("scans")))
+        qFatal("no folder can be made in %s", qPrintable(path()));
+    for (const int percent : percents) {
+        MixedSample sample;
+        sample.fraction = percent / 100.0;
+        if (!writeSample(path(), sample, std::nullopt).isEmpty() ||
+            !QFile::rename(file("target.dat"), file(QStringLiteral("scans/%1.dat").arg(percent))))
+            qFatal("no sample can be written in %s", qPrintable(path()));
+    }
+}
+
+QByteArray BatchFolder::results() const
+{
+    return contents(file("results/results.csv"));
+}
+
+void BatchFolder::writeJob(const QByteArray& more, const QByteArray& targets) const
+{
+    write("job.toml", "[files]\nref1 = \"ref1.dat\"\nref2 = \"ref2.dat\"\nblank = \"blank.dat\"\n"
+                      "targets = [" +
+                          targets + "]\n[output]\nfolder = \"results\"\n" + points + more);
+}
+
+void BatchFolder::write(const char* name, const QByteArray& text) const
+{
+    create(file(name), text);
+}
+
+void BatchFolder::addTargets(int count, const char* prefix) const
+{
+    const QByteArray scan = contents(file("scans/35.dat"));
+    for (int i = 0; i < count; ++i) {
+        const QByteArray name = prefix + QByteArray::number(i).rightJustified(4, '0');
+        write("scans/" + name + ".dat", "  " + name + '\n' + scan);
+    }
+}
+
+BatchOutput BatchFolder::run(const QStringList& arguments) const
+{
+    return runPlainly(arguments + QStringList{QStringLiteral("job.toml")});
+}
+
+BatchOutput BatchFolder::runPlainly(const QStringList& arguments) const
+{
+    QProcess process;
+    start(process, arguments);
+    return outputOf(process);
+}
+
+void BatchFolder::start(QProcess& process, const QStringList& arguments,
+                        const QString& program) const
+{
+    QProcessEnvironment environment = process.processEnvironment();
+    if (environment.isEmpty())
+        environment = QProcessEnvironment::systemEnvironment();
+    // A run that is killed or limited must not break off the counts of the lines that others reach.
+    environment.insert(QStringLiteral("GCOV_PREFIX"), file("counts"));
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(path());
+    process.start(program, arguments);
+}
+
+BatchOutput BatchFolder::outputOf(QProcess& process)
+{
+    if (!process.waitForFinished())
+        return {};
+    const int status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    return {status, process.readAllStandardOutput(),
+            QString::fromUtf8(process.readAllStandardError())};
+}
