@@ -24,5 +24,5 @@ QByteArray htmlText(const QString& text)
 
 QByteArray htmlText(const QByteArray& bytes)
 {
-    return htmlText(QString::fromUtf8(bytes));
+    return htmlText(QString::fromUtf8(bytes.constData(), bytes.size()));
 }

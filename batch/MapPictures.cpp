@@ -43,14 +43,23 @@ AxisEnds ends(const HistogramSettings& settings)
     return {settings.first, settings.last};
 }
 
+/// From the first to the last box, so that a picture counts as "below" and "above" what the row of
+/// the map does.
+AxisEnds boxes(const HistogramCounts& histogram, const HistogramSettings& settings)
+{
+    return histogram.from < histogram.to ? AxisEnds{histogram.from, histogram.to} : ends(settings);
+}
+
 class MapPainter
 {
 public:
     MapPainter(const QString& name, const MapPictureInput& input, const QString& language)
         : m_input(input), m_words(language), m_captions(captionsOf(m_words, name)),
-          m_pixels(mapPixels(input.results, input.valences)),
-          m_grid(std::make_shared<const MapGrid>(m_pixels)), m_ranges{ends(input.valenceSettings),
-                                                                      ends(input.thicknessSettings)}
+          m_pixels(mapPixels(input.results, input.valences, input.missing)),
+          m_grid(std::make_shared<const MapGrid>(m_pixels)),
+          m_ranges{boxes(input.valenceHistogram, input.valenceSettings),
+                   boxes(input.thicknessHistogram, input.thicknessSettings)},
+          m_xRange(ends(input.valenceSettings)), m_yRange(ends(input.thicknessSettings))
     {
     }
 
@@ -75,7 +84,7 @@ public:
         return graphPicture(m_words("Valence"), m_words.ofWindow(panel, "Num."),
                             [this](QPainter& painter, GraphFrame& frame) {
                                 drawValenceHistogram(painter, frame, m_input.valenceHistogram,
-                                                     m_ranges.valence, m_input.valences);
+                                                     m_xRange, m_input.valences);
                             });
     }
 
@@ -84,7 +93,7 @@ public:
         return graphPicture(m_words.ofWindow(panel, "Thick."), m_words.ofWindow(panel, "Num."),
                             [this](QPainter& painter, GraphFrame& frame) {
                                 drawThicknessHistogram(painter, frame, m_input.thicknessHistogram,
-                                                       m_ranges.thickness);
+                                                       m_yRange);
                             });
     }
 
@@ -94,7 +103,7 @@ public:
                             [this](QPainter& painter, GraphFrame& frame) {
                                 const MapPoints points{m_pixels.a, m_pixels.t, m_pixels.size(), 0};
                                 ThicknessGraph().draw(painter, frame, points, m_input.valences,
-                                                      m_ranges.valence, m_ranges.thickness);
+                                                      m_xRange, m_yRange);
                             });
     }
 
@@ -105,6 +114,8 @@ private:
     MapPixels m_pixels;
     std::shared_ptr<const MapGrid> m_grid;
     MapRanges m_ranges;
+    AxisEnds m_xRange; ///< of the graphs, as in the window
+    AxisEnds m_yRange;
 };
 
 struct Kind {
@@ -134,15 +145,18 @@ QString plotAreaText(const ChCoord& coord, QSize canvas)
     return text;
 }
 
-MapPixels mapPixels(const MapResults& results, const ReferenceValences& valences)
+MapPixels mapPixels(const MapResults& results, const ReferenceValences& valences,
+                    const MissingPixels* missing)
 {
-    return {results.columns,
-            results.rows,
-            results.a.data(),
-            results.t.data(),
-            results.positions,
-            valences,
-            0};
+    MapPixels pixels;
+    pixels.columns = results.columns;
+    pixels.rows = results.rows;
+    pixels.a = results.a.data();
+    pixels.t = results.t.data();
+    pixels.positions = results.positions;
+    pixels.valences = valences;
+    pixels.missing = missing;
+    return pixels;
 }
 
 PictureFiles drawMapPictures(const QString& folder, const QString& name,
@@ -166,9 +180,8 @@ PictureFiles drawMapPictures(const QString& folder, const QString& name,
     return all;
 }
 
-QByteArray mapReadOut(const MapResults& results, const ReferenceValences& valences,
-                      bool hasThickness)
+QByteArray mapReadOut(const MapPictureInput& input)
 {
-    const MapPixels pixels = mapPixels(results, valences);
-    return readOutBytes(mapReadOut(pixels, MapGrid(pixels), hasThickness));
+    const MapPixels pixels = mapPixels(input.results, input.valences, input.missing);
+    return readOutBytes(mapReadOut(pixels, MapGrid(pixels), input.hasThickness));
 }

@@ -18,14 +18,15 @@ struct MapPictureInput {
     HistogramSettings valenceSettings;         ///< their ranges are those of the colours too
     HistogramSettings thicknessSettings;
     ReferenceValences valences;
-    bool hasThickness = true; ///< false for the three-point method
+    bool hasThickness = true;               ///< false for the three-point method
+    const MissingPixels* missing = nullptr; ///< of the results
 };
 
 /// Paints the pictures of a map as NAME-valence.png, NAME-thickness.png,
 /// NAME-valence-by-thickness.png, NAME-histogram-valence.png, NAME-histogram-thickness.png and
 /// NAME-t-a.png, each written beside its place and renamed; without thickness only the first and
-/// the fourth. The colours span the histograms' settings, whose ends are those of the graphs'
-/// axes. Needs a QGuiApplication (see batch/PictureApplication.h); may be called from any thread.
+/// the fourth. The colours span the boxes of the histograms. Needs a QGuiApplication (see
+/// batch/PictureApplication.h); may be called from any thread.
 /// @param folder    is made if need be
 /// @param name      may stand in a file's name
 /// @param language  "en" or "ja"
@@ -40,9 +41,9 @@ constexpr const char* plotAreaKey = "Plot area";
 QString plotAreaText(const ChCoord& coord, QSize canvas);
 
 /// The results as pictures see them; the arrays stay those of the results.
-MapPixels mapPixels(const MapResults& results, const ReferenceValences& valences);
+MapPixels mapPixels(const MapResults& results, const ReferenceValences& valences,
+                    const MissingPixels* missing);
 
 /// What the report shows under the pointer, as bytes that are the same on every machine: for
 /// `MapOutcome::readOut`, the record of the run and `ReportMap::readOut`.
-QByteArray mapReadOut(const MapResults& results, const ReferenceValences& valences,
-                      bool hasThickness);
+QByteArray mapReadOut(const MapPictureInput& input);

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "analysis/MapCalculation.h"
-#include "analysis/TargetResult.h"
+#include "analysis/MapSummary.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -17,14 +16,18 @@ struct MapPixels {
     const double* t = nullptr; ///< thickness ratio [columns * rows]
     SharedPositions positions; ///< pixels beyond their number were not measured
     ReferenceValences valences;
-    std::uint64_t revision = 0; ///< another number whenever the results are others
+    /// Which pixels have no result, where more is known than by the positions and the numbers.
+    const MissingPixels* missing = nullptr;
 
     std::size_t size() const
     {
         return a == nullptr ? 0
                             : static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows);
     }
-    bool isMeasured(std::size_t i) const { return positions && i < positions->size(); }
+    bool isMeasured(std::size_t i) const
+    {
+        return positions && i < positions->size() && (missing == nullptr || !(*missing)(i));
+    }
     double valence(std::size_t i) const { return valences.mean(a[i]); }
 };
 

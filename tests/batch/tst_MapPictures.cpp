@@ -220,7 +220,7 @@ void TestMapPictures::readOutOfALargeMapHasBlocks()
 void TestMapPictures::readOutSurvivesItsBytes()
 {
     const Sample sample(7, 5);
-    const QByteArray bytes = mapReadOut(sample.results, sample.references, true);
+    const QByteArray bytes = mapReadOut(sample.input());
     const std::optional<MapReadOut> read = readOutFromBytes(bytes);
     QVERIFY(read.has_value());
     QCOMPARE(read->columns, 7);
@@ -234,7 +234,7 @@ void TestMapPictures::readOutSurvivesItsBytes()
 void TestMapPictures::bytesThatAreNoReadOutAreRefused()
 {
     const Sample sample(3, 2);
-    const QByteArray bytes = mapReadOut(sample.results, sample.references, true);
+    const QByteArray bytes = mapReadOut(sample.input());
     for (int size = 0; size < bytes.size(); ++size)
         QVERIFY(!readOutFromBytes(bytes.left(size)).has_value());
     QVERIFY(!readOutFromBytes(bytes + 'x').has_value());

@@ -47,7 +47,7 @@ public:
     MapPixels pixels() const
     {
         return {m_columns,  m_rows, m_fractions.data(), m_thicknesses.data(), m_positions,
-                {2.0, 3.0}, 1};
+                {2.0, 3.0}, nullptr};
     }
 
 private:

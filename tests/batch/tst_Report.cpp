@@ -1,0 +1,241 @@
+#include "batch/HtmlText.h"
+#include "batch/Report.h"
+
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace
+{
+
+const QByteArrayList columns{"target",       "method",    "a",       "valence",
+                             "t_ts",         "edge_jump", "lcf_a",   "lcf_valence",
+                             "lcf_r_factor", "refusal",   "warnings"};
+
+QByteArrayList row(const QByteArray& target, const QByteArray& valence,
+                   const QByteArray& refusal = {}, const QByteArray& warnings = {})
+{
+    return {target, "4ps",   "0.123456789", valence, "0.5",   "1.25",
+            "0.25", valence, "0.0001",      refusal, warnings};
+}
+
+ReportFacts facts(const std::vector<QByteArrayList>& rows)
+{
+    ReportFacts some;
+    some.jobName = "night.toml";
+    some.jobText = "[files]\n";
+    some.version = "1.2.3";
+    some.targets = ReportTargets(columns);
+    for (const QByteArrayList& fields : rows)
+        some.targets.add(fields);
+    return some;
+}
+
+/// The texts of the cells of a table's rows, of each row the first few.
+QByteArrayList targetsOf(const QByteArray& page)
+{
+    QByteArrayList names;
+    const QByteArray table = page.mid(page.indexOf("id=\"targets\""));
+    QRegularExpression heading(QStringLiteral("<th scope=\"row\"><bdi>(.*?)</bdi>"));
+    auto matches = heading.globalMatch(QString::fromUtf8(table.left(table.indexOf("</table>"))));
+    while (matches.hasNext())
+        names.append(matches.next().captured(1).toUtf8());
+    return names;
+}
+
+} // namespace
+
+class TestReport : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void textsAreEscaped_data();
+    void textsAreEscaped();
+    void hostileNamesDoNothing();
+    void refusedTargetsComeFirst();
+    void figuresHaveSixDigits();
+    void onlySoManyTargetsAreListed();
+    void trendHasAMarkForEachValue();
+    void valuesFarOffAreCounted();
+    void manyTargetsShareStrokes();
+    void withoutValuesThereIsNoTrend();
+    void aPictureThatIsMissingIsNamed();
+    void aDamagedReadOutIsLeftOut();
+    void pageIsInItsLanguage();
+    void sameFactsGiveTheSamePage();
+    void pageAsksNobody();
+};
+
+void TestReport::textsAreEscaped_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("tag") << QByteArray("<b>&\"") << QByteArray("&lt;b&gt;&amp;&quot;");
+    QTest::newRow("not UTF-8") << QByteArray("a\xff") << QByteArray("a\xef\xbf\xbd");
+    QTest::newRow("controls") << QByteArray("a\x01\x1b[1m\x7f")
+                              << QByteArray("a\xef\xbf\xbd\xef\xbf\xbd[1m\xef\xbf\xbd");
+    QTest::newRow("line end and tab") << QByteArray("a\n\tb") << QByteArray("a\n\tb");
+    QTest::newRow("nul") << QByteArray("a\0b", 3)
+                         << QByteArray("a\xef\xbf\xbd"
+                                       "b");
+    QTest::newRow("Japanese") << QByteArray("試料") << QByteArray("試料");
+    QTest::newRow("beyond 16 bits")
+        << QByteArray("\xf0\x9f\x94\xac") << QByteArray("\xf0\x9f\x94\xac");
+    QTest::newRow("no character") << QByteArray("\xef\xbf\xbe") << QByteArray("\xef\xbf\xbd");
+}
+
+void TestReport::textsAreEscaped()
+{
+    QFETCH(QByteArray, bytes);
+    QTEST(htmlText(bytes), "text");
+}
+
+// Wherever a text of a job or a file can stand.
+void TestReport::hostileNamesDoNothing()
+{
+    const QByteArray name = "<script>alert('x')</script>\"><img src=x onerror=alert(1)>";
+    ReportFacts some = facts({row(name, "2.5", name, name)});
+    some.jobName = some.jobText = some.version = name;
+    some.inputs = {{name, name}};
+    some.messages = {name, "</ul>" + name};
+    some.graphs += QString::fromUtf8("/nowhere/" + name);
+    some.mapColumns = {"map", "method", "valence_mean", "refusal"};
+    some.maps = {{{name, name, name, name}, {QString::fromUtf8(name)}, {}}};
+    const QByteArray page = reportPage(some);
+    QVERIFY(!page.contains("<script>alert"));
+    QVERIFY(!page.contains("<img src=x"));
+    QCOMPARE(page.count("<script"), 1); // the page's own
+    QVERIFY(page.count("&lt;script&gt;alert(") >= 10);
+}
+
+void TestReport::refusedTargetsComeFirst()
+{
+    const QByteArray page =
+        reportPage(facts({row("a", "2.5"), row("b", "", "V Point is not selected."),
+                          row("c", "2.6"), row("d", "", "no spectrum in d")}));
+    QCOMPARE(targetsOf(page).join(' '), QByteArray("b d a c"));
+    QVERIFY(page.contains("<strong>Refused:</strong> <bdi>no spectrum in d</bdi>"));
+    QVERIFY(page.contains("<dt>Targets</dt><dd>4</dd>"));
+    QVERIFY(page.contains("<dt>refused</dt><dd>2</dd>"));
+}
+
+void TestReport::figuresHaveSixDigits()
+{
+    const QByteArray page = reportPage(facts({row("a", "2.3456789012345678"), row("b", "1e-07")}));
+    QVERIFY(page.contains("<td class=\"number\">2.34568</td>"));
+    QVERIFY(page.contains("<td class=\"number\">1e-07</td>"));
+    QVERIFY(page.contains("<td class=\"number\">0.123457</td>"));
+}
+
+void TestReport::onlySoManyTargetsAreListed()
+{
+    std::vector<QByteArrayList> rows;
+    for (int i = 0; i < 5000; ++i)
+        rows.push_back(row(QByteArray::number(i), "2.5", i % 2 == 0 ? "no" : ""));
+    const QByteArray page = reportPage(facts(rows));
+    const QByteArrayList names = targetsOf(page);
+    QCOMPARE(names.size(), 4000);
+    QCOMPARE(names.first(), QByteArray("0"));
+    QCOMPARE(names.at(1999), QByteArray("3998"));
+    QCOMPARE(names.at(2000), QByteArray("1"));
+    QVERIFY(page.contains("1000 more targets are in results.csv."));
+}
+
+void TestReport::trendHasAMarkForEachValue()
+{
+    const QByteArray page = reportPage(facts({row("a", "2.0"), row("b", ""), row("c", "3.0")}));
+    const QRegularExpression path(
+        QStringLiteral("<path class=\"(lcf|points)\" d=\"([^\"]*)\"/>\n"));
+    auto matches = path.globalMatch(QString::fromUtf8(page));
+    QStringList found;
+    while (matches.hasNext()) {
+        const QRegularExpressionMatch match = matches.next();
+        found.append(match.captured(1) + QLatin1Char(' ') +
+                     QString::number(match.captured(2).count(QLatin1Char('M'))));
+    }
+    QCOMPARE(found.join(QLatin1Char(',')), QStringLiteral("lcf 2,points 2"));
+    // Of three places between 56 and 790 the middles of the first and the last; 2 and 3 lie a
+    // twentieth of the height from the ends, as the scale goes from 1.95 to 3.05.
+    QVERIFY2(page.contains("d=\"M178.33 258.27V258.27M667.67 23.73V23.73\""), page);
+}
+
+void TestReport::valuesFarOffAreCounted()
+{
+    std::vector<QByteArrayList> rows;
+    for (int i = 0; i < 40; ++i)
+        rows.push_back(row(QByteArray::number(i), i == 7 ? "91" : i % 2 == 0 ? "2.4" : "2.6"));
+    const QByteArray page = reportPage(facts(rows));
+    QVERIFY(page.contains("Values beyond the scale, shown at its edge: 2"));
+    rows[7] = row("7", "2.5");
+    QVERIFY(!reportPage(facts(rows)).contains("Values beyond the scale"));
+}
+
+void TestReport::manyTargetsShareStrokes()
+{
+    std::vector<QByteArrayList> rows;
+    for (int i = 0; i < 2500; ++i) // three in a stroke
+        rows.push_back(row(QByteArray::number(i), QByteArray::number(2.0 + i % 3 * 0.25)));
+    const QByteArray page = reportPage(facts(rows));
+    const QByteArray path = page.mid(page.indexOf("<path class=\"points\""));
+    QCOMPARE(path.left(path.indexOf("/>")).count('M'), 834);
+    QVERIFY(page.contains("A stroke reaches from the lowest to the highest of neighbours."));
+}
+
+void TestReport::withoutValuesThereIsNoTrend()
+{
+    const QByteArray page = reportPage(facts({row("a", "", "no"), row("b", "nan")}));
+    QVERIFY(!page.contains("id=\"trend\""));
+    QVERIFY(page.contains("id=\"targets\""));
+    QVERIFY(!reportPage(facts({})).contains("id=\"targets\""));
+}
+
+void TestReport::aPictureThatIsMissingIsNamed()
+{
+    ReportFacts some = facts({});
+    some.graphs += QStringLiteral("/nowhere/Ref 1.png");
+    const QByteArray page = reportPage(some);
+    QVERIFY(page.contains("The picture Ref 1.png is missing."));
+    QVERIFY(!page.contains("/nowhere"));
+}
+
+void TestReport::aDamagedReadOutIsLeftOut()
+{
+    ReportFacts some = facts({});
+    some.mapColumns = {"map", "refusal"};
+    some.maps = {{{"area", ""}, {}, QByteArray("no read-out")}};
+    const QByteArray page = reportPage(some);
+    QVERIFY(page.contains("<h3><bdi>area</bdi></h3>"));
+    QVERIFY(!page.contains("class=\"readout\""));
+}
+
+void TestReport::pageIsInItsLanguage()
+{
+    ReportFacts some = facts({row("a", "", "Number of selected data sets 5 is not 4.")});
+    some.messages = {"a: V Point is not selected."};
+    QVERIFY(reportPage(some).startsWith("<!DOCTYPE html>\n<html lang=\"en\">"));
+    some.language = QStringLiteral("ja");
+    const QByteArray page = reportPage(some);
+    QVERIFY(page.startsWith("<!DOCTYPE html>\n<html lang=\"ja\">"));
+    QVERIFY(page.contains("<title>night.toml の報告</title>"));
+    QVERIFY(page.contains("選ばれたデータの数 5 が 4 ではありません。"));
+    QVERIFY(page.contains("<li><bdi>a: V 点が選ばれていません。</bdi></li>"));
+}
+
+void TestReport::sameFactsGiveTheSamePage()
+{
+    const std::vector<QByteArrayList> rows{row("a", "2.5"), row("b", "", "no")};
+    QCOMPARE(reportPage(facts(rows)), reportPage(facts(rows)));
+}
+
+// Neither a link nor a source of anything but pictures within the page.
+void TestReport::pageAsksNobody()
+{
+    const QByteArray page = reportPage(facts({row("a", "2.5")}));
+    QVERIFY(page.contains("default-src 'none'"));
+    for (const char* word : {"http:", "https:", "//cdn", "href=", "@import", "url("})
+        QVERIFY2(!page.contains(word), word);
+}
+
+QTEST_APPLESS_MAIN(TestReport)
+#include "tst_Report.moc"
