@@ -86,25 +86,34 @@ std::vector<double> mapEnergies()
 
 QByteArray mapHeader(const MapSample& map, double energy)
 {
+    return mapHeader(map.columns, map.rows, energy);
+}
+
+QByteArray mapHeader(int columns, int rows, double energy)
+{
     const auto axis = [](int number, const char* name, int size) {
         return "# AXIS " + QByteArray::number(number) + " " + name + " mm step " +
                QByteArray::number(MapSample::positionStep) + " " + QByteArray::number(size) +
                " points\n";
     };
-    return "# made map of a nickel-like sample\n" + axis(0, "x", map.columns) +
-           axis(1, "y", map.rows) + "# ENERGY = " + QByteArray::number(energy, 'g', 10) + " eV\n";
+    return "# made map of a nickel-like sample\n" + axis(0, "x", columns) + axis(1, "y", rows) +
+           "# ENERGY = " + QByteArray::number(energy, 'g', 10) + " eV\n";
 }
 
 QByteArray mapRow(const MapSample& map, double energy, int y)
+{
+    return mapRow(map.columns, y, [&](int x) { return map.muT(x, y, energy); });
+}
+
+QByteArray mapRow(int columns, int y, const std::function<double(int x)>& muT)
 {
     constexpr int digits = 16;
     const QByteArray position = QByteArray::number(y * MapSample::positionStep);
     const QByteArray before = " " + QByteArray::number(incident, 'f', 0) + "\n";
     QByteArray text;
-    for (int x = 0; x < map.columns; ++x)
+    for (int x = 0; x < columns; ++x)
         text += QByteArray::number(x * MapSample::positionStep) + " " + position + " " +
-                QByteArray::number(incident * std::exp(-map.muT(x, y, energy)), 'g', digits) +
-                before;
+                QByteArray::number(incident * std::exp(-muT(x)), 'g', digits) + before;
     return text + "\n";
 }
 

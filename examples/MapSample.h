@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
 #include <vector>
 
 /// The truth of a map example: an image in which the fraction of the first state rises from column
@@ -32,8 +33,10 @@ struct MapSample {
 std::vector<double> mapEnergies();
 
 /// Header lines of an image's file: axes and energy.
+QByteArray mapHeader(int columns, int rows, double energy);
 QByteArray mapHeader(const MapSample& map, double energy);
 /// One row of an image: a line for each pixel with its positions, I and I0, and an empty line.
+QByteArray mapRow(int columns, int y, const std::function<double(int x)>& muT);
 QByteArray mapRow(const MapSample& map, double energy, int y);
 
 /// Name of the image's file at the i-th energy: map_1.dat and so on.

@@ -63,9 +63,9 @@ std::vector<double> scanEnergies()
 }
 
 std::vector<ScanStep> scan(const MixedSample& sample, Measurement measurement,
-                           std::optional<std::uint_fast64_t> seed)
+                           std::optional<std::uint_fast64_t> seed,
+                           const std::vector<double>& energies)
 {
-    const std::vector<double> energies = scanEnergies();
     CountingNoise noise(seed.value_or(0));
     std::vector<ScanStep> steps;
     steps.reserve(energies.size());

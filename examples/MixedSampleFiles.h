@@ -20,7 +20,8 @@ std::vector<double> scanEnergies();
 /// A measurement of the sample.
 /// @param seed  of the counting noise; without one the counts are the expected ones
 std::vector<ScanStep> scan(const MixedSample& sample, Measurement measurement,
-                           std::optional<std::uint_fast64_t> seed);
+                           std::optional<std::uint_fast64_t> seed,
+                           const std::vector<double>& energies = scanEnergies());
 
 /// Name of a measurement's file: ref1.dat, ref2.dat, target.dat, blank.dat.
 QString fileName(Measurement measurement);

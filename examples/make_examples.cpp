@@ -1,5 +1,6 @@
 #include "examples/MapSample.h"
 #include "examples/MixedSampleFiles.h"
+#include "examples/NightSample.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -32,7 +33,7 @@ QString writeMapExample(const QString& folder, const MapSample& map)
     return failed.isEmpty() ? writeMap(folder, map) : failed;
 }
 
-/// The nickel-like mixture with counting noise and without, and a small map.
+/// The nickel-like mixture with counting noise and without, a small map, and a night of samples.
 QString writeAll(const QDir& folder)
 {
     QString failed = writeSample(folder.filePath(QStringLiteral("nickel")), MixedSample(), seed);
@@ -41,6 +42,8 @@ QString writeAll(const QDir& folder)
                              std::nullopt);
     if (failed.isEmpty())
         failed = writeMapExample(folder.filePath(QStringLiteral("nickel-map")), MapSample());
+    if (failed.isEmpty())
+        failed = night::write(folder.filePath(QStringLiteral("nickel-night")));
     return failed;
 }
 
