@@ -2,6 +2,7 @@
 #include "batch/TargetList.h"
 #include "batch/TargetRow.h"
 #include "examples/NightSample.h"
+#include "system/InputFile.h"
 #include "tests/support/Files.h"
 
 #include <QDir>
@@ -114,8 +115,10 @@ void tst_NightSample::targetsHoldTheTruth()
     QCOMPARE(truth.size(), night::samples + 1);
     double sum = 0.0;
     for (int i = 0; i < night::samples; ++i) {
-        const TargetRow row =
-            analyseTarget(*m_job, *m_common, (*targets)[static_cast<std::size_t>(i)]);
+        const JobFilePath& target = (*targets)[static_cast<std::size_t>(i)];
+        const auto file = InputFile::open(target.path);
+        QVERIFY2(file, qPrintable(target.path));
+        const TargetRow row = analyseTarget(*m_job, *m_common, targetName(*m_job, target), *file);
         QVERIFY2(row.isGood(), qPrintable(row.refusal));
         QCOMPARE(row.warnings, QStringList());
         QCOMPARE(row.target.toUtf8(), truth[i + 1][0]);
