@@ -7,7 +7,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 run_packages=(
     cmake ninja-build g++
     qtbase5-dev libqt5svg5-dev qttools5-dev qttools5-dev-tools qtwayland5 libxcb1-dev
-    libtomlplusplus-dev libboost-dev libsqlite3-dev nettle-dev
+    libtomlplusplus-dev libboost-dev libsqlite3-dev nettle-dev libhdf5-dev libtiff-dev
     fonts-dejavu-core fonts-ipafont-gothic
 )
 # Beside those, what the tests, the benchmark programs and the Debian package need.
@@ -15,6 +15,7 @@ check_packages=(
     libbenchmark-dev libfast-float-dev libfmt-dev libtbb-dev
     librsvg2-bin poppler-utils
     xvfb xauth xdotool
+    python3-h5py python3-tifffile
     clang clang-tidy libclang-rt-14-dev cppcheck gcovr pkg-config
 )
 

@@ -1,0 +1,96 @@
+#include "formats/Frame.h"
+
+#include "analysis/Constants.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+namespace
+{
+
+/// Pixels that are taken at once; their intensities stay in the core's first cache.
+constexpr std::size_t block = 512;
+using Block = std::array<double, block>;
+
+template <class T>
+void convert(const char* from, std::size_t first, std::size_t count, double* to)
+{
+    const char* p = from + first * sizeof(T);
+    for (std::size_t i = 0; i < count; ++i, p += sizeof(T)) {
+        T value;
+        std::memcpy(&value, p, sizeof value);
+        to[i] = static_cast<double>(value);
+    }
+}
+
+void load(const Plane& plane, std::size_t first, std::size_t count, double* to)
+{
+    switch (plane.type) {
+    case PixelType::U8:
+        return convert<std::uint8_t>(plane.pixels, first, count, to);
+    case PixelType::U16:
+        return convert<std::uint16_t>(plane.pixels, first, count, to);
+    case PixelType::U32:
+        return convert<std::uint32_t>(plane.pixels, first, count, to);
+    case PixelType::I8:
+        return convert<std::int8_t>(plane.pixels, first, count, to);
+    case PixelType::I16:
+        return convert<std::int16_t>(plane.pixels, first, count, to);
+    case PixelType::I32:
+        return convert<std::int32_t>(plane.pixels, first, count, to);
+    case PixelType::F32:
+        return convert<float>(plane.pixels, first, count, to);
+    case PixelType::F64:
+        return convert<double>(plane.pixels, first, count, to);
+    }
+}
+
+/// ln(incident / transmitted) of pixels; both finite and positive, or it is missing.
+double logarithm(double incident, double transmitted)
+{
+    const bool makesSense = incident > 0.0 && transmitted > 0.0 && std::isfinite(incident) &&
+                            std::isfinite(transmitted);
+    return makesSense ? std::log(incident / transmitted) : notANumber;
+}
+
+void logarithmsOfCounts(const Frame& frame, std::size_t first, std::size_t count, double* values)
+{
+    Block flat;
+    Block dark;
+    load(frame.flat, first, count, flat.data());
+    if (frame.dark.pixels != nullptr)
+        load(frame.dark, first, count, dark.data());
+    else
+        std::fill_n(dark.begin(), count, frame.darkLevel);
+    for (std::size_t i = 0; i < count; ++i)
+        values[i] = logarithm(flat[i] - dark[i], values[i] - dark[i]) + frame.added;
+}
+
+/// Turns a block of numbers, as they are stored, into mu-t.
+void toMut(const Frame& frame, std::size_t first, std::size_t count, double* values)
+{
+    if (frame.values == StackValues::Counts)
+        logarithmsOfCounts(frame, first, count, values);
+    else if (frame.values == StackValues::Transmission)
+        std::transform(values, values + count, values, [](double t) { return logarithm(1.0, t); });
+    else
+        std::transform(values, values + count, values,
+                       [](double mut) { return std::isfinite(mut) ? mut : notANumber; });
+}
+
+} // namespace
+
+void addMut(const Frame& frame, std::size_t first, std::size_t count, double* mut, bool add)
+{
+    Block values;
+    for (std::size_t done = 0; done < count; done += block) {
+        const std::size_t n = std::min(block, count - done);
+        load(frame.frame, first + done, n, values.data());
+        toMut(frame, first + done, n, values.data());
+        for (std::size_t i = 0; i < n; ++i)
+            mut[done + i] = (add ? mut[done + i] : 0.0) + frame.weight * values[i];
+    }
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+
+/// How the number of a pixel is stored, in the machine's byte order.
+enum class PixelType { U8, U16, U32, I8, I16, I32, F32, F64 };
+
+constexpr std::size_t bytesOf(PixelType type)
+{
+    switch (type) {
+    case PixelType::U8:
+    case PixelType::I8:
+        return 1;
+    case PixelType::U16:
+    case PixelType::I16:
+        return 2;
+    case PixelType::F64:
+        return 8;
+    default:
+        return 4;
+    }
+}
+
+/// An image as it is stored, row after row from the top.
+struct Plane {
+    PixelType type = PixelType::U16;
+    const char* pixels = nullptr; ///< null where there is none
+};
+
+/// What the numbers of a stack are.
+enum class StackValues {
+    Unknown,
+    MuT,
+    Transmission, ///< mu-t = -ln T
+    Counts,       ///< mu-t = ln((flat - dark) / (frame - dark))
+};
+
+/// A frame with what its mu-t is made of.
+struct Frame {
+    StackValues values = StackValues::MuT;
+    Plane frame;
+    Plane flat;             ///< of counts
+    Plane dark;             ///< of counts; its absence is a dark of `darkLevel`
+    double darkLevel = 0.0; ///< counts without light
+    double added = 0.0;     ///< to mu-t: ln(I0 of the frame / I0 of the flat)
+    double weight = 1.0;    ///< of this frame in a mean or between neighbours
+};
+
+/// mu-t of some pixels, in double precision: not-a-number where an intensity is not positive.
+/// @param mut  [count]; the weighted mu-t is added to it, or put there
+void addMut(const Frame& frame, std::size_t first, std::size_t count, double* mut, bool add);

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "formats/StackAnswer.h"
+
+/// "describe": what stack is in an HDF5 file. Words: file, kind, data, energies, flat, dark,
+/// values (a number of StackValues), count (of energies that are known otherwise).
+std::string describeHdf5(const StackRequest& request);
+
+/// "planes": puts images into the shared memory, one behind the other. Words: file, region
+/// "x,y,width,height", dimension (of the energies), and for each set a "set" with its path, a tab
+/// and the indices, apart by commas, or "mean" for the mean in double precision of all its images.
+std::string planesOfHdf5(const StackRequest& request);

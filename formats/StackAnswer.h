@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// What the reader of stacks is asked, and answers, as lines "key<TAB>value": the words that follow
+/// its name on the command line, and what it writes. Pixels go into memory that both share.
+namespace stack_words
+{
+
+constexpr int sharedMemory = 3; ///< descriptor of the memory that pixels are put into
+
+inline std::string line(const std::string& key, std::string value)
+{
+    for (char& c : value)
+        if (c == '\n' || c == '\t' || c == '\r')
+            c = ' ';
+    return key + '\t' + value + '\n';
+}
+
+} // namespace stack_words
+
+/// A request: which file, and what of it.
+struct StackRequest {
+    std::vector<std::string> words;
+
+    /// The value of "key=value"; empty where there is none.
+    std::string value(const std::string& key) const
+    {
+        for (const std::string& word : words)
+            if (word.compare(0, key.size() + 1, key + '=') == 0)
+                return word.substr(key.size() + 1);
+        return {};
+    }
+    /// All values of a key, in their order.
+    std::vector<std::string> values(const std::string& key) const
+    {
+        std::vector<std::string> found;
+        for (const std::string& word : words)
+            if (word.compare(0, key.size() + 1, key + '=') == 0)
+                found.push_back(word.substr(key.size() + 1));
+        return found;
+    }
+};

@@ -1,0 +1,125 @@
+#include "formats/StackProcess.h"
+
+#include "system/AvailableMemory.h"
+#include "system/ChildProcess.h"
+#include "text/TextBytes.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <cstdlib>
+#include <cstring>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace
+{
+
+/// Small memory is taken without asking how much there is.
+constexpr std::size_t smallMemory = std::size_t{1} << 26;
+
+/// Energies of some hundred thousand frames.
+constexpr std::size_t longestAnswer = std::size_t{1} << 23;
+
+struct Program {
+    QString path;
+    StackLimits limits;
+};
+
+Program& program()
+{
+    static Program program;
+    return program;
+}
+
+QString programPath()
+{
+    if (!program().path.isEmpty())
+        return program().path;
+    const QString folder = QCoreApplication::applicationDirPath();
+    for (const char* const place : {"/drovik-stack", "/../libexec/drovik/drovik-stack"})
+        if (QFile::exists(folder + QLatin1String(place)))
+            return folder + QLatin1String(place);
+    return QStringLiteral("drovik-stack");
+}
+
+QString failureText(const ChildAnswer& answer, double seconds)
+{
+    switch (answer.outcome) {
+    case ChildAnswer::NotStarted:
+        return QStringLiteral("cannot be read: the program drovik-stack does not start");
+    case ChildAnswer::TookTooLong:
+        return QStringLiteral("takes longer than %1 s to read; it may be damaged").arg(seconds);
+    case ChildAnswer::SaidTooMuch:
+        return QStringLiteral("says more of itself than any stack does");
+    default:
+        return QStringLiteral("makes its reader fail; it is damaged");
+    }
+}
+
+StackWords wordsOf(const std::string& text)
+{
+    StackWords words;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = std::min(text.find('\n', begin), text.size());
+        const std::string line = text.substr(begin, end - begin);
+        const std::size_t tab = std::min(line.find('\t'), line.size());
+        words.values.emplace(line.substr(0, tab), line.substr(std::min(tab + 1, line.size())));
+        begin = end + 1;
+    }
+    return words;
+}
+
+} // namespace
+
+void setStackProgram(const QString& path, const StackLimits& limits)
+{
+    program() = {path, limits};
+}
+
+PixelMemory::PixelMemory(std::size_t bytes) : m_bytes(bytes)
+{
+    if (bytes == 0 || (bytes > smallMemory && bytes > availableMemory()))
+        return;
+    m_descriptor = memfd_create("pixels", MFD_CLOEXEC);
+    if (m_descriptor < 0 || ftruncate(m_descriptor, static_cast<off_t>(bytes)) != 0)
+        return;
+    void* const memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED, m_descriptor, 0);
+    if (memory != MAP_FAILED)
+        m_data = static_cast<char*>(memory);
+}
+
+PixelMemory::~PixelMemory()
+{
+    if (m_data != nullptr)
+        munmap(m_data, m_bytes);
+    if (m_descriptor >= 0)
+        close(m_descriptor);
+}
+
+long StackWords::number(const std::string& key) const
+{
+    return std::strtol(value(key).c_str(), nullptr, 10);
+}
+
+std::optional<FileFault> askStackProcess(const QString& path, std::vector<std::string> words,
+                                         const PixelMemory* pixels, StackWords& answer)
+{
+    const StackLimits& limits = program().limits;
+    const std::size_t bytes = pixels != nullptr ? pixels->size() : 0;
+    const double seconds =
+        limits.seconds + static_cast<double>(bytes) / static_cast<double>(limits.bytesASecond);
+    words.push_back("seconds=" + std::to_string(static_cast<long>(seconds) + 1));
+    words.push_back("memory=" + std::to_string(limits.memory + 2 * bytes));
+    const ChildAnswer said =
+        askChild(QFile::encodeName(programPath()).toStdString(), words,
+                 pixels != nullptr ? pixels->descriptor() : -1, seconds, longestAnswer);
+    if (said.outcome != ChildAnswer::Answered)
+        return FileFault{path, 0, failureText(said, seconds)};
+    answer = wordsOf(said.text);
+    if (answer.values.count("refused") > 0)
+        return FileFault{path, 0, textFromUtf8(answer.value("refused"))};
+    if (answer.values.count("done") == 0)
+        return FileFault{path, 0, failureText({ChildAnswer::Failed, 0, {}}, seconds)};
+    return std::nullopt;
+}

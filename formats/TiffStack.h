@@ -1,0 +1,7 @@
+#pragma once
+
+#include "formats/Stack.h"
+
+/// Opens TIFF images, the pages of one file or of several ("name_*.tif", in the order of their
+/// names), with their energies in a text: one a line, or one on each line with a file's name.
+std::unique_ptr<Stack> openTiffStack(const StackSource& source, FileFault& fault);

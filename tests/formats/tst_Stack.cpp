@@ -1,0 +1,600 @@
+#include "examples/MapSample.h"
+#include "examples/StackFiles.h"
+#include "formats/StackEnergies.h"
+#include "formats/StackMaps.h"
+#include "formats/StackProcess.h"
+#include "tests/support/ArrayBytes.h"
+#include "tests/support/Files.h"
+
+#include <QDir>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cmath>
+#include <limits>
+
+/// Stacks of images in the layouts of different places.
+class tst_Stack : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void kernel_data();
+    void kernel();
+    void kernelMissing();
+    void framesAtEnergies();
+    void energyUnits();
+    void energyTexts();
+    void layouts_data();
+    void layouts();
+    void between_data() { layouts_data(); }
+    void between();
+    void regions_data() { layouts_data(); }
+    void regions();
+    void outside();
+    void facts();
+    void shifted();
+    void darkLevel();
+    void repeatsAreAveraged();
+    void namedFiles();
+    void onlyNeededFramesAreRead();
+    void refused_data();
+    void refused();
+    void damaged_data();
+    void damaged();
+    void processFails();
+
+private:
+    static MapSample sample();
+    static QVector<double> energies() { return {8313, 8381, 8390, 8404.5, 8460}; }
+    static CountedStack counted();
+
+    QTemporaryDir m_dir;
+};
+
+namespace
+{
+
+using Energies = std::vector<double>;
+
+/// A layout: who writes it, and how it is read.
+struct Layout {
+    const char* name;
+    bool (*write)(const QString&, const CountedStack&);
+    StackValues values; ///< Unknown where the layout says it
+    bool camera;        ///< flats and energies are files beside it
+};
+
+const QVector<Layout>& allLayouts()
+{
+    static const QVector<Layout> layouts = {
+        {"fxi", writeFxi, StackValues::Unknown, false},
+        {"exchange", [](const QString& p, const CountedStack& s) { return writeExchange(p, s); },
+         StackValues::Unknown, false},
+        {"exchange-last",
+         [](const QString& p, const CountedStack& s) { return writeExchange(p, s, true); },
+         StackValues::Unknown, false},
+        {"mistral", writeMistral, StackValues::Unknown, false},
+        {"nxdata", writeNxdata, StackValues::MuT, false},
+        {"tiff", writeTiffStack, StackValues::Counts, false},
+        {"img", writeImgStack, StackValues::Unknown, true},
+        {"his", writeHisStack, StackValues::Unknown, true}};
+    return layouts;
+}
+
+StackSource sourceOf(const QString& folder, const Layout& layout)
+{
+    StackSource source;
+    const QString name = QLatin1String(layout.name);
+    source.path = QDir(folder).filePath(name + QStringLiteral(".stack"));
+    source.values = layout.values;
+    if (name == QLatin1String("tiff")) {
+        source.flat = QDir(folder).filePath(QStringLiteral("tiff-flat.tif"));
+        source.dark = QDir(folder).filePath(QStringLiteral("tiff-dark.tif"));
+    }
+    if (name == QLatin1String("img"))
+        source.reference = source.path + QStringLiteral(".ref");
+    if (name == QLatin1String("his")) {
+        source.flat = source.path + QStringLiteral(".flat");
+        source.dark = source.path + QStringLiteral(".dark");
+        source.energies = source.path + QStringLiteral(".txt");
+    }
+    return source;
+}
+
+std::unique_ptr<Stack> opened(const StackSource& source)
+{
+    FileFault fault;
+    auto stack = openStack(source, fault);
+    if (!stack)
+        qFatal("%s", qPrintable(faultText(fault)));
+    return stack;
+}
+
+QString faultOf(const StackSource& source)
+{
+    FileFault fault;
+    return openStack(source, fault) ? QStringLiteral("opened") : fault.reason;
+}
+
+std::vector<MapData> mapsOf(Stack& stack, const Energies& energies, const Region& region = {})
+{
+    std::vector<MapData> maps;
+    const auto fault = stackMaps(stack, QStringLiteral("stack"), energies, region, maps);
+    if (fault)
+        qFatal("%s", qPrintable(faultText(*fault)));
+    return maps;
+}
+
+/// float32 keeps seven digits of a transmission.
+bool near(double a, double b, double tolerance = 2e-7)
+{
+    return std::abs(a - b) <= tolerance;
+}
+
+} // namespace
+
+MapSample tst_Stack::sample()
+{
+    MapSample map;
+    map.columns = 13;
+    map.rows = 9;
+    return map;
+}
+
+CountedStack tst_Stack::counted()
+{
+    return countedStack(sample(), {8313, 8381, 8390, 8404.5, 8460});
+}
+
+void tst_Stack::initTestCase()
+{
+    setStackProgram(QStringLiteral(STACK_PROGRAM));
+    QVERIFY(m_dir.isValid());
+    for (const Layout& layout : allLayouts())
+        QVERIFY2(layout.write(sourceOf(m_dir.path(), layout).path, counted()), layout.name);
+}
+
+void tst_Stack::kernel_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QByteArray>("bytes");
+    const auto row = [](const char* name, PixelType type, auto a, auto b) {
+        QByteArray bytes(reinterpret_cast<const char*>(&a), sizeof a);
+        bytes.append(reinterpret_cast<const char*>(&b), sizeof b);
+        QTest::newRow(name) << static_cast<int>(type) << bytes;
+    };
+    row("u8", PixelType::U8, std::uint8_t{20}, std::uint8_t{200});
+    row("i8", PixelType::I8, std::int8_t{20}, std::int8_t{120});
+    row("u16", PixelType::U16, std::uint16_t{20}, std::uint16_t{60000});
+    row("i16", PixelType::I16, std::int16_t{20}, std::int16_t{30000});
+    row("u32", PixelType::U32, std::uint32_t{20}, std::uint32_t{4000000000U});
+    row("i32", PixelType::I32, std::int32_t{20}, std::int32_t{2000000000});
+    row("f32", PixelType::F32, 20.0F, 60000.0F);
+    row("f64", PixelType::F64, 20.0, 60000.0);
+}
+
+void tst_Stack::kernel()
+{
+    QFETCH(int, type);
+    QFETCH(QByteArray, bytes);
+    const std::array<double, 2> flat{120.0, 1e10};
+    Frame frame;
+    frame.values = StackValues::Counts;
+    frame.frame = {static_cast<PixelType>(type), bytes.constData()};
+    frame.flat = {PixelType::F64, reinterpret_cast<const char*>(flat.data())};
+    frame.darkLevel = 10.0;
+    frame.added = 0.5;
+    std::array<double, 2> mut{};
+    addMut(frame, 0, 2, mut.data(), false);
+    QVERIFY(near(mut[0], std::log(110.0 / 10.0) + 0.5, 1e-15));
+    frame.weight = 0.25;
+    addMut(frame, 0, 1, mut.data(), true);
+    QVERIFY(near(mut[0], 1.25 * (std::log(11.0) + 0.5), 1e-15));
+    QCOMPARE(bytesOf(static_cast<PixelType>(type)), static_cast<std::size_t>(bytes.size()) / 2);
+    double second = 0.0;
+    addMut(frame, 1, 1, &second, false);
+    QVERIFY(second > 0.0);
+}
+
+void tst_Stack::kernelMissing()
+{
+    const double inf = std::numeric_limits<double>::infinity();
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const std::array<double, 7> values{0.5, 0.0, -1.0, nan, inf, 1.0, -inf};
+    const std::array<double, 7> flats{2.0, 2.0, 2.0, 2.0, 2.0, 0.0, 2.0};
+    std::array<double, 7> mut{};
+    Frame frame;
+    frame.frame = {PixelType::F64, reinterpret_cast<const char*>(values.data())};
+    frame.flat = {PixelType::F64, reinterpret_cast<const char*>(flats.data())};
+    frame.values = StackValues::Transmission;
+    addMut(frame, 0, 7, mut.data(), false);
+    QVERIFY(near(mut[0], std::log(2.0), 1e-15));
+    QCOMPARE(mut[5], 0.0);
+    for (const int i : {1, 2, 3, 4, 6})
+        QVERIFY(std::isnan(mut[static_cast<std::size_t>(i)]));
+    frame.values = StackValues::Counts;
+    addMut(frame, 0, 7, mut.data(), false);
+    QVERIFY(near(mut[0], std::log(4.0), 1e-15));
+    for (std::size_t i = 1; i < 7; ++i)
+        QVERIFY(std::isnan(mut[i]));
+    frame.values = StackValues::MuT;
+    addMut(frame, 0, 7, mut.data(), false);
+    QCOMPARE(mut[2], -1.0);
+    for (const int i : {3, 4, 6})
+        QVERIFY(std::isnan(mut[static_cast<std::size_t>(i)]));
+}
+
+void tst_Stack::framesAtEnergies()
+{
+    const auto text = [](const Energies& energies, double energy) {
+        QStringList parts;
+        for (const FramePart& part : framesAt(energies, energy))
+            parts += QStringLiteral("%1:%2").arg(part.frame).arg(part.weight);
+        return parts.join(QLatin1Char(' '));
+    };
+    const Energies falling{300, 200, 100};
+    QCOMPARE(text(falling, 200), QStringLiteral("1:1"));
+    QCOMPARE(text(falling, 125), QStringLiteral("2:0.75 1:0.25"));
+    QCOMPARE(text(falling, 99.9), QString());
+    QCOMPARE(text(falling, 300.1), QString());
+    QCOMPARE(text(falling, 300.00005), QStringLiteral("0:1"));
+    QCOMPARE(text(falling, 99.99995), QStringLiteral("2:1"));
+    const Energies twice{100, 200, 100, 200};
+    QCOMPARE(text(twice, 100), QStringLiteral("0:0.5 2:0.5"));
+    QCOMPARE(text(twice, 150), QStringLiteral("0:0.25 2:0.25 1:0.25 3:0.25"));
+    QCOMPARE(text({}, 100), QString());
+}
+
+void tst_Stack::energyUnits()
+{
+    QString assumed;
+    Energies energies{7.1, 7.2};
+    QVERIFY(!toElectronVolt(energies, QString(), assumed));
+    QCOMPARE(energies[1], 7200.0);
+    QCOMPARE(assumed, QStringLiteral("the energies, all below 100, are taken for keV"));
+    assumed.clear();
+    energies = {7.1};
+    QVERIFY(!toElectronVolt(energies, QStringLiteral("eV"), assumed));
+    QCOMPARE(energies[0], 7.1);
+    energies = {7.1};
+    QVERIFY(!toElectronVolt(energies, QStringLiteral("keV"), assumed));
+    QCOMPARE(energies[0], 7100.0);
+    QCOMPARE(assumed, QString());
+    energies = {7100, std::nan("")};
+    QCOMPARE(toElectronVolt(energies, QString(), assumed).value_or(QString()),
+             QStringLiteral("energy 2 is no positive number"));
+    energies = {};
+    QCOMPARE(toElectronVolt(energies, QString(), assumed).value_or(QString()),
+             QStringLiteral("has no energies"));
+}
+
+void tst_Stack::energyTexts()
+{
+    QString reason;
+    QCOMPARE(energiesOf(ArrayBytes("# eV\n7100 a.tif\n"), reason), Energies());
+    QCOMPARE(energiesOf(ArrayBytes("# eV\n7100\n7101.5 3\n"), reason), Energies());
+    QCOMPARE(reason, QStringLiteral("line 3: has 2 numbers where line 2 has 1"));
+    reason.clear();
+    QCOMPARE(energiesOf(ArrayBytes("# eV\n7100\n7101.5\n"), reason), Energies({7100, 7101.5}));
+    QCOMPARE(reason, QString());
+}
+
+void tst_Stack::layouts_data()
+{
+    QTest::addColumn<int>("layout");
+    for (int i = 0; i < allLayouts().size(); ++i)
+        QTest::newRow(allLayouts()[i].name) << i;
+}
+
+void tst_Stack::layouts()
+{
+    QFETCH(int, layout);
+    const auto stack = opened(sourceOf(m_dir.path(), allLayouts()[layout]));
+    const CountedStack truth = counted();
+    const std::vector<double> muts = truth.mut();
+    const Energies wanted{8460, 8313, 8390, 8404.5};
+    const auto maps = mapsOf(*stack, wanted);
+    QCOMPARE(maps.size(), wanted.size());
+    const std::array<std::size_t, 4> frames{4, 0, 2, 3};
+    for (std::size_t k = 0; k < wanted.size(); ++k) {
+        QVERIFY(maps[k].valid);
+        QCOMPARE(maps[k].columns, 13);
+        QCOMPARE(maps[k].rows, 9);
+        QCOMPARE(maps[k].mut.size(), truth.pixels());
+        for (std::size_t i = 0; i < truth.pixels(); ++i)
+            QVERIFY2(near(maps[k].mut[i], muts[frames[k] * truth.pixels() + i]),
+                     qPrintable(QStringLiteral("frame %1, pixel %2: %3")
+                                    .arg(frames[k])
+                                    .arg(i)
+                                    .arg(maps[k].mut[i])));
+    }
+}
+
+/// mu-t is linear between two frames.
+void tst_Stack::between()
+{
+    QFETCH(int, layout);
+    const auto stack = opened(sourceOf(m_dir.path(), allLayouts()[layout]));
+    const CountedStack truth = counted();
+    const std::vector<double> muts = truth.mut();
+    const auto maps = mapsOf(*stack, {8383.25, 8330.0});
+    for (std::size_t i = 0; i < truth.pixels(); ++i) {
+        const auto at = [&](std::size_t frame) { return muts[frame * truth.pixels() + i]; };
+        QVERIFY(near(maps[0].mut[i], 0.75 * at(1) + 0.25 * at(2)));
+        QVERIFY(near(maps[1].mut[i], 0.75 * at(0) + 0.25 * at(1)));
+    }
+}
+
+void tst_Stack::regions()
+{
+    QFETCH(int, layout);
+    const auto stack = opened(sourceOf(m_dir.path(), allLayouts()[layout]));
+    const CountedStack truth = counted();
+    const std::vector<double> muts = truth.mut();
+    const Region region{3, 2, 4, 6};
+    const auto maps = mapsOf(*stack, {8381, 8404.5}, region);
+    QCOMPARE(maps[0].columns, 4);
+    QCOMPARE(maps[0].rows, 6);
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 4; ++x) {
+            const auto here = static_cast<std::size_t>(4 * y + x);
+            const auto there = static_cast<std::size_t>(13 * (y + 2) + x + 3);
+            QVERIFY(near(maps[0].mut[here], muts[truth.pixels() + there]));
+            QVERIFY(near(maps[1].mut[here], muts[3 * truth.pixels() + there]));
+        }
+}
+
+void tst_Stack::outside()
+{
+    const auto stack = opened(sourceOf(m_dir.path(), allLayouts()[1]));
+    std::vector<MapData> maps;
+    const auto reason = [&](const Energies& energies, const Region& region) {
+        const auto fault = stackMaps(*stack, QStringLiteral("scan.h5"), energies, region, maps);
+        return fault ? faultText(*fault) : QStringLiteral("read");
+    };
+    QCOMPARE(reason({8313, 8300}, {}),
+             QStringLiteral("scan.h5: 8300 eV is outside of the stack, which has 8313 to 8460 eV"));
+    const QString notWithin = QStringLiteral("scan.h5: the region is not within its 13 x 9 pixels");
+    for (const Region& region :
+         {Region{0, 0, 14, 1}, Region{0, 0, 1, 10}, Region{-1, 0, 2, 2}, Region{0, 8, 1, 2},
+          Region{12, 0, 2, 1}, Region{0, 0, 0, 1}, Region{2147483647, 0, 2147483647, 1}})
+        QCOMPARE(reason({8313}, region), notWithin);
+    QVERIFY(maps.empty());
+}
+
+void tst_Stack::facts()
+{
+    const auto factsOf = [&](int layout) {
+        return opened(sourceOf(m_dir.path(), allLayouts()[layout]))->facts();
+    };
+    QCOMPARE(factsOf(0).kind, QStringLiteral("fxi"));
+    QCOMPARE(factsOf(0).assumed,
+             QStringList(QStringLiteral("the energies, all below 100, are taken for keV")));
+    QCOMPARE(factsOf(0).energies[3], 8404.5);
+    QCOMPARE(static_cast<int>(factsOf(1).type), static_cast<int>(PixelType::U16));
+    QCOMPARE(factsOf(3).pixelWidth, 0.5);
+    QCOMPARE(factsOf(4).assumed, QStringList());
+    QCOMPARE(factsOf(6).warnings, QStringList());
+    const auto maps = mapsOf(*opened(sourceOf(m_dir.path(), allLayouts()[3])), {8313});
+    QCOMPARE((*maps[0].positions)[13 * 2 + 3].first, 1.5);
+    QCOMPARE((*maps[0].positions)[13 * 2 + 3].second, 1.0);
+}
+
+void tst_Stack::shifted()
+{
+    StackSource source = sourceOf(m_dir.path(), allLayouts()[3]);
+    source.shift = -3.0;
+    const auto stack = opened(source);
+    const CountedStack truth = counted();
+    QVERIFY(near(mapsOf(*stack, {8387})[0].mut[5], truth.mut()[2 * truth.pixels() + 5]));
+}
+
+void tst_Stack::darkLevel()
+{
+    StackSource source = sourceOf(m_dir.path(), allLayouts()[1]);
+    source.darkLevel = 50.0;
+    const CountedStack truth = counted();
+    const auto maps = mapsOf(*opened(source), {8313});
+    for (std::size_t i = 0; i < truth.pixels(); ++i)
+        QVERIFY(near(maps[0].mut[i], std::log((truth.flats[i] - 50.0) / (truth.counts[i] - 50.0)),
+                     1e-12));
+}
+
+void tst_Stack::repeatsAreAveraged()
+{
+    const QTemporaryDir dir;
+    const QString index = dir.filePath(QStringLiteral("scan.dat"));
+    const CountedStack truth = counted();
+    QVERIFY(writeImgStack(index, truth));
+    const QByteArray first = contents(index + QStringLiteral("_000.img"));
+    QVERIFY(
+        QFile::rename(index + QStringLiteral("_000.img"), index + QStringLiteral("_000_000.img")));
+    QByteArray second = first;
+    const int pixels = second.size() - 2 * static_cast<int>(truth.pixels());
+    second[pixels] = static_cast<char>(first[pixels] ^ 4); // one pixel 4 counts off
+    create(index + QStringLiteral("_000_001.img"), second);
+    StackSource source;
+    source.path = index;
+    source.reference = index + QStringLiteral(".ref");
+    const double off = (first[pixels] & 4) != 0 ? -2.0 : 2.0;
+    const auto maps = mapsOf(*opened(source), {8313});
+    QVERIFY(
+        near(maps[0].mut[0],
+             std::log((truth.flats[0] - truth.dark[0]) / (truth.counts[0] + off - truth.dark[0])),
+             1e-12));
+    QVERIFY(near(maps[0].mut[1], truth.mut()[1], 1e-12));
+}
+
+/// A text that names a file on each line.
+void tst_Stack::namedFiles()
+{
+    const QTemporaryDir dir;
+    CountedStack one = counted();
+    const CountedStack truth = one;
+    QByteArray text = "# file energy\n";
+    for (std::size_t k = 0; k < truth.energies.size(); ++k) {
+        const auto from = truth.counts.begin() + static_cast<std::ptrdiff_t>(k * truth.pixels());
+        one.counts.assign(from, from + static_cast<std::ptrdiff_t>(truth.pixels()));
+        one.energies = {truth.energies[k]};
+        const QString name = QStringLiteral("image_%1.tif").arg(static_cast<int>(k * 5));
+        QVERIFY(writeTiffStack(dir.filePath(name), one));
+        text += name.toUtf8() + ' ' + QByteArray::number(truth.energies[k]) + '\n';
+    }
+    create(dir.filePath(QStringLiteral("list.txt")), text);
+    StackSource source;
+    source.path = dir.filePath(QStringLiteral("image_?.tif"));
+    source.energies = dir.filePath(QStringLiteral("list.txt"));
+    source.values = StackValues::Transmission; // of what was stored: only the order is looked at
+    auto stack = opened(source);
+    const auto maps = mapsOf(*stack, {8404.5});
+    QVERIFY(near(maps[0].mut[7], -std::log(truth.counts[3 * truth.pixels() + 7]), 1e-12));
+
+    // By a pattern, image_5 before image_10.
+    create(dir.filePath(QStringLiteral("plain.txt")), "8313\n8381\n8390\n8404.5\n8460\n");
+    source.path = dir.filePath(QStringLiteral("image_*0.tif"));
+    source.energies = dir.filePath(QStringLiteral("plain.txt"));
+    QCOMPARE(faultOf(source), QStringLiteral("has 3 pages for 5 energies"));
+    for (const char* const beside : {"flat", "dark"})
+        for (int k = 0; k < 5; ++k)
+            QFile::remove(dir.filePath(
+                QStringLiteral("image_%1-%2.tif").arg(5 * k).arg(QLatin1String(beside))));
+    source.path = dir.filePath(QStringLiteral("image_*.tif"));
+    stack = opened(source);
+    const auto counted = mapsOf(*stack, {8381});
+    QVERIFY(near(counted[0].mut[7], -std::log(truth.counts[truth.pixels() + 7]), 1e-12));
+}
+
+/// Chunks of other frames are not looked at: they may be damaged.
+void tst_Stack::onlyNeededFramesAreRead()
+{
+    const QString path = m_dir.filePath(QStringLiteral("cut.h5"));
+    StackSource source = sourceOf(m_dir.path(), allLayouts()[3]);
+    QByteArray bytes = contents(source.path);
+    const CountedStack truth = counted();
+    const std::vector<float> values = truth.transmission();
+    const auto frame = [&](std::size_t k) {
+        return QByteArray(reinterpret_cast<const char*>(values.data() + k * truth.pixels()),
+                          static_cast<int>(truth.pixels() * sizeof(float)));
+    };
+    const int last = bytes.indexOf(frame(4));
+    QVERIFY(last > 0);
+    // What stands behind the frames that are needed is cut off where it is the last of the file;
+    // otherwise the frame is made another one, which nobody sees.
+    bytes.replace(last, frame(4).size(), QByteArray(frame(4).size(), '\xff'));
+    create(path, bytes);
+    source.path = path;
+    const auto stack = opened(source);
+    const auto maps = mapsOf(*stack, {8381, 8390});
+    QVERIFY(near(maps[1].mut[5], truth.mut()[2 * truth.pixels() + 5]));
+    QVERIFY(std::isnan(mapsOf(*stack, {8460})[0].mut[5]));
+}
+
+void tst_Stack::refused_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("reason");
+    const auto row = [](const char* name, const QByteArray& bytes, const char* reason) {
+        QTest::newRow(name) << QString::fromLatin1(name) << bytes << QString::fromUtf8(reason);
+    };
+    row("missing.txt", "", "is empty");
+    row("words.txt", "nothing\n", "is of no known kind");
+    row("spectrum.xdi", "# XDI/1.0\n# energy xmu\n1 2\n",
+        "is an XDI spectrum and no stack of images");
+    row("cut.h5", "\x89HDF\r\n\x1a\n", "is no HDF5 file that can be opened");
+    row("cut.tif", QByteArray("II*\0\x08\0\0\0", 8),
+        "does not say what its values are: values = \"mu-t\", \"transmission\" or \"counts\"");
+    row("scan.txrm", "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1",
+        "is an OLE2 file, as Xradia microscopes write (.xrm, .txrm), which is not read; export the "
+        "images as TIFF");
+    row("no.dat", " D= 3.1 A\n Offset 0 0\n",
+        "is no index of frames: it has no rows behind \"Offset\"");
+}
+
+void tst_Stack::refused()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, reason);
+    StackSource source;
+    source.path = m_dir.filePath(name);
+    create(source.path, bytes);
+    QCOMPARE(faultOf(source), reason);
+}
+
+void tst_Stack::damaged_data()
+{
+    layouts_data();
+}
+
+/// Any damage is refused, or seen by nobody; the program goes on.
+void tst_Stack::damaged()
+{
+    QFETCH(int, layout);
+    const QTemporaryDir dir;
+    for (const QString& name : QDir(m_dir.path()).entryList(QDir::Files))
+        QVERIFY(QFile::copy(m_dir.filePath(name), dir.filePath(name)));
+    const StackSource source = sourceOf(dir.path(), allLayouts()[layout]);
+    const QByteArray whole = contents(source.path);
+    const bool full = qEnvironmentVariableIsSet("DROVIK_HOSTILE_FULL");
+    const int rounds = full ? 1500 : 12;
+    QRandomGenerator random(static_cast<quint32>(layout) + 1);
+    StackLimits limits;
+    limits.seconds = 3.0;
+    setStackProgram(QStringLiteral(STACK_PROGRAM), limits);
+    for (int round = 0; round < rounds; ++round) {
+        QByteArray bytes = whole;
+        if (round % 4 == 0)
+            bytes.truncate(random.bounded(bytes.size()));
+        else // most of what describes the file stands at its beginning
+            for (int k = 0; k < 8; ++k)
+                bytes[random.bounded(k % 2 == 0 ? bytes.size() : std::min(bytes.size(), 4096))] =
+                    static_cast<char>(random.bounded(256));
+        create(source.path, bytes);
+        FileFault fault;
+        const auto stack = openStack(source, fault);
+        if (!stack) {
+            QVERIFY(!fault.reason.isEmpty());
+            QVERIFY(!fault.reason.contains(QLatin1Char('\n')));
+            continue;
+        }
+        std::vector<MapData> maps;
+        if (const auto wrong = stackMaps(*stack, source.path, {8390}, {}, maps))
+            QVERIFY(!wrong->reason.isEmpty());
+    }
+    setStackProgram(QStringLiteral(STACK_PROGRAM));
+}
+
+/// What becomes of the process is a refusal, and nothing worse.
+void tst_Stack::processFails()
+{
+    const StackSource source = sourceOf(m_dir.path(), allLayouts()[0]);
+    const auto script = [&](const char* text) {
+        const QString path = m_dir.filePath(QStringLiteral("script"));
+        QFile::remove(path);
+        create(path, QByteArray("#!/bin/sh\n") + text + "\n");
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::ExeOwner);
+        StackLimits limits;
+        limits.seconds = 0.2;
+        setStackProgram(path, limits);
+        return faultOf(source);
+    };
+    const QString damaged = QStringLiteral("makes its reader fail; it is damaged");
+    QCOMPARE(script("kill -SEGV $$"), damaged);
+    QCOMPARE(script("exit 3"), damaged);
+    QCOMPARE(script("exit 0"), damaged);
+    QCOMPARE(script("exec sleep 1000"),
+             QStringLiteral("takes longer than 0.2 s to read; it may be damaged"));
+    QCOMPARE(script("exec cat /dev/zero"),
+             QStringLiteral("says more of itself than any stack does"));
+    setStackProgram(m_dir.filePath(QStringLiteral("nowhere")));
+    QCOMPARE(faultOf(source),
+             QStringLiteral("cannot be read: the program drovik-stack does not start"));
+    setStackProgram(QStringLiteral(STACK_PROGRAM));
+    QCOMPARE(faultOf(source), QStringLiteral("opened"));
+}
+
+QTEST_GUILESS_MAIN(tst_Stack)
+#include "tst_Stack.moc"
