@@ -28,12 +28,16 @@ public:
             m_copy.resize(kernelBlock); // no memory is asked for once the calculation runs
     }
 
+    bool hasAll(std::size_t first, std::size_t count) const
+    {
+        return m_image.columns == m_columns && first + count <= m_image.size;
+    }
+
     /// The values of the grid's pixels first to first + count - 1 [count]; the image's own array
     /// where that holds them in this order.
     const double* at(std::size_t first, std::size_t count)
     {
-        const bool sameGrid = m_image.columns == m_columns;
-        if (sameGrid && first + count <= m_image.size)
+        if (hasAll(first, count))
             return m_image.mut + first;
         for (std::size_t i = 0; i < count; ++i)
             m_copy[i] = pixel(first + i);
@@ -106,8 +110,11 @@ public:
 
     const BlockInputs& at(std::size_t first, std::size_t count)
     {
-        for (std::size_t i = 0; i < m_points.size(); ++i)
+        m_inputs.mayMiss = !m_v.hasAll(first, count);
+        for (std::size_t i = 0; i < m_points.size(); ++i) {
             m_inputs.t[i] = m_points[i].at(first, count);
+            m_inputs.mayMiss = m_inputs.mayMiss || !m_points[i].hasAll(first, count);
+        }
         m_inputs.tV = m_v.at(first, count);
         return m_inputs;
     }
@@ -116,6 +123,90 @@ private:
     std::vector<BlockValues> m_points;
     BlockValues m_v;
     BlockInputs m_inputs;
+};
+
+/// Variances of a block in the order of BlockSource's target values.
+class BlockVarianceSource
+{
+public:
+    BlockVarianceSource(const MapTask& task, std::size_t gridSize)
+    {
+        for (const std::size_t row : task.choice.normalization)
+            add(task, row, gridSize);
+        const std::size_t needed = task.method == Method::ThreePoint ? 2 : 3;
+        while (m_all.size() < needed)
+            add(task, task.choice.vPoint, gridSize);
+        add(task, task.choice.vPoint, gridSize);
+        m_variances.t.resize(m_all.size() - 1);
+    }
+
+    const BlockVariances& at(std::size_t first, std::size_t count)
+    {
+        for (std::size_t i = 0; i < m_all.size(); ++i) {
+            MapVariance& variance = i < m_variances.t.size() ? m_variances.t[i] : m_variances.tV;
+            variance.all = m_all[i];
+            variance.each = m_hasEach[i] ? m_each[i].at(first, count) : nullptr;
+        }
+        return m_variances;
+    }
+
+private:
+    void add(const MapTask& task, std::size_t row, std::size_t gridSize)
+    {
+        const MapVariance& noise = task.sigmas->noise[row];
+        MapImage image = task.images[row];
+        m_hasEach.push_back(noise.each != nullptr);
+        image.mut = noise.each;
+        m_all.push_back(noise.all);
+        m_each.emplace_back(image, task.columns, gridSize);
+    }
+
+    std::vector<double> m_all;
+    std::vector<bool> m_hasEach;
+    std::vector<BlockValues> m_each;
+    BlockVariances m_variances;
+};
+
+/// Forms the standard deviations beside the results, for all threads.
+class SigmaBlocks
+{
+public:
+    SigmaBlocks(const MapTask& task, std::size_t count, unsigned threads)
+        : m_sigmas(task.sigmas), m_kernel(task.method, task.points, task.choice, task.rho)
+    {
+        if (m_sigmas == nullptr)
+            return;
+        m_sources.resize(threads, BlockVarianceSource(task, count));
+        m_sums.resize((count + taskSize - 1) / taskSize);
+    }
+
+    bool makeRoom(std::size_t count)
+    {
+        return m_sigmas == nullptr || (m_sigmas->a.resize(count) && m_sigmas->t.resize(count));
+    }
+    /// @param number  of the task that the block belongs to
+    void calculate(std::size_t number, unsigned worker, std::size_t first, const BlockInputs& in,
+                   const BlockResults& out)
+    {
+        if (m_sigmas != nullptr)
+            m_sums[number] += m_kernel(in, m_sources[worker].at(first, out.count), out,
+                                       {m_sigmas->a.data() + first, m_sigmas->t.data() + first});
+    }
+    /// Adds the tasks up in their order.
+    void finish()
+    {
+        if (m_sigmas == nullptr)
+            return;
+        m_sigmas->sums = MapSums();
+        for (const MapSums& sums : m_sums)
+            m_sigmas->sums += sums;
+    }
+
+private:
+    MapSigmas* m_sigmas;
+    MapSigmaKernel m_kernel;
+    std::vector<BlockVarianceSource> m_sources;
+    std::vector<MapSums> m_sums; ///< of each task
 };
 
 std::size_t pixelCount(int columns, int rows)
@@ -169,22 +260,26 @@ bool calculatePixels(const MapTask& task, MapResults& results, const MapBlockSin
         return false;
     const Kernel kernel(task);
     std::vector<BlockSource> sources(workers.size(), BlockSource(task, count));
+    SigmaBlocks sigmas(task, count, workers.size());
     const Workers::Task calculate = [&](std::size_t number, unsigned worker) {
         const std::size_t end = std::min((number + 1) * taskSize, count);
         for (std::size_t first = number * taskSize; first < end; first += kernelBlock) {
             const BlockResults out{results.a.data() + first, results.t.data() + first,
                                    std::min(kernelBlock, end - first)};
-            kernel(sources[worker].at(first, out.count), out);
+            const BlockInputs& in = sources[worker].at(first, out.count);
+            kernel(in, out);
+            sigmas.calculate(number, worker, first, in, out);
             if (sink)
                 sink(worker, out.a, out.t, out.count);
         }
     };
-    if (!makeRoom(results, count))
+    if (!sigmas.makeRoom(count) || !makeRoom(results, count))
         return false;
     // From here on nothing can fail: the earlier results are there until they are written over.
     results.columns = task.columns;
     results.rows = task.rows;
     results.positions = task.positions;
     workers.run((count + taskSize - 1) / taskSize, calculate);
+    sigmas.finish();
     return true;
 }

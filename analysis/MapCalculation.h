@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/MapSigma.h"
 #include "analysis/Method.h"
 #include "analysis/PointRow.h"
 #include "system/PixelArray.h"
@@ -52,8 +53,9 @@ struct MapTask {
     std::vector<MapImage> images; ///< [points.size()]; empty images for rows without data
     int columns = 0;              ///< grid of the V point's image
     int rows = 0;
-    SharedPositions positions; ///< of the V point's image
-    double rho = 0.0;          ///< thickness ratio of Ref 1 to Ref 2, for the four-point methods
+    SharedPositions positions;   ///< of the V point's image
+    double rho = 0.0;            ///< thickness ratio of Ref 1 to Ref 2, for the four-point methods
+    MapSigmas* sigmas = nullptr; ///< to be filled along with the results; null for none
 };
 
 /// Pixels that have just been calculated: a and t [count]. Called from all threads, for blocks in

@@ -13,6 +13,7 @@ constexpr std::size_t kernelBlock = 1024;
 struct BlockInputs {
     std::vector<const double*> t; ///< at the normalization points
     const double* tV = nullptr;   ///< at the V point
+    bool mayMiss = true;          ///< an image may not have all of the pixels
 };
 
 /// Where the results of a block go.

@@ -121,12 +121,10 @@ TargetUncertainty targetUncertainty(const AnalysisInput& input, Method method,
         pooled.add(part.shift.at(a), std::numeric_limits<double>::infinity());
     }
     TargetUncertainty result;
-    const bool three = method == Method::ThreePoint;
     result.sigmaA = std::sqrt(std::max(own.at(a), 0.0)) / std::abs(ratio.l2);
     result.sigmaARef = std::sqrt(std::max(common.at(a), 0.0)) / std::abs(ratio.l2);
-    result.sigmaT = three ? notANumber : std::sqrt(ownThickness);
-    result.sigmaTRef = three ? notANumber : std::sqrt(commonThickness);
-    result.biasA = (a * own.v22 - own.v12) / (ratio.l2 * ratio.l2);
+    result.sigmaT = std::sqrt(ownThickness);
+    result.sigmaTRef = std::sqrt(commonThickness);
     result.degrees = pooled.degrees();
     RatioVariance both = own;
     both += common;

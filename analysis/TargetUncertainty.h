@@ -21,13 +21,12 @@ TableCovariances tableCovariances(const AnalysisInput& input, const SpectrumNois
 /// from the target, the common part from references and blank, which all targets share.
 struct TargetUncertainty {
     double sigmaA = 0.0;    ///< standard deviation of the fraction of Ref 1, own part
-    double sigmaT = 0.0;    ///< of t/ts; not-a-number for three points
+    double sigmaT = 0.0;    ///< of t/ts; of three points that which a map has
     double sigmaARef = 0.0; ///< common part
     double sigmaTRef = 0.0;
     double degrees = 0.0; ///< of freedom, of the variance of both parts together
     /// Of the fraction of Ref 1, both parts together; nothing where it is unbounded.
     std::optional<Interval> a;
-    double biasA = 0.0; ///< that a mean over many targets of this noise would keep, own part
 
     double sigmaValence(const ReferenceValences& valences) const;
     double sigmaValenceRef(const ReferenceValences& valences) const;

@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <map>
 
 namespace
@@ -75,7 +76,7 @@ struct ProgramMaps {
         return shared;
     }
 
-    void calculate(Method method, Workers& workers)
+    void calculate(Method method, Workers& workers, MapSigmas* sigmas = nullptr)
     {
         const std::size_t count = method == Method::ThreePoint ? 3 : 4;
         MapTask task;
@@ -88,6 +89,7 @@ struct ProgramMaps {
         task.rows = data[2].rows;
         task.positions = data[2].positions;
         task.rho = 1.1;
+        task.sigmas = sigmas;
         const MapHistograms histograms{
             valences, thicknesses, {1.5, 3.5, 41, false}, {-0.2, 1.2, 41, false}, 2.0, 3.0};
         calculateMap(task, results, histograms, workers);
@@ -180,6 +182,25 @@ void calculate(benchmark::State& state, Method method)
     }
     times.report(state);
     if (!same(run, program))
+        state.SkipWithError("the two ways differ");
+}
+
+/// A map with the standard deviation of every pixel, and without; the noise is the same for all
+/// images, or another one for each.
+void sigmas(benchmark::State& state, Method method, bool sameNoise)
+{
+    ProgramMaps with(static_cast<int>(state.range(0)));
+    ProgramMaps without(static_cast<int>(state.range(0)));
+    MapSigmas sigmas;
+    for (int i = 0; i < 4; ++i)
+        sigmas.noise.push_back({1e-6 * (sameNoise ? 1 : 1 + i), nullptr});
+    PairedTimes times;
+    for (auto _ : state)
+        times.run(
+            state, [&] { with.calculate(method, Workers::shared(), &sigmas); },
+            [&] { without.calculate(method, Workers::shared()); });
+    times.report(state);
+    if (!std::equal(with.results.a.begin(), with.results.a.end(), without.results.a.begin()))
         state.SkipWithError("the two ways differ");
 }
 
@@ -281,6 +302,10 @@ BENCHMARK(readMap)->Apply(inPairs);
 BENCHMARK_CAPTURE(calculate, threePoint, Method::ThreePoint)->Apply(inPairs);
 BENCHMARK_CAPTURE(calculate, exact, Method::FourPointExact)->Apply(inPairs);
 BENCHMARK_CAPTURE(calculate, leastSquares, Method::FourPointLeastSquares)->Apply(inPairs);
+BENCHMARK_CAPTURE(sigmas, threePoint, Method::ThreePoint, true)->Apply(inPairs);
+BENCHMARK_CAPTURE(sigmas, exact, Method::FourPointExact, true)->Apply(inPairs);
+BENCHMARK_CAPTURE(sigmas, leastSquares, Method::FourPointLeastSquares, true)->Apply(inPairs);
+BENCHMARK_CAPTURE(sigmas, ownNoises, Method::FourPointLeastSquares, false)->Apply(inPairs);
 BENCHMARK(writeResults)->Apply(inPairs);
 BENCHMARK_CAPTURE(alone, read, readAgain)->Apply(sizes);
 BENCHMARK_CAPTURE(alone, threePoint, calculateAgain<Method::ThreePoint>)->Apply(sizes);
