@@ -55,28 +55,40 @@ std::optional<JobError> readSpectra(const Job& job, JobData& data)
     return std::nullopt;
 }
 
+std::optional<JobError> readImage(const JobFilePath& file, std::size_t i,
+                                  const MapReadOptions& options, JobData& data, Workers& workers)
+{
+    QString why;
+    const std::optional<SourceFile> source = SourceFile::open(file.path, why);
+    if (!source)
+        return cannotOpen(file, why);
+    const std::optional<Digest> digest = source->digest();
+    const MapReadResult result = readMapData(source->bytes(), data.maps[i], options, workers);
+    const QString reason = mapReason(result.outcome, file.path);
+    if (!reason.isEmpty())
+        return JobError{file.place, reason};
+    if (!data.maps[i].valid)
+        return JobError{file.place, QStringLiteral("no 2D data with axes in %1").arg(file.path)};
+    if (!digest || !source->isStill(*digest))
+        return JobError{file.place, QStringLiteral("%1 changes while it is read").arg(file.path)};
+    data.imageDigests[i] = digest;
+    if (!result.energies.isEmpty())
+        data.settings.points[i].energy = numberFromText(result.energies.last());
+    return std::nullopt;
+}
+
 std::optional<JobError> readImages(const std::vector<JobFilePath>& images, JobData& data,
                                    Workers& workers)
 {
     data.maps.resize(data.settings.points.size());
+    data.imageDigests.resize(images.size());
     KnownPositions positions;
     MapReadOptions options;
     options.knownPositions = &positions;
-    for (std::size_t i = 0; i < images.size(); ++i) {
-        const JobFilePath& file = images[i];
-        if (file.path.isEmpty())
-            continue;
-        const MapReadResult result = readMapData(file.path, data.maps[i], options, workers);
-        if (result.openError != 0)
-            return cannotOpen(file, whyNotOpened(result.openError));
-        if (!data.maps[i].valid)
-            return JobError{file.place,
-                            result.reason.isEmpty()
-                                ? QStringLiteral("no 2D data with axes in %1").arg(file.path)
-                                : result.reason};
-        if (!result.energies.isEmpty())
-            data.settings.points[i].energy = numberFromText(result.energies.last());
-    }
+    for (std::size_t i = 0; i < images.size(); ++i)
+        if (!images[i].path.isEmpty())
+            if (auto wrong = readImage(images[i], i, options, data, workers))
+                return wrong;
     return std::nullopt;
 }
 

@@ -19,7 +19,9 @@ struct JobData {
     /// Of the spectra's files; of the bytes that were read.
     std::array<std::optional<Digest>, SpectrumSet::count> digests;
     std::vector<MapData> maps; ///< [settings.points.size()]
-    AnalysisInput input;       ///< refers to the spectra
+    /// Of the images of a map that is not the job's own, in their order; none for no image.
+    std::vector<std::optional<Digest>> imageDigests;
+    AnalysisInput input; ///< refers to the spectra
 
     std::vector<MapSource> mapSources() const;
 };

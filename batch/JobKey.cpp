@@ -5,14 +5,19 @@
 #include <toml++/toml.h>
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 
 namespace
 {
 
-/// Tables at the job's root on which no figure of a target depends.
-constexpr std::array<std::string_view, 4> ofNoTarget{"files", "histogram", "map", "output"};
+using Names = std::vector<std::string_view>;
+
+/// Tables at the job's root on which no figure of a target, or of a map, depends.
+const Names ofNoTarget{"files", "histogram", "map", "output"};
+const Names ofNoMap{"files", "map", "output"};
+
+/// Keys of [output] on which no file of a map depends.
+const Names ofNoMapFile{"folder", "report"};
 
 void append(const toml::node& node, QByteArray& text);
 
@@ -23,9 +28,7 @@ QByteArray withLength(std::string_view name)
 }
 
 /// A table's keys are sorted as it is read.
-template <std::size_t N>
-void appendTable(const toml::table& table, const std::array<std::string_view, N>& without,
-                 QByteArray& text)
+void appendTable(const toml::table& table, const Names& without, QByteArray& text)
 {
     text += '{';
     for (const auto& [key, node] : table)
@@ -38,9 +41,8 @@ void appendTable(const toml::table& table, const std::array<std::string_view, N>
 
 void append(const toml::node& node, QByteArray& text)
 {
-    constexpr std::array<std::string_view, 0> nothing{};
     if (const toml::table* table = node.as_table())
-        return appendTable(*table, nothing, text);
+        return appendTable(*table, {}, text);
     if (const toml::array* array = node.as_array()) {
         text += '[';
         for (const toml::node& item : *array)
@@ -55,6 +57,21 @@ void append(const toml::node& node, QByteArray& text)
     }
 }
 
+toml::table parsed(const QByteArray& text)
+{
+    return toml::parse(std::string_view(text.constData(), static_cast<std::size_t>(text.size())));
+}
+
+Digest keyWith(const QByteArray& settings, const JobData& common)
+{
+    Hasher hasher;
+    hasher.addText(programVersion());
+    hasher.addText(settings);
+    for (const std::optional<Digest>& digest : common.digests)
+        hasher.addText(digest ? toBytes(*digest) : QByteArray());
+    return hasher.digest();
+}
+
 } // namespace
 
 QByteArray programVersion()
@@ -64,19 +81,35 @@ QByteArray programVersion()
 
 QByteArray settingsOfTargets(const QByteArray& text)
 {
-    const std::string_view toml(text.constData(), static_cast<std::size_t>(text.size()));
+    const toml::table job = parsed(text);
     QByteArray settings;
-    appendTable(toml::parse(toml), ofNoTarget, settings);
+    appendTable(job, ofNoTarget, settings);
+    if (job["output"]["pictures"].value_or(false))
+        settings += "pictures" + withLength(job["output"]["language"].value_or("en"));
     return settings;
 }
 
 Digest keyOfTargets(const QByteArray& settings, const JobData& common)
 {
+    return keyWith(settings, common);
+}
+
+Digest keyOfMaps(const QByteArray& text, const JobData& common)
+{
+    const toml::table job = parsed(text);
+    QByteArray settings;
+    appendTable(job, ofNoMap, settings);
+    if (const toml::table* output = job["output"].as_table())
+        appendTable(*output, ofNoMapFile, settings);
+    return keyWith(settings, common);
+}
+
+Digest keyOfMap(const Digest& ofMaps, const std::vector<std::optional<Digest>>& images)
+{
     Hasher hasher;
-    hasher.addText(programVersion());
-    hasher.addText(settings);
-    for (const std::optional<Digest>& digest : common.digests)
-        hasher.addText(digest ? toBytes(*digest) : QByteArray());
+    hasher.add(toBytes(ofMaps));
+    for (const std::optional<Digest>& image : images)
+        hasher.addText(image ? toBytes(*image) : QByteArray());
     return hasher.digest();
 }
 

@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <optional>
+#include <vector>
 
 /// The version of the program, which may calculate otherwise than another.
 QByteArray programVersion();
@@ -21,6 +22,14 @@ QByteArray settingsOfTargets(const QByteArray& text);
 /// and blank.
 /// @param common  with the digests of its spectra
 Digest keyOfTargets(const QByteArray& settings, const JobData& common);
+
+/// The same for the maps, their images left aside.
+/// @param text  of the job
+Digest keyOfMaps(const QByteArray& text, const JobData& common);
+
+/// Under which the row of a map is in the record.
+/// @param images  digests of its images, one for each row of the point table; none for no image
+Digest keyOfMap(const Digest& ofMaps, const std::vector<std::optional<Digest>>& images);
 
 /// Under which the row of a target is in the record.
 /// @param target  digest of its file

@@ -5,8 +5,10 @@
 #include "results/ResultFile.h"
 #include "results/ResultText.h"
 #include "system/OrderedHandOver.h"
+#include "system/Signals.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -133,6 +135,20 @@ Job onlyMap(const Job& job)
     return own;
 }
 
+MapOutcome unlessStopped(const Job& job, const JobData& common, const MapJob& map, Workers& workers)
+{
+    if (stopSignal() != 0) {
+        MapOutcome left;
+        left.left = true;
+        return left;
+    }
+    QElapsedTimer timer;
+    timer.start();
+    MapOutcome outcome = analyseMap(job, common, map, workers);
+    outcome.seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
+    return outcome;
+}
+
 } // namespace
 
 QString mapFolder(const Job& job, const MapJob& map)
@@ -162,10 +178,12 @@ MapOutcome analyseMap(const Job& job, const JobData& common, const MapJob& map, 
         refused.row.refusal = error.reason.remove(job.folder + QLatin1Char('/'));
         return refused;
     }
+    const std::vector<std::optional<Digest>> images = data->imageDigests;
     QStringList warnings;
     for (const JobError& doubt : doubtsBefore(factsOf(onlyMap(job), *data)))
         warnings += doubt.reason;
     MapOutcome outcome = MapAnalysis(job, map, std::move(*data), workers).outcome();
+    outcome.images = images;
     outcome.row.warnings = warnings;
     if (outcome.row.refusal.isEmpty()) {
         JobResults results;
@@ -183,7 +201,7 @@ bool runMaps(const Job& job, const JobData& common, const std::vector<MapJob>& m
         const auto next = std::find_if_not(map, maps.end(), isSmall);
         std::size_t used = 0;
         const auto produce = [&](std::size_t i, unsigned, MapOutcome& outcome) {
-            outcome = analyseMap(job, common, map[static_cast<std::ptrdiff_t>(i)], workers);
+            outcome = unlessStopped(job, common, map[static_cast<std::ptrdiff_t>(i)], workers);
             return true;
         };
         const auto consume = [&](const MapOutcome& outcome) {
@@ -193,7 +211,7 @@ bool runMaps(const Job& job, const JobData& common, const std::vector<MapJob>& m
                                     consume))
             return false;
         map = next;
-        if (map != maps.end() && !use(*map, analyseMap(job, common, *map, workers)))
+        if (map != maps.end() && !use(*map, unlessStopped(job, common, *map, workers)))
             return false;
         map += map != maps.end() ? 1 : 0;
     }

@@ -18,6 +18,10 @@ struct MapOutcome {
     bool fileFailed = false; ///< a file could not be written; the others are
     QString failure;         ///< then the first one, and why
     QByteArray readOut;      ///< the values that the report tells under the pointer
+    /// Of its images in their order, where all could be read.
+    std::vector<std::optional<Digest>> images;
+    double seconds = 0.0; ///< that it took
+    bool left = false;    ///< the run was to end before it was begun; nothing else is set
 };
 
 /// The files of a map in the job's output folder, whether they are written or not:
@@ -33,7 +37,7 @@ QString mapHistogramFile(const Job& job, const MapJob& map, const char* tag);
 MapOutcome analyseMap(const Job& job, const JobData& common, const MapJob& map, Workers& workers);
 
 /// Analyses maps on all threads: small ones side by side, each of the large ones on all threads, so
-/// that the memory is that of one large map.
+/// that the memory is that of one large map. After a stop signal no more is begun.
 /// @param use  gets each outcome in the order of the maps, one at a time; false ends the run
 /// @return false where the run was ended
 bool runMaps(const Job& job, const JobData& common, const std::vector<MapJob>& maps,

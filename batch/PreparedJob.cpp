@@ -65,6 +65,15 @@ std::optional<PreparedJob> prepareJob(const QString& path, const QByteArray& tex
         path, text, settingsOfTargets(text), job, list->part(shard), std::move(*common)};
 }
 
+std::vector<RecordedFile> commonInputs(const PreparedJob& prepared)
+{
+    std::vector<RecordedFile> inputs;
+    for (std::size_t i = 0; i < prepared.common.digests.size(); ++i)
+        if (const auto& digest = prepared.common.digests[i])
+            inputs.push_back({targetName(prepared.job, prepared.job.spectra[i]).toUtf8(), *digest});
+    return inputs;
+}
+
 RecordedRun recordedRun(const PreparedJob& prepared, const Shard& shard, const QString& record)
 {
     RecordedRun run;
@@ -78,9 +87,6 @@ RecordedRun recordedRun(const PreparedJob& prepared, const Shard& shard, const Q
     if (!shard.isAll())
         run.shard = shard.text().toUtf8();
     run.began = QDateTime::currentDateTimeUtc().toString(Qt::ISODate).toUtf8();
-    for (std::size_t i = 0; i < prepared.common.digests.size(); ++i)
-        if (const auto& digest = prepared.common.digests[i])
-            run.inputs.push_back(
-                {targetName(prepared.job, prepared.job.spectra[i]).toUtf8(), *digest});
+    run.inputs = commonInputs(prepared);
     return run;
 }

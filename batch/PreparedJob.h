@@ -31,6 +31,9 @@ std::optional<JobList> listOf(const Job& job, JobError& error);
 std::optional<PreparedJob> prepareJob(const QString& path, const QByteArray& text, const Job& job,
                                       const Shard& shard, JobError& error);
 
+/// References and blank, with their digests; paths against the job's folder.
+std::vector<RecordedFile> commonInputs(const PreparedJob& prepared);
+
 /// What the record keeps of the run that is about to begin.
 /// @param record  its path
 RecordedRun recordedRun(const PreparedJob& prepared, const Shard& shard, const QString& record);

@@ -7,7 +7,7 @@
 namespace
 {
 
-const QByteArray own = "run, key, input, good, seconds, read_out, seal";
+const QByteArray own = "run, key, input, good, seconds, messages, read_out, seal";
 
 QByteArray quoted(const QByteArray& column)
 {
@@ -25,7 +25,8 @@ QByteArray rowTable(const QByteArray& table, const QByteArrayList& columns)
 {
     QByteArray text = "CREATE TABLE " + table +
                       "(run INTEGER NOT NULL REFERENCES run, key BLOB, input BLOB, "
-                      "good INTEGER NOT NULL, seconds REAL, read_out BLOB, seal BLOB NOT NULL";
+                      "good INTEGER NOT NULL, seconds REAL, messages TEXT NOT NULL, read_out BLOB, "
+                      "seal BLOB NOT NULL";
     for (const QByteArray& column : columns)
         text += ", " + quoted(column) + (recordSql::isText(column) ? " TEXT NOT NULL" : "");
     return text + ", PRIMARY KEY(" + quoted(columns.front()) + ")) WITHOUT ROWID;\n";

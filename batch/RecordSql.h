@@ -37,15 +37,18 @@ inline const char* const filesOf =
     "SELECT role, path, sha256 FROM file WHERE kind = ? AND owner = ? ORDER BY rowid";
 inline const char* const dropFiles = "DELETE FROM file WHERE kind = ? AND owner = ?";
 
-/// Columns and parameters of a row: run, key, input, good, seconds, read_out, seal, then the
-/// fields.
-constexpr int ownColumns = 7;
+/// Columns and parameters of a row: run, key, input, good, seconds, messages, read_out, seal, then
+/// the fields.
+constexpr int ownColumns = 8;
 QByteArray putRow(const QByteArray& table, const QByteArrayList& columns);
 QByteArray rowByName(const QByteArray& table, const QByteArrayList& columns);
 QByteArray rowsByName(const QByteArray& table, const QByteArrayList& columns); ///< all, sorted
 QByteArray keyByName(const QByteArray& table, const QByteArrayList& columns);
 QByteArray names(const QByteArray& table, const QByteArrayList& columns); ///< sorted by bytes
 QByteArray dropRow(const QByteArray& table, const QByteArrayList& columns);
+
+inline const char* const badRows = "SELECT (SELECT count(*) FROM target WHERE good = 0) + "
+                                   "(SELECT count(*) FROM map WHERE good = 0)";
 
 /// Whether a column holds words; the others hold figures.
 bool isText(const QByteArray& column);

@@ -22,6 +22,7 @@ struct RecordedRow {
     bool good = false;           ///< nothing refused, all figures finite
     double seconds = 0.0;        ///< that the calculation took
     QByteArrayList fields;       ///< of its row in results.csv or maps.csv; the first is its name
+    QByteArray messages;         ///< lines that the calculation left behind
     QByteArray readOut;          ///< of a map, for the report
     std::vector<RecordedFile> inputs;  ///< images of a map
     std::vector<RecordedFile> outputs; ///< written for it

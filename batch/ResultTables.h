@@ -6,9 +6,10 @@
 /// What writing the results of a job came to.
 struct ResultsWritten {
     QStringList files;
-    QString failed; ///< path of a file that could not be written; then the others may be missing
+    QString failed;      ///< a file that could not be written; then others may be missing
     bool allGood = true; ///< nothing refused, all finite
 };
 
-/// Writes results.csv from the record, in the job's order. A target that has no row is left out.
+/// Writes what is derived from the record, in the job's order: results.csv, maps.csv, the graphs
+/// that show all targets, and the report. What has no row is left out.
 ResultsWritten writeResults(RunRecord& record, const PreparedJob& prepared);

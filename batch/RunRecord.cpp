@@ -56,6 +56,7 @@ QByteArray sealOf(const RecordedRow& row)
     hasher.addText(bytesOf(row.key));
     hasher.addText(bytesOf(row.input));
     hasher.addText(row.good ? "good" : "");
+    hasher.addText(row.messages);
     hasher.addText(row.readOut);
     for (const QByteArray& field : row.fields)
         hasher.addText(field);
@@ -203,6 +204,7 @@ void RunRecord::put(RowKind kind, const RecordedRow& row)
     }
     statement.bind(parameter++, std::int64_t{row.good ? 1 : 0});
     statement.bind(parameter++, row.seconds);
+    statement.bindText(parameter++, row.messages);
     statement.bindBytes(parameter++, row.readOut);
     statement.bindBytes(parameter++, sealOf(row));
     const QByteArrayList& columns = table(kind).columns;
@@ -213,8 +215,7 @@ void RunRecord::put(RowKind kind, const RecordedRow& row)
             bindFigure(statement, parameter, row.fields[i]);
     }
     statement.runOnce();
-    if (kind == RowKind::Map)
-        dropFiles("map", row.name());
+    dropFiles(nameOf(kind), row.name());
     putFiles(nameOf(kind), row.name(), "input", row.inputs);
     putFiles(nameOf(kind), row.name(), "output", row.outputs);
 }
@@ -227,8 +228,9 @@ RecordedRow RunRecord::rowOf(SqlStatement& statement, RowKind kind)
     row.input = fromBytes(statement.bytes(2));
     row.good = statement.integer(3) != 0;
     row.seconds = statement.real(4);
-    row.readOut = statement.bytes(5);
-    const QByteArray seal = statement.bytes(6);
+    row.messages = statement.bytes(5);
+    row.readOut = statement.bytes(6);
+    const QByteArray seal = statement.bytes(7);
     const QByteArrayList& columns = table(kind).columns;
     for (int i = 0; i < columns.size(); ++i)
         row.fields += recordSql::isText(columns[i]) ? statement.bytes(recordSql::ownColumns + i)
@@ -237,8 +239,7 @@ RecordedRow RunRecord::rowOf(SqlStatement& statement, RowKind kind)
         refuse(QStringLiteral("the row of %1 is damaged; move the record away to calculate all "
                               "anew")
                    .arg(QString::fromUtf8(row.name())));
-    if (kind == RowKind::Map)
-        readFiles(nameOf(kind), row.name(), row.inputs, row.outputs);
+    readFiles(nameOf(kind), row.name(), row.inputs, row.outputs);
     return row;
 }
 
@@ -295,6 +296,13 @@ void RunRecord::drop(RowKind kind, const QByteArray& name)
     statement.bindText(0, name);
     statement.runOnce();
     dropFiles(nameOf(kind), name);
+}
+
+bool RunRecord::allGood()
+{
+    SqlStatement statement(m_database, recordSql::badRows);
+    statement.step();
+    return statement.integer(0) == 0;
 }
 
 void RunRecord::putFiles(const QByteArray& kind, const QByteArray& owner, const char* role,

@@ -52,6 +52,7 @@ public:
                  const std::function<void(std::size_t, const std::optional<RecordedRow>&)>& use);
     QByteArrayList names(RowKind kind); ///< sorted by their bytes
     void drop(RowKind kind, const QByteArray& name);
+    bool allGood(); ///< of all rows
 
     SqlDatabase& database() { return m_database; } ///< for other questions
 

@@ -1,5 +1,6 @@
 #include "batch/TargetRow.h"
 
+#include "batch/GraphPictures.h"
 #include "batch/JobFacts.h"
 #include "batch/MethodName.h"
 #include "results/ResultText.h"
@@ -50,11 +51,25 @@ JobResults resultsOf(const TargetRow& row)
     return results;
 }
 
+void drawGraphs(const Job& job, const JobData& data, TargetRow& row)
+{
+    const PictureFiles files =
+        drawTargetGraphs(row.target, data.settings, data.input, row.fit ? &*row.fit : nullptr,
+                         {job.output.path, languageName(job)});
+    row.pictures = files.written;
+    row.notWritten = files.failed.value(0);
+}
+
 } // namespace
 
 bool TargetRow::isGood() const
 {
     return refusal.isEmpty() && areFinite(resultsOf(*this));
+}
+
+QString languageName(const Job& job)
+{
+    return job.language == Language::Japanese ? QStringLiteral("ja") : QStringLiteral("en");
 }
 
 QString targetName(const Job& job, const JobFilePath& target)
@@ -85,6 +100,8 @@ TargetRow analyseTarget(const Job& job, const JobData& common, const QString& na
     calculate(job, *data, row);
     if (row.fit)
         row.fitValence = row.fit->valence(data->settings.valences);
+    if (job.pictures)
+        drawGraphs(job, *data, row);
     for (const JobError& doubt : doubtsBefore(factsOf(job, *data)))
         row.warnings += doubt.reason;
     for (const JobError& doubt : doubtsAfter(resultsOf(row)))

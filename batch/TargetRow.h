@@ -19,10 +19,15 @@ struct TargetRow {
     std::optional<double> fitValence;
     QString refusal;      ///< the first thing that could not be done, and why
     QStringList warnings; ///< what a physicist would doubt
+    QStringList pictures; ///< files that were written
+    QString notWritten;   ///< a picture that could not be
 
     /// Nothing was refused, and all that was found are finite numbers.
     bool isGood() const;
 };
+
+/// Of what a job makes to be read: "en" or "ja".
+QString languageName(const Job& job);
 
 /// What a target is called in the results, wherever the job lies: its path against the job's
 /// folder.
@@ -32,7 +37,7 @@ QString targetName(const Job& job, const JobFilePath& target);
 TargetRow refusedTarget(const QString& name, const QString& reason);
 
 /// Analyses one target against the references and the blank of a job. One that is no spectrum gives
-/// a row with the reason.
+/// a row with the reason. Its graphs are painted if the job wants pictures.
 /// @param common  of the job without a target; its references and its blank are shared
 /// @param bytes   of the target's file
 TargetRow analyseTarget(const Job& job, const JobData& common, const QString& name,

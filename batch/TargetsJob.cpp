@@ -2,6 +2,7 @@
 
 #include "batch/Console.h"
 #include "batch/JobKey.h"
+#include "batch/MapsRecord.h"
 #include "batch/PreparedJob.h"
 #include "batch/ProgressLine.h"
 #include "batch/RecordWriter.h"
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <sched.h>
+#include <set>
 
 namespace
 {
@@ -25,21 +27,26 @@ int complain(const QString& text, ExitStatus status = ExitStatus::BadJob)
     return static_cast<int>(status);
 }
 
-/// One run over the targets of a job, into a record that is its own for as long.
-class TargetsJob
+/// One run over the targets and maps of a job, into a record that is its own for as long.
+class ListRun
 {
 public:
-    TargetsJob(const PreparedJob& prepared, const RunOptions& options, RunRecord& record)
-        : m_prepared(prepared), m_options(options),
-          m_record(record), m_run{prepared.job, prepared.common, prepared.list.targets,
-                                  keyOfTargets(prepared.settings, prepared.common), knownKeys()},
-          m_progress(prepared.list.targets.size(), options.quiet)
+    ListRun(const PreparedJob& prepared, const RunOptions& options, RunRecord& record)
+        : m_prepared(prepared), m_options(options), m_record(record),
+          m_workers(options.threads > 0 ? options.threads : usualThreads()),
+          m_targets{prepared.job, prepared.common, prepared.list.targets,
+                    keyOfTargets(prepared.settings, prepared.common),
+                    knownTargets(record, prepared, options.again)},
+          m_count(prepared.list.targets.size() + prepared.list.maps.size()),
+          m_progress(m_count, options.quiet)
     {
     }
 
     int run()
     {
         calculate();
+        if (!m_failed.isEmpty())
+            return complain(m_failed, ExitStatus::FileFailed);
         if (m_left > 0)
             return stopped();
         dropOthers();
@@ -47,28 +54,43 @@ public:
     }
 
 private:
-    std::vector<std::optional<Digest>> knownKeys() const
+    QString targetOf(std::size_t i) const
     {
-        std::vector<std::optional<Digest>> keys(m_prepared.list.targets.size());
-        for (std::size_t i = 0; i < keys.size() && !m_options.again; ++i)
-            keys[i] = m_record.key(RowKind::Target, name(i));
-        return keys;
-    }
-
-    QByteArray name(std::size_t i) const
-    {
-        return targetName(m_prepared.job, m_prepared.list.targets[i]).toUtf8();
+        return targetName(m_prepared.job, m_prepared.list.targets[i]);
     }
 
     void calculate()
     {
-        Workers workers(m_options.threads > 0 ? m_options.threads : usualThreads());
+        const std::vector<MapJob> maps = mapsToDo();
         RecordWriter writer(m_record, recordedRun(m_prepared, m_options.shard, m_record.path()));
-        runTargets(
-            m_run, [&](const TargetStep& step) { return take(step, writer); }, workers);
+        const bool more = runTargets(
+            m_targets, [&](const TargetStep& step) { return take(step, writer); }, m_workers);
+        if (more)
+            runMaps(
+                m_prepared.job, m_prepared.common, maps,
+                [&](const MapJob& map, const MapOutcome& outcome) {
+                    return take(map, outcome, writer);
+                },
+                m_workers);
         if (const auto failure = writer.finish())
             throw *failure;
         m_progress.clear();
+    }
+
+    std::vector<MapJob> mapsToDo()
+    {
+        const std::vector<MapJob>& all = m_prepared.list.maps;
+        if (m_options.again || m_record.isNew())
+            return all;
+        const std::vector<bool> kept = keptMaps(m_record, m_prepared, m_workers);
+        std::vector<MapJob> maps;
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            if (!kept[i])
+                maps.push_back(all[i]);
+            else
+                tellKept(all[i].name);
+        }
+        return maps;
     }
 
     bool take(const TargetStep& step, RecordWriter& writer)
@@ -77,60 +99,97 @@ private:
             ++m_left;
             return true;
         }
-        ++m_done;
-        if (step.state == TargetStep::State::Calculated)
-            tell(step);
-        else if (m_options.verbose)
-            say(step, QStringLiteral("there already"));
-        m_progress.show(m_done);
-        return step.state == TargetStep::State::Kept ||
-               writer.put(RowKind::Target, recordedRow(m_run, step));
+        if (step.state == TargetStep::State::Kept) {
+            tellKept(targetOf(step.number));
+            return true;
+        }
+        const TargetRow& row = step.row;
+        if (!row.notWritten.isEmpty())
+            return fail(row.notWritten);
+        tell(row.target, row.refusal, {}, row.warnings, step.seconds);
+        const auto recorded = recordedTarget(m_targets, step);
+        return recorded ? writer.put(RowKind::Target, *recorded) : fail(row.target);
     }
 
-    void say(const TargetStep& step, const QString& what)
+    bool take(const MapJob& map, const MapOutcome& outcome, RecordWriter& writer)
+    {
+        if (outcome.left) {
+            ++m_left;
+            return true;
+        }
+        if (outcome.fileFailed) {
+            m_failed = outcome.failure;
+            return false;
+        }
+        const MapRow& row = outcome.row;
+        tell(row.map, row.refusal, row.messages, row.warnings, outcome.seconds);
+        const auto recorded = recordedMap(m_prepared, map, outcome);
+        return recorded ? writer.put(RowKind::Map, *recorded) : fail(row.map);
+    }
+
+    /// @return false
+    bool fail(const QString& file)
+    {
+        m_failed = QStringLiteral("cannot write %1").arg(file);
+        return false;
+    }
+
+    void say(const QString& name, const QString& what)
     {
         m_progress.clear();
-        console::say(QStringLiteral("%1: %2").arg(QString::fromUtf8(name(step.number)), what));
+        console::say(QStringLiteral("%1: %2").arg(name, what));
     }
 
-    void tell(const TargetStep& step)
+    void tellKept(const QString& name)
     {
-        const TargetRow& row = step.row;
-        if (!row.refusal.isEmpty())
-            say(step, row.refusal);
-        for (const QString& warning : row.warnings)
-            say(step, QStringLiteral("warning: ") + warning);
         if (m_options.verbose)
-            say(step,
-                QStringLiteral("calculated in %1 ms").arg(step.seconds / millisecond, 0, 'g', 3));
+            say(name, QStringLiteral("there already"));
+        m_progress.show(++m_done);
     }
 
-    int stopped()
+    void tell(const QString& name, const QString& refusal, const QStringList& messages,
+              const QStringList& warnings, double seconds)
     {
-        const int signal = stopSignal();
-        return complain(
-                   QStringLiteral("Stopped: %1 of %2 targets are left; the same command goes on "
-                                  "with them.")
-                       .arg(m_left)
-                       .arg(m_prepared.list.targets.size()),
-                   ExitStatus::Stopped) +
-               signal;
+        if (!refusal.isEmpty())
+            say(name, refusal);
+        for (const QString& message : messages)
+            say(name, message);
+        for (const QString& warning : warnings)
+            say(name, QStringLiteral("warning: ") + warning);
+        if (m_options.verbose)
+            say(name, QStringLiteral("calculated in %1 ms").arg(seconds / millisecond, 0, 'g', 3));
+        m_progress.show(++m_done);
     }
 
-    /// Rows of targets that are no longer the job's.
+    int stopped() const
+    {
+        const QString what = m_prepared.list.maps.empty() ? QStringLiteral("targets")
+                                                          : QStringLiteral("targets and maps");
+        return complain(QStringLiteral("Stopped: %1 of %2 %3 are left; the same command goes on "
+                                       "with them.")
+                            .arg(m_left)
+                            .arg(m_count)
+                            .arg(what),
+                        ExitStatus::Stopped) +
+               stopSignal();
+    }
+
+    /// Rows of what is no longer the job's.
     void dropOthers()
     {
-        const QByteArrayList names = m_record.names(RowKind::Target);
-        if (static_cast<std::size_t>(names.size()) == m_prepared.list.targets.size())
-            return;
-        std::vector<QByteArray> own;
+        std::set<QByteArray> targets;
         for (std::size_t i = 0; i < m_prepared.list.targets.size(); ++i)
-            own.push_back(name(i));
-        std::sort(own.begin(), own.end());
-        m_record.begin();
-        for (const QByteArray& other : names)
-            if (!std::binary_search(own.begin(), own.end(), other))
-                m_record.drop(RowKind::Target, other);
+            targets.insert(targetOf(i).toUtf8());
+        std::set<QByteArray> maps;
+        for (const MapJob& map : m_prepared.list.maps)
+            maps.insert(map.name.toUtf8());
+        for (const auto& [kind, own] :
+             {std::pair(RowKind::Target, &targets), std::pair(RowKind::Map, &maps)})
+            for (const QByteArray& name : m_record.names(kind))
+                if (own->count(name) == 0) {
+                    m_record.begin();
+                    m_record.drop(kind, name);
+                }
         m_record.commit();
     }
 
@@ -148,25 +207,21 @@ private:
 
     int shardDone()
     {
-        bool allGood = true;
-        m_record.forEach(
-            RowKind::Target, m_prepared.list.targets.size(),
-            [this](std::size_t i) { return name(i); },
-            [&](std::size_t, const std::optional<RecordedRow>& row) {
-                allGood = allGood && row && row->good;
-            });
         if (!m_options.quiet)
             console::say(QStringLiteral("Written: ") + m_record.path());
-        return static_cast<int>(allGood ? ExitStatus::Done : ExitStatus::SomeRefused);
+        return static_cast<int>(m_record.allGood() ? ExitStatus::Done : ExitStatus::SomeRefused);
     }
 
     const PreparedJob& m_prepared;
     const RunOptions& m_options;
     RunRecord& m_record;
-    TargetsRun m_run;
+    Workers m_workers;
+    TargetsRun m_targets;
+    std::size_t m_count;
     ProgressLine m_progress;
     std::size_t m_done = 0;
     std::size_t m_left = 0;
+    QString m_failed; ///< why a file could not be written
 };
 
 int runInFolder(const PreparedJob& prepared, const RunOptions& options)
@@ -181,7 +236,7 @@ int runInFolder(const PreparedJob& prepared, const RunOptions& options)
     try {
         RunRecord record(path, RunRecord::Access::Write);
         keepStopSignals();
-        return TargetsJob(prepared, options, record).run();
+        return ListRun(prepared, options, record).run();
     } catch (const RecordFailure& failure) {
         return complain(failure.reason(), failure.kind() == RecordFailure::Kind::Disk
                                               ? ExitStatus::FileFailed
@@ -205,12 +260,15 @@ unsigned usualThreads()
     return std::clamp(std::min(threads, given), 1U, mostThreads);
 }
 
-ExitStatus listTargets(const std::vector<JobFilePath>& targets, const RunOptions& options)
+ExitStatus printList(const JobList& list, const RunOptions& options)
 {
+    const char end = options.listWithNul ? '\0' : '\n';
     QByteArray text;
-    for (const JobFilePath& target : targets)
+    for (const JobFilePath& target : list.targets)
         if (!target.path.isEmpty())
-            text += QFile::encodeName(target.path) + (options.listWithNul ? '\0' : '\n');
+            text += QFile::encodeName(target.path) + end;
+    for (const MapJob& map : list.maps)
+        text += map.name.toUtf8() + end;
     if (console::print(text))
         return ExitStatus::Done;
     console::say(QStringLiteral("The list cannot be written."));
@@ -223,7 +281,7 @@ int analyseTargets(const QString& path, const QByteArray& text, const Job& job,
     JobError error;
     if (options.listOnly) {
         const auto list = listOf(job, error);
-        return list ? static_cast<int>(listTargets(list->part(options.shard).targets, options))
+        return list ? static_cast<int>(printList(list->part(options.shard), options))
                     : complain(errorText(path, error));
     }
     const auto prepared = prepareJob(path, text, job, options.shard, error);

@@ -2,9 +2,8 @@
 
 #include "batch/ExitStatus.h"
 #include "batch/JobFile.h"
+#include "batch/PreparedJob.h"
 #include "batch/RunFolder.h"
-
-#include <vector>
 
 /// More threads than this are a mistake of typing.
 constexpr unsigned mostThreads = 1024;
@@ -20,18 +19,18 @@ struct RunOptions {
     Shard shard;
 };
 
-/// Runs a job of many targets: analyses those that are not yet in the record of the output folder,
-/// tells on the standard error what is doubtful or was refused, and writes results.csv from the
-/// record. One target that cannot be read or is refused is one row with its reason and stops no
-/// other. A shard writes a record of its own and no results.
+/// Runs a job of many targets and maps: analyses those that are not yet in the record of the output
+/// folder, tells on the standard error what is doubtful or was refused, and writes the tables and
+/// the report from the record. One that cannot be read or is refused is one row with its reason and
+/// stops no other. A shard writes a record of its own and no results.
 /// @param path  of the job file
 /// @param text  of it
 /// @return an ExitStatus
 int analyseTargets(const QString& path, const QByteArray& text, const Job& job,
                    const RunOptions& options);
 
-/// Prints the paths of targets; an empty one is left out.
-ExitStatus listTargets(const std::vector<JobFilePath>& targets, const RunOptions& options);
+/// Prints the paths of targets and the names of maps; an empty path is left out.
+ExitStatus printList(const JobList& list, const RunOptions& options);
 
 /// As many threads as this process has processors, no more than a cluster's scheduler gave it.
 unsigned usualThreads();

@@ -1,6 +1,7 @@
 #include "batch/TargetsRun.h"
 
 #include "batch/JobKey.h"
+#include "batch/MapsRecord.h"
 #include "batch/SourceFile.h"
 #include "input/SpectrumReader.h"
 #include "system/OrderedHandOver.h"
@@ -61,7 +62,23 @@ bool runTargets(const TargetsRun& run, const std::function<bool(const TargetStep
     return runInOrder<TargetStep>(workers, run.targets.size(), produce, use);
 }
 
-RecordedRow recordedRow(const TargetsRun& targets, const TargetStep& step)
+std::vector<std::optional<Digest>> knownTargets(RunRecord& record, const PreparedJob& prepared,
+                                                bool again)
+{
+    const std::vector<JobFilePath>& targets = prepared.list.targets;
+    std::vector<std::optional<Digest>> keys(targets.size());
+    for (std::size_t i = 0; i < keys.size() && !again && !record.isNew(); ++i) {
+        const QByteArray name = targetName(prepared.job, targets[i]).toUtf8();
+        if (!prepared.job.pictures)
+            keys[i] = record.key(RowKind::Target, name);
+        else if (const auto row = record.row(RowKind::Target, name);
+                 row && areInPlace(row->outputs, prepared.job.output.path))
+            keys[i] = row->key;
+    }
+    return keys;
+}
+
+std::optional<RecordedRow> recordedTarget(const TargetsRun& targets, const TargetStep& step)
 {
     RecordedRow row;
     row.input = step.input;
@@ -70,5 +87,11 @@ RecordedRow recordedRow(const TargetsRun& targets, const TargetStep& step)
     row.good = step.row.isGood();
     row.seconds = step.seconds;
     row.fields = targetFields(step.row);
+    for (const QString& path : step.row.pictures) {
+        const auto file = writtenFile(path, targets.job.output.path);
+        if (!file)
+            return std::nullopt;
+        row.outputs.push_back(*file);
+    }
     return row;
 }

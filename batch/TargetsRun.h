@@ -1,6 +1,7 @@
 #pragma once
 
-#include "batch/RecordedRow.h"
+#include "batch/PreparedJob.h"
+#include "batch/RunRecord.h"
 #include "batch/TargetRow.h"
 #include "system/Workers.h"
 
@@ -27,9 +28,15 @@ struct TargetsRun {
     const Job& job;
     const JobData& common; ///< of the job without a target
     const std::vector<JobFilePath>& targets;
-    Digest key{};                             ///< of keyOfTargets()
-    std::vector<std::optional<Digest>> known; ///< of each target: its key in the record, if any
+    Digest key{}; ///< of keyOfTargets()
+    /// Of each target its key in the record; none where it is to be calculated in any case.
+    std::vector<std::optional<Digest>> known;
 };
+
+/// The keys of targets in the record.
+/// @param again  none, so that all are calculated
+std::vector<std::optional<Digest>> knownTargets(RunRecord& record, const PreparedJob& prepared,
+                                                bool again);
 
 /// Analyses targets on all threads; those that are known are only read, for their digest. After a
 /// stop signal no more is begun.
@@ -39,4 +46,5 @@ bool runTargets(const TargetsRun& run, const std::function<bool(const TargetStep
                 Workers& workers);
 
 /// The row of a step for the record.
-RecordedRow recordedRow(const TargetsRun& targets, const TargetStep& step);
+/// @return nothing where one of its files has gone since it was written
+std::optional<RecordedRow> recordedTarget(const TargetsRun& targets, const TargetStep& step);

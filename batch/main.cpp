@@ -2,6 +2,7 @@
 #include "batch/JobFacts.h"
 #include "batch/JobRun.h"
 #include "batch/JobTemplate.h"
+#include "batch/PictureApplication.h"
 #include "batch/ResultPath.h"
 #include "batch/TargetsJob.h"
 #include "system/Signals.h"
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <memory>
 #include <new>
 
 namespace
@@ -129,7 +131,8 @@ QString readOptions(QCommandLineParser& parser, Options& options)
     return {};
 }
 
-int run()
+/// @param application  of the program; may be replaced by one that paints
+int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
 {
     QCommandLineParser parser;
     Options options;
@@ -149,10 +152,14 @@ int run()
         text ? parseJob(*text, QFileInfo(options.job).absolutePath(), error) : std::nullopt;
     if (!job)
         return complain(errorText(options.job, error));
+    if (job->pictures) {
+        application.reset();
+        application = pictureApplication(argc, argv);
+    }
     if (!job->output.path.isEmpty())
         return analyseTargets(options.job, *text, *job, options.run);
     if (options.run.listOnly)
-        return static_cast<int>(listTargets({job->spectra[SpectrumSet::Target]}, options.run));
+        return static_cast<int>(printList({{job->spectra[SpectrumSet::Target]}, {}}, options.run));
     return analyseOne(options.job, *job, options.run.checkOnly);
 }
 
@@ -162,11 +169,11 @@ int run()
 int main(int argc, char* argv[])
 {
     reportFailedWrites();
-    const QCoreApplication application(argc, argv);
+    auto application = std::make_unique<QCoreApplication>(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("drovik-batch"));
     QCoreApplication::setApplicationVersion(QStringLiteral(DROVIK_VERSION));
     try {
-        return run();
+        return run(application, argc, argv);
     } catch (const std::bad_alloc&) {
         return complain(QStringLiteral("There is not enough memory."));
     } catch (const std::exception& failure) {

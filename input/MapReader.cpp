@@ -105,8 +105,9 @@ ReadOutcome readFrom(const ByteSource& file, MapData& data, MapReadResult& resul
     return ReadOutcome::Read;
 }
 
-/// Why a file was not taken. Of one that cannot be opened nothing is said.
-QString reasonText(ReadOutcome outcome, const QString& path)
+} // namespace
+
+QString mapReason(ReadOutcome outcome, const QString& path)
 {
     if (outcome == ReadOutcome::TooLarge)
         return QStringLiteral("The 2D data file [%1] is too large.").arg(path);
@@ -114,8 +115,6 @@ QString reasonText(ReadOutcome outcome, const QString& path)
         return QStringLiteral("The 2D data file [%1] cannot be read.").arg(path);
     return {};
 }
-
-} // namespace
 
 MapReadResult readMapData(const ByteSource& file, MapData& data, const MapReadOptions& options,
                           Workers& workers)
@@ -138,11 +137,8 @@ MapReadResult readMapData(const QString& path, MapData& data, const MapReadOptio
 {
     MapReadResult result;
     data.valid = false;
-    int openError = 0;
-    if (const auto file = InputFile::open(path, &openError))
+    if (const auto file = InputFile::open(path))
         result = readMapData(*file, data, options, workers);
-    else
-        result.openError = openError;
-    result.reason = reasonText(result.outcome, path);
+    result.reason = mapReason(result.outcome, path);
     return result;
 }

@@ -17,7 +17,6 @@ struct MapReadResult {
     /// Read: the record holds the file's data; MapData::valid tells whether they suffice. Otherwise
     /// the record is not valid and keeps its earlier contents.
     ReadOutcome outcome = ReadOutcome::CannotOpen;
-    int openError = 0;    ///< error number where it could not be opened
     QString reason;       ///< one line of plain English; empty where nothing is to be said
     QStringList energies; ///< token 3 of each "ENERGY" line, in the order of the file
 };
@@ -33,6 +32,9 @@ struct MapReadOptions {
     /// none.
     KnownPositions* knownPositions = nullptr;
 };
+
+/// Why a file was not taken. Of one that cannot be opened nothing is said.
+QString mapReason(ReadOutcome outcome, const QString& path);
 
 /// Reads 2D data; the reason is left to whoever knows the file's name.
 ///

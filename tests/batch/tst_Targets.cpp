@@ -58,7 +58,8 @@ void tst_Targets::aRowForEachTarget()
     const BatchOutput output = m_folder->run();
     QCOMPARE(output.status, 0);
     QCOMPARE(output.text, QByteArray());
-    QCOMPARE(output.errors, QStringLiteral("Written: %1\n").arg(file("results/results.csv")));
+    QCOMPARE(output.errors, QStringLiteral("Written: %1\nWritten: %2\n")
+                                .arg(file("results/results.csv"), file("results/report.html")));
     const QByteArray table = results();
     QCOMPARE(table.left(table.indexOf('\n') + 1),
              QByteArray("target,method,a,valence,t_ts,sbys,mean,ls_a,ls_b,ls_a_nb,ls_b_nb,vic2,"
