@@ -37,7 +37,7 @@ PictureFiles drawMapPictures(const QString& folder, const QString& name,
 /// Where a map lies in its picture: "WIDTH HEIGHT px0 py0 px1 py1 rx0 ry0 rx1 ry1" of its
 /// coordinates. It stands in the PNG file under this key, for whoever shows what lies under the
 /// pointer.
-constexpr const char* plotAreaKey = "Plot area";
+constexpr const char* plotAreaKey = "PlotArea";
 QString plotAreaText(const ChCoord& coord, QSize canvas);
 
 /// The results as pictures see them; the arrays stay those of the results.

@@ -16,6 +16,7 @@ check_packages=(
     librsvg2-bin poppler-utils
     xvfb xauth xdotool
     python3-h5py python3-tifffile
+    chromium chromium-driver python3-selenium
     clang clang-tidy libclang-rt-14-dev cppcheck gcovr pkg-config
 )
 

@@ -97,18 +97,25 @@ void drawValueMarks(QPainter& painter, const QRect& field, const AxisEnds& range
     }
 }
 
-/// The ends of the strengths under the field, and their title.
+/// Marks of the strengths under the field, so few that their texts stand apart, and their title.
 void drawStrengthMarks(QPainter& painter, const QRect& field, const AxisEnds& range,
                        const QString& title)
 {
+    constexpr int most = 2;
     const QFontMetrics metrics = painter.fontMetrics();
-    const int y = field.bottom() + 2 + metrics.ascent();
-    const QString low = textFromNumber(std::min(range.from, range.to));
-    const QString high = textFromNumber(std::max(range.from, range.to));
-    painter.drawText(field.left(), y, low);
-    painter.drawText(field.right() + 1 - metrics.horizontalAdvance(high), y, high);
+    const AxisMarks marks = axisMarks(range.from, range.to, most);
+    const double low = std::min(range.from, range.to);
+    const double high = std::max(range.from, range.to);
+    const int y = field.bottom() + 1;
+    for (std::size_t i = 0; i < marks.values.size(); ++i) {
+        const double part = (marks.values[i] - low) / (high - low);
+        const int x = field.left() + qRound(part * (field.width() - 1));
+        painter.drawLine(x, y, x, y + markLength);
+        painter.drawText(x - metrics.horizontalAdvance(marks.texts[i]) / 2,
+                         y + markLength + metrics.ascent(), marks.texts[i]);
+    }
     const int left = field.center().x() - metrics.horizontalAdvance(title) / 2;
-    painter.drawText(std::max(field.left(), left), y + metrics.lineSpacing(), title);
+    painter.drawText(left, y + markLength + metrics.ascent() + metrics.lineSpacing(), title);
 }
 
 } // namespace
@@ -175,7 +182,7 @@ void drawColourBar(QPainter& painter, const QRect& box, MapQuantity quantity,
     const QFontMetrics metrics = painter.fontMetrics();
     QRect field(box.left(), box.top(), fades ? fieldWidth : barWidth, box.height());
     if (fades)
-        field.setHeight(std::max(1, box.height() - 2 * metrics.lineSpacing() - 2));
+        field.setHeight(std::max(1, box.height() - 2 * metrics.lineSpacing() - markLength));
     painter.drawImage(field, colourField(quantity));
     painter.setPen(frameColour);
     painter.setBrush(Qt::NoBrush);

@@ -66,7 +66,7 @@ QStringList names(const QStringList& paths)
 QRgb at(const QString& path, double x, double y)
 {
     const QImage image(path);
-    const QStringList parts = image.text(QStringLiteral("Plot area")).split(QLatin1Char(' '));
+    const QStringList parts = image.text(QStringLiteral("PlotArea")).split(QLatin1Char(' '));
     std::vector<double> n;
     for (const QString& part : parts)
         n.push_back(part.toDouble());

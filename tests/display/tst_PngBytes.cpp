@@ -30,13 +30,13 @@ void TestPngBytes::anotherReaderFindsThePixels()
     for (int y = 0; y < size.height(); ++y)
         for (int x = 0; x < size.width(); ++x)
             image.setPixel(x, y, qRgb(x * 7 % 256, y * 11 % 256, (x + y) * 13 % 256));
-    image.setText(QStringLiteral("Plot area"), QStringLiteral("1 2.5"));
+    image.setText(QStringLiteral("PlotArea"), QStringLiteral("1 2.5"));
     const QByteArray bytes = pngBytes(image);
     QVERIFY(bytes.startsWith("\x89PNG\r\n\x1a\n"));
     const QImage read = QImage::fromData(bytes, "PNG");
     QCOMPARE(read.size(), size);
     QCOMPARE(read.convertToFormat(QImage::Format_RGB32), image);
-    QCOMPARE(read.text(QStringLiteral("Plot area")), QStringLiteral("1 2.5"));
+    QCOMPARE(read.text(QStringLiteral("PlotArea")), QStringLiteral("1 2.5"));
     QByteArray damaged = bytes;
     damaged[20] = static_cast<char>(damaged[20] ^ 1); // the width, under a checksum
     QVERIFY(QImage::fromData(damaged, "PNG").isNull());
