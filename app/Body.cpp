@@ -3,11 +3,13 @@
 #include "app/BusyBar.h"
 #include "app/FileQuestion.h"
 #include "app/FourPs.h"
+#include "app/StatusWords.h"
 #include "display/PopBase.h"
 #include "display/ScreenRoom.h"
 #include "input/AFileSelect.h"
 
 #include <QCloseEvent>
+#include <QScreen>
 
 Body::Body(QWidget* parent) : QMainWindow(parent)
 {
@@ -15,14 +17,17 @@ Body::Body(QWidget* parent) : QMainWindow(parent)
     setWindowTitle(QStringLiteral("drovik")); // a name, the same in every language
     m_panel = new FourPs;
     bodyLayout->addWidget(m_panel);
+    m_panel->displays->installEventFilter(this);
     m_busy = std::make_unique<BusyBar>(statusbar);
+    m_words = std::make_unique<StatusWords>(*m_panel, *statusbar);
     connect(m_panel, &FourPs::progress, this,
             [this](const QString& text, double part) { m_busy->show(text, part); });
 }
 
 Body::~Body()
 {
-    delete m_panel; // while what shows its progress is still there
+    m_words.reset(); // has nothing to say of a panel that goes
+    delete m_panel;  // while what shows its progress is still there
 }
 
 void Body::tellFailure(const QString& line)
@@ -35,6 +40,17 @@ void Body::showEvent(QShowEvent* event)
 {
     QMainWindow::showEvent(event);
     fitToScreen(*this, *event);
+}
+
+bool Body::eventFilter(QObject* watched, QEvent* event)
+{
+    Displays* graphs = m_panel->displays;
+    if (watched == graphs && event->type() == QEvent::Show && isVisible() && !m_graphsPlaced) {
+        m_graphsPlaced = true;
+        graphs->setGeometry(placeBeside(frameGeometry(), screen()->availableGeometry(),
+                                        graphs->size(), graphs->minimumSizeHint()));
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 void Body::closeEvent(QCloseEvent* event)

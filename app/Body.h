@@ -8,6 +8,7 @@
 
 class BusyBar;
 class FourPs;
+class StatusWords;
 
 /// The main window; its only content is the analysis panel. Long work of the panel shows in the
 /// status bar.
@@ -30,11 +31,16 @@ protected:
     /// Opens no larger than the screen.
     void showEvent(QShowEvent* event) override;
 
+    /// The graph window opens beside this one.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
     /// The graphs and the file dialogs go too: without the panel there is nothing to do with them,
     /// and the program ends with its last window.
     void closeEvent(QCloseEvent* event) override;
 
 private:
     FourPs* m_panel;
+    bool m_graphsPlaced = false; ///< from then on they stay where the user puts them
     std::unique_ptr<BusyBar> m_busy;
+    std::unique_ptr<StatusWords> m_words;
 };

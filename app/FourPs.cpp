@@ -1,8 +1,10 @@
 #include "app/FourPs.h"
 
+#include "analysis/LinearCombinationFit.h"
 #include "app/FileQuestion.h"
 #include "app/GraphMenu.h"
 #include "app/PanelAccess.h"
+#include "app/ResultsMenu.h"
 #include "app/ScreenScroll.h"
 #include "display/DispABase.h"
 #include "display/MarkLine.h"
@@ -47,11 +49,12 @@ FourPs::FourPs(QWidget* parent) : QFrame(parent)
     applyConditions();
     connectConditions();
     buildMarkLines();
-    buildGraphMenus();
+    buildMenus();
     receiveNewDir(QDir::currentPath());
     putInScrollArea();
     nameControls(*this);
     orderTabs(*this);
+    enterMarkedPoint(*this);
 }
 
 FourPs::~FourPs()
@@ -110,6 +113,7 @@ void FourPs::buildPoints()
                 [this, point](double energy) { receiveNewEnergy(point, energy); });
         connect(point, &AEPoint::changedCB, this, &FourPs::calcBoth);
         connect(point, &AEPoint::refusedData, this, &FourPs::refuse);
+        connect(point, &AEPoint::unread, this, &FourPs::unread);
         connect(point, &AEPoint::progress, this, &FourPs::progress);
         point->shareKnownPositions(m_knownPositions);
         point->UseCB->setChecked(i <= pointsUsedAtStart);
@@ -170,6 +174,7 @@ void FourPs::connectInputs()
         connect(select, &AFileSelect::newFilePath, this,
                 [this, i](const QString& path) { receiveNewFile(i, path); });
         connect(select, &AXafsFileSelect::refusedData, this, &FourPs::refuse);
+        connect(select, &AXafsFileSelect::unread, this, &FourPs::unread);
     }
     connect(DispFSelect, &AFileSelect::newDir, this, &FourPs::receiveNewDir);
     connect(DispFSelect, &AFileSelect::newFilePaths, this, &FourPs::receiveNewDispFiles);
@@ -231,11 +236,12 @@ void FourPs::buildMarkLines()
     connect(m_edgeLines.get(), &MarkLines::newPos, this, &FourPs::calcBoth);
 }
 
-void FourPs::buildGraphMenus()
+void FourPs::buildMenus()
 {
     m_question = std::make_unique<FileQuestion>();
     for (int i = 0; i < displays->panels.size(); ++i)
         new GraphMenu(*this, *displays->panels[i], displays->ids[i], *m_question);
+    new ResultsMenu(*this);
 }
 
 // When all is built: a scroll area asks at once for the size of what it gets.

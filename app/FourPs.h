@@ -14,6 +14,7 @@
 #include <QVector>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 class AEPoint;
@@ -23,6 +24,7 @@ class Histgram;
 class MarkLine;
 class MarkLines;
 class MouseC;
+struct LinearCombination;
 struct MutsContent;
 class QButtonGroup;
 class QStylePainter;
@@ -34,6 +36,10 @@ class FourPs : public QFrame, public Ui_FourPs
     Q_OBJECT
 
 public:
+    /// What is calculated, each by its own button.
+    enum class Result { Map, Target, Fit };
+    static constexpr int results = 3; ///< kinds of them
+
     explicit FourPs(QWidget* parent = nullptr);
     ~FourPs() override;
 
@@ -52,6 +58,9 @@ public:
     GraphTable graphTable(Displays::DispId id) const;
     /// Paths of the spectra and 2D data that are there.
     QStringList filesRead() const;
+    /// Files and results of target and fit as two lines, names and values, separated by tabs; six
+    /// digits, as they are shown. What there is not is empty.
+    QString resultsAsTable() const;
     /// Asks for the names of files, one at a time.
     FileQuestion& fileQuestion() { return *m_question; }
 
@@ -66,6 +75,9 @@ signals:
     void messageAppended(const QString& line); ///< after each line of the message pane
     void refused(const QString& line);         ///< the line is a refusal, no result
     void written(const QString& path);         ///< a file, whole
+    void unread(const QString& path);          ///< a file that was named and held nothing
+    void mutFilled(int row, int spectrum);     ///< a field of the point table, from 0
+    void calculated(FourPs::Result result);    ///< or refused: what could be used was used
     /// What a long operation does and how much is done: 0 at its beginning, 1 at its end.
     void progress(const QString& text, double part);
 
@@ -119,7 +131,7 @@ private:
     void applyConditions();
     void connectConditions();
     void buildMarkLines();
-    void buildGraphMenus();
+    void buildMenus();
     void putInScrollArea(); ///< of use on screens smaller than the panel
 
     // Inputs.
@@ -160,6 +172,9 @@ private:
     ThicknessGraph m_thicknessGraph;
 
     ThicknessRatios m_ratios{};
+    std::optional<TargetResult> m_lastTarget;
+    std::unique_ptr<LinearCombination> m_lastFit; ///< without its curve
+    double m_lastFitValence = 0.0;
     double m_lastA = 0.0;
     double m_lastValence = 0.0;
     std::unique_ptr<FittedSpectrum> lcfFit; ///< curve of the last fit

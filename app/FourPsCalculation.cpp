@@ -71,6 +71,7 @@ void FourPs::refuse(const QString& text)
 void FourPs::calcTarget()
 {
     const auto outcome = targetResult(input());
+    emit calculated(Result::Target);
     if (const auto* refusal = std::get_if<RunRefusal>(&outcome))
         return refuse(ResultText::refusal(*refusal));
     const auto& result = std::get<TargetResult>(outcome);
@@ -78,6 +79,7 @@ void FourPs::calcTarget()
     const QStringList lines = ResultText::lines(result);
     for (int i = 0; i + 1 < lines.size(); ++i)
         appendMessage(lines[i]);
+    m_lastTarget = result;
     m_lastA = result.a;
     m_lastValence = result.valence;
     CalcRes->setText(lines.last());

@@ -98,6 +98,7 @@ void FourPs::refreshMut(AEPoint* point, SpectrumSet::Index select, double energy
         mutField(point, select)->setText(textFromNumber(mut));
     else
         mutField(point, select)->clear();
+    emit mutFilled(ePoints.indexOf(point), select);
 }
 
 void FourPs::refreshColumn(SpectrumSet::Index select)
@@ -177,8 +178,10 @@ void FourPs::receiveNewDispFiles(const QStringList& paths)
     bool others = false;
     for (const QString& path : paths) {
         auto spectrum = std::make_unique<AXafsData>();
-        if (!spectrum->read(path))
+        if (!spectrum->read(path)) {
+            emit unread(path);
             continue;
+        }
         fit(*spectrum, bounds);
         if (!others)
             setEdge();

@@ -17,6 +17,7 @@ void FourPs::calcMap()
     const MapRun run =
         mapResult(input(), sources, mapResults,
                   {*histA, *histT, histA->settings(), histT->settings(), valences()});
+    emit calculated(Result::Map);
     m_ratios = run.ratios.value_or(m_ratios);
     for (const QString& line : ResultText::lines(run))
         appendMessage(line);

@@ -147,3 +147,15 @@ void orderTabs(FourPs& panel)
     for (int i = 1; i < order.size(); ++i)
         QWidget::setTabOrder(order[i - 1], order[i]);
 }
+
+void enterMarkedPoint(FourPs& panel)
+{
+    const auto follow = [&panel] {
+        for (const AEPoint* point : qAsConst(panel.ePoints))
+            point->VPointCB->setFocusPolicy(point->VPointCB->isChecked() ? Qt::StrongFocus
+                                                                         : Qt::ClickFocus);
+    };
+    for (const AEPoint* point : qAsConst(panel.ePoints))
+        QObject::connect(point->VPointCB, &QRadioButton::toggled, &panel, follow);
+    follow();
+}

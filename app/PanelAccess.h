@@ -7,5 +7,8 @@ class FourPs;
 /// point table, the label and the button for a file selector.
 void nameControls(FourPs& panel);
 
+/// Lets Tab go through the V.Point column at the marked row only, as through any group of buttons.
+void enterMarkedPoint(FourPs& panel);
+
 /// Lets Tab go through the panel in the order of its form, the point table row by row.
 void orderTabs(FourPs& panel);

@@ -86,6 +86,8 @@ void AEPoint::loadData(const QString& path)
         Energy->setText(token);
         inNewEnergy();
     }
+    if (!path.isEmpty() && (result.outcome != ReadOutcome::Read || !m_mapData.valid))
+        emit unread(path);
     if (!result.reason.isEmpty())
         emit refusedData(result.reason);
 }

@@ -41,6 +41,7 @@ signals:
     void newEnergy(double energy);
     void changedCB();
     void refusedData(const QString& reason); ///< the 2D data were not taken
+    void unread(const QString& path);        ///< a file that was named holds no 2D data
     /// What is being read and how much of it is done: 0 at the beginning, 1 at the end.
     void progress(const QString& text, double part);
 

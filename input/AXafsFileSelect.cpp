@@ -49,7 +49,9 @@ void AXafsFileSelect::newFile(const QString& path)
         m_data = std::make_unique<AXafsData>();
         setBounds(m_bounds);
     }
-    m_data->read(path);
+    const bool found = m_data->read(path);
+    if (!found && !path.isEmpty())
+        emit unread(path);
     if (!m_data->refusal.isEmpty())
         emit refusedData(m_data->refusal);
 }

@@ -47,6 +47,7 @@ public:
 
 signals:
     void refusedData(const QString& reason); ///< the file was not taken
+    void unread(const QString& path);        ///< a file that was named holds no spectrum
 
 public slots:
     /// Reads the file; a file that cannot be opened shows nothing.

@@ -158,7 +158,10 @@ private:
 
     QString write(const QString& name, const QByteArray& text) const
     {
-        return create(m_dir.filePath(name), text);
+        const QString path = m_dir.filePath(name);
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() ? path
+                                                                                  : QString();
     }
     Output run(const QStringList& arguments) const { return runBatch(arguments, m_dir.path()); }
 

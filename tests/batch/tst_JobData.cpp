@@ -1,5 +1,4 @@
 #include "batch/JobData.h"
-#include "tests/support/Files.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -64,7 +63,10 @@ private:
 
 QString tst_JobData::file(const char* name, const QByteArray& text) const
 {
-    return create(m_dir.filePath(QLatin1String(name)), text);
+    QFile file(m_dir.filePath(QLatin1String(name)));
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+        qFatal("cannot write");
+    return file.fileName();
 }
 
 void tst_JobData::mapsOfOneScanKeepItsPositionsOnce()

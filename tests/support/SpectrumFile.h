@@ -1,7 +1,6 @@
 #pragma once
 
 #include "analysis/Spectrum.h"
-#include "tests/support/Files.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -79,7 +78,10 @@ inline QByteArray fileText(const SpectrumPoints& points)
 /// @return its path
 inline QString write(const QTemporaryDir& dir, const char* name, const QByteArray& bytes)
 {
-    return create(dir.filePath(QString::fromLatin1(name)), bytes);
+    QFile file(dir.filePath(QString::fromLatin1(name)));
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        qFatal("%s cannot be written", name);
+    return file.fileName();
 }
 
 } // namespace spectra

@@ -15,6 +15,13 @@
 namespace
 {
 
+void put(const QString& path, const QByteArray& text)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+        qFatal("no room for the test's files");
+}
+
 bool write(SafeFile& file, const QByteArray& text)
 {
     return file.write(text.constData(), text.size());
@@ -117,7 +124,7 @@ void tst_SafeFile::newFile()
 
 void tst_SafeFile::replacesOnlyWhenWhole()
 {
-    create(in("a.dat"), "earlier");
+    put(in("a.dat"), "earlier");
     SafeFile file(in("a.dat"));
     QVERIFY(file.open());
     QVERIFY(write(file, QByteArray(1000000, 'x')));
@@ -129,7 +136,7 @@ void tst_SafeFile::replacesOnlyWhenWhole()
 
 void tst_SafeFile::givenUp()
 {
-    create(in("a.dat"), "earlier");
+    put(in("a.dat"), "earlier");
     for (const char* const name : {"a.dat", "new.dat"}) {
         SafeFile file(in(name));
         QVERIFY(file.open());
@@ -141,7 +148,7 @@ void tst_SafeFile::givenUp()
 
 void tst_SafeFile::killedInTheMiddle()
 {
-    create(in("a.dat"), "earlier");
+    put(in("a.dat"), "earlier");
     int ready[2];
     QCOMPARE(pipe(ready), 0);
     const pid_t child = fork();
@@ -187,7 +194,7 @@ void tst_SafeFile::permissionsStay_data()
 void tst_SafeFile::permissionsStay()
 {
     QFETCH(unsigned, mode);
-    create(in("a.dat"), "earlier");
+    put(in("a.dat"), "earlier");
     setMode(in("a.dat"), mode);
     QVERIFY(written(in("a.dat"), "new"));
     QCOMPARE(modeOf(in("a.dat")), mode);
@@ -209,7 +216,7 @@ void tst_SafeFile::ownerStays()
 {
     if (geteuid() != 0)
         QSKIP("only the superuser writes the files of others and leaves them theirs");
-    create(in("a.dat"), "earlier");
+    put(in("a.dat"), "earlier");
     QCOMPARE(chown(QFile::encodeName(in("a.dat")).constData(), 1234, 2345), 0);
     QVERIFY(written(in("a.dat"), "new"));
     QCOMPARE(statusOf(in("a.dat")).st_uid, uid_t(1234));
@@ -228,7 +235,7 @@ void tst_SafeFile::linksStay()
     QFETCH(bool, exists);
     QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral("deep")));
     if (exists)
-        create(in("deep/target.dat"), "earlier");
+        put(in("deep/target.dat"), "earlier");
     QCOMPARE(symlink("deep/second", QFile::encodeName(in("first")).constData()), 0);
     QCOMPARE(symlink("target.dat", QFile::encodeName(in("deep/second")).constData()), 0);
     QVERIFY(written(in("first"), "new"));
@@ -240,7 +247,7 @@ void tst_SafeFile::linksStay()
 
 void tst_SafeFile::otherNamesKeepTheEarlierFile()
 {
-    create(in("a.dat"), "earlier");
+    put(in("a.dat"), "earlier");
     QCOMPARE(link(QFile::encodeName(in("a.dat")).constData(),
                   QFile::encodeName(in("b.dat")).constData()),
              0);
@@ -271,7 +278,7 @@ void tst_SafeFile::refused_data()
 void tst_SafeFile::refused()
 {
     QFETCH(QString, name);
-    create(in("a.dat"), "earlier");
+    put(in("a.dat"), "earlier");
     QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral("deep")));
     QCOMPARE(mkfifo(QFile::encodeName(in("pipe")).constData(), 0600), 0);
     QCOMPARE(symlink("circle", QFile::encodeName(in("circle")).constData()), 0);
@@ -289,7 +296,7 @@ void tst_SafeFile::refused()
 
 void tst_SafeFile::readOnlyFileIsRefused()
 {
-    create(in("a.dat"), "earlier");
+    put(in("a.dat"), "earlier");
     setMode(m_dir->path(), 0777);
     setMode(in("a.dat"), 0444);
     QCOMPARE(inAChild([this] { return SafeFile(in("a.dat")).open() ? 1 : 0; }), 0);
@@ -299,7 +306,7 @@ void tst_SafeFile::readOnlyFileIsRefused()
 /// Nothing can be made beside the file, which may be written: so it is, as users expect.
 void tst_SafeFile::folderWithoutPermission()
 {
-    create(in("a.dat"), "earlier and longer");
+    put(in("a.dat"), "earlier and longer");
     setMode(in("a.dat"), 0666);
     setMode(m_dir->path(), 0555);
     QCOMPARE(inAChild([this] { return written(in("a.dat"), "new") ? 0 : 1; }), 0);
@@ -314,7 +321,7 @@ void tst_SafeFile::stickyFolder()
 {
     if (geteuid() != 0)
         QSKIP("needs a file of another user");
-    create(in("a.dat"), "earlier and longer");
+    put(in("a.dat"), "earlier and longer");
     setMode(in("a.dat"), 0666);
     setMode(m_dir->path(), 01777);
     QCOMPARE(inAChild([this] { return written(in("a.dat"), "new") ? 0 : 1; }), 0);
@@ -340,7 +347,7 @@ void tst_SafeFile::devices()
 /// What the program prints goes on into the same file.
 void tst_SafeFile::ownOutputIsWrittenDirectly()
 {
-    create(in("a.dat"), "earlier");
+    put(in("a.dat"), "earlier");
     setMode(m_dir->path(), 0777);
     setMode(in("a.dat"), 0666);
     const ino_t before = statusOf(in("a.dat")).st_ino;
@@ -359,7 +366,7 @@ void tst_SafeFile::ownOutputIsWrittenDirectly()
 
 void tst_SafeFile::limitOfSize()
 {
-    create(in("a.dat"), "earlier");
+    put(in("a.dat"), "earlier");
     setMode(m_dir->path(), 0777);
     setMode(in("a.dat"), 0666);
     for (const int size : {101, 1000000}) {
