@@ -179,26 +179,11 @@ public:
         result.sigmaA[0] = sigma(choice, 0.0);
         result.sigmaA[2] = sigma(choice, 1.0);
         const double a = undisturbed(choice);
-        for (const Candidate* moved : choice) {
-            for (const bool up : {false, true}) {
-                const double other = fraction(choice, [&](const Candidate& at) {
-                    if (&at != moved)
-                        return m_mixtures.row(at, half);
-                    const Reading& reading = up ? at.higher : at.lower;
-                    return m_mixtures.row(at.energy + (up ? wrongEnergy : -wrongEnergy), reading,
-                                          reading, half);
-                });
-                result.robust = std::max(result.robust, std::abs(other - a));
-            }
-        }
-        for (const Candidate& crossing : crossings) {
-            if (std::find(choice.begin(), choice.end(), &crossing) != choice.end())
-                continue;
-            Choice more = choice;
-            more.push_back(&crossing);
-            result.gainOfOneMore =
-                std::max(result.gainOfOneMore, result.sigmaA[1] / sigma(more, half));
-        }
+        for (const Candidate* moved : choice)
+            for (const bool up : {false, true})
+                result.robust =
+                    std::max(result.robust, std::abs(withWrongEnergy(choice, moved, up) - a));
+        result.gainOfOneMore = gainOfOneMore(choice, crossings, result.sigmaA[1]);
     }
 
 private:
@@ -229,6 +214,31 @@ private:
             t.push_back(rows[i].target());
         return vPointFraction(rows, chosen, rhoOf(rows))
             .at(FourPointLeastSquares(rows, chosen).scale(t.data()), rows.front().target());
+    }
+
+    double withWrongEnergy(const Choice& choice, const Candidate* moved, bool up) const
+    {
+        return fraction(choice, [&](const Candidate& at) {
+            if (&at != moved)
+                return m_mixtures.row(at, half);
+            const Reading& reading = up ? at.higher : at.lower;
+            const double energy = at.energy + (up ? wrongEnergy : -wrongEnergy);
+            return m_mixtures.row(energy, reading, reading, half);
+        });
+    }
+
+    double gainOfOneMore(const Choice& choice, const std::vector<Candidate>& crossings,
+                         double sigmaWithout) const
+    {
+        double gain = 1.0;
+        for (const Candidate& crossing : crossings) {
+            if (std::find(choice.begin(), choice.end(), &crossing) != choice.end())
+                continue;
+            Choice more = choice;
+            more.push_back(&crossing);
+            gain = std::max(gain, sigmaWithout / sigma(more, half));
+        }
+        return gain;
     }
 
     double undisturbed(const Choice& choice) const
@@ -296,20 +306,30 @@ void markFront(std::vector<Judged>& judged)
     }
 }
 
+/// Each pair of crossings once.
+std::vector<Choice> pairsOf(const std::vector<Candidate>& crossings)
+{
+    std::vector<Choice> pairs;
+    for (std::size_t i = 0; i < crossings.size(); ++i)
+        for (std::size_t j = i + 1; j < crossings.size(); ++j)
+            pairs.push_back({&crossings[i], &crossings[j]});
+    return pairs;
+}
+
 std::vector<Judged> judgeAll(const std::vector<Candidate>& vPoints,
                              const std::vector<Candidate>& preEdge,
                              const std::vector<Candidate>& crossings, const Judge& judge)
 {
     std::vector<Judged> judged;
+    const std::vector<Choice> pairs = pairsOf(crossings);
     for (const Candidate& v : vPoints)
         for (const Candidate& pre : preEdge)
-            for (std::size_t i = 0; i < crossings.size(); ++i)
-                for (std::size_t j = i + 1; j < crossings.size(); ++j) {
-                    const Choice choice{&v, &pre, &crossings[i], &crossings[j]};
-                    const RankedChoice result = judge.quick(choice);
-                    if (std::isfinite(result.sigmaA[1]) && std::isfinite(result.shift))
-                        judged.push_back({choice, result});
-                }
+            for (const Choice& pair : pairs) {
+                const Choice choice{&v, &pre, pair[0], pair[1]};
+                const RankedChoice result = judge.quick(choice);
+                if (std::isfinite(result.sigmaA[1]) && std::isfinite(result.shift))
+                    judged.push_back({choice, result});
+            }
     std::stable_sort(judged.begin(), judged.end(), isBetter);
     return judged;
 }

@@ -72,6 +72,16 @@ Digest keyWith(const QByteArray& settings, const JobData& common)
     return hasher.digest();
 }
 
+QByteArray settingsOfMaps(const QByteArray& text)
+{
+    const toml::table job = parsed(text);
+    QByteArray settings;
+    appendTable(job, ofNoMap, settings);
+    if (const toml::table* output = job["output"].as_table())
+        appendTable(*output, ofNoMapFile, settings);
+    return settings;
+}
+
 } // namespace
 
 QByteArray programVersion()
@@ -96,12 +106,13 @@ Digest keyOfTargets(const QByteArray& settings, const JobData& common)
 
 Digest keyOfMaps(const QByteArray& text, const JobData& common)
 {
-    const toml::table job = parsed(text);
-    QByteArray settings;
-    appendTable(job, ofNoMap, settings);
-    if (const toml::table* output = job["output"].as_table())
-        appendTable(*output, ofNoMapFile, settings);
-    return keyWith(settings, common);
+    return keyWith(settingsOfMaps(text), common);
+}
+
+bool haveSameSettings(const QByteArray& text, const QByteArray& other)
+{
+    return settingsOfTargets(text) == settingsOfTargets(other) &&
+           settingsOfMaps(text) == settingsOfMaps(other);
 }
 
 Digest keyOfMap(const Digest& ofMaps, const std::vector<std::optional<Digest>>& images)

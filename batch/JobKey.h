@@ -27,6 +27,9 @@ Digest keyOfTargets(const QByteArray& settings, const JobData& common);
 /// @param text  of the job
 Digest keyOfMaps(const QByteArray& text, const JobData& common);
 
+/// Whether two texts of jobs give the same results of the same files.
+bool haveSameSettings(const QByteArray& text, const QByteArray& other);
+
 /// Under which the row of a map is in the record.
 /// @param images  digests of its images, one for each row of the point table; none for no image
 Digest keyOfMap(const Digest& ofMaps, const std::vector<std::optional<Digest>>& images);

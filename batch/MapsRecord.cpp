@@ -28,6 +28,18 @@ std::vector<std::optional<Digest>> imagesOf(const MapJob& map)
 
 } // namespace
 
+std::vector<std::optional<Digest>> digestsOf(const MapJob& map,
+                                             const std::vector<RecordedFile>& inputs)
+{
+    std::vector<std::optional<Digest>> digests;
+    auto input = inputs.begin();
+    for (const JobFilePath& image : map.images)
+        digests.push_back(image.path.isEmpty() || input == inputs.end()
+                              ? std::nullopt
+                              : std::optional((input++)->digest));
+    return digests;
+}
+
 bool areInPlace(const std::vector<RecordedFile>& files, const QString& folder)
 {
     return std::all_of(files.begin(), files.end(), [&](const RecordedFile& file) {

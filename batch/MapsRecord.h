@@ -13,6 +13,11 @@ std::vector<bool> keptMaps(RunRecord& record, const PreparedJob& prepared, Worke
 std::optional<RecordedRow> recordedMap(const PreparedJob& prepared, const MapJob& map,
                                        const MapOutcome& outcome);
 
+/// The digests that a map's images had, one for each row of the point table; none for no image.
+/// @param inputs  of its row
+std::vector<std::optional<Digest>> digestsOf(const MapJob& map,
+                                             const std::vector<RecordedFile>& inputs);
+
 /// Whether files are there as they were written.
 /// @param folder  what their paths start from
 bool areInPlace(const std::vector<RecordedFile>& files, const QString& folder);

@@ -1,6 +1,8 @@
 #include "batch/MapsRun.h"
 
 #include "batch/JobFacts.h"
+#include "batch/MapPictures.h"
+#include "batch/TargetRow.h"
 #include "results/HistogramFile.h"
 #include "results/ResultFile.h"
 #include "results/ResultText.h"
@@ -33,6 +35,8 @@ public:
             describe();
             if (m_job.mapFiles)
                 writeFiles();
+            if (m_job.pictures && m_outcome.row.refusal.isEmpty())
+                drawPictures();
         }
         return std::move(m_outcome);
     }
@@ -41,6 +45,7 @@ private:
     void calculate();
     void describe();
     void writeFiles();
+    void drawPictures();
     void refuse(const RunRefusal& refusal)
     {
         m_outcome.row.refusal = ResultText::mapRefusal(refusal).simplified();
@@ -54,6 +59,7 @@ private:
     QByteArrayList m_header;
     std::vector<MapSource> m_sources;
     MapResults m_results;
+    std::optional<MissingPixels> m_missing;
     HistogramCounts m_valence;
     HistogramCounts m_thickness;
     MapOutcome m_outcome;
@@ -81,9 +87,9 @@ void MapAnalysis::calculate()
 
 void MapAnalysis::describe()
 {
-    const MissingPixels missing(m_data.input.table, m_sources, m_results);
+    m_missing.emplace(m_data.input.table, m_sources, m_results);
     const auto summary =
-        summaryOf(m_results, missing, m_data.settings.valences, m_valence, m_workers);
+        summaryOf(m_results, *m_missing, m_data.settings.valences, m_valence, m_workers);
     if (!summary)
         return refuse({Refusal::MapTooLarge, 0});
     m_outcome.row.summary = *summary;
@@ -112,6 +118,27 @@ void MapAnalysis::writeFiles()
         wrote(path,
               writeHistogram(*histogram, path) ? WriteOutcome::Written : WriteOutcome::CannotWrite);
     }
+}
+
+void MapAnalysis::drawPictures()
+{
+    const Settings& settings = m_data.settings;
+    const bool hasThickness = m_outcome.row.method != Method::ThreePoint;
+    const MapPictureInput input{m_results,
+                                m_valence,
+                                m_thickness,
+                                settings.valenceHistogram,
+                                settings.thicknessHistogram,
+                                settings.valences,
+                                hasThickness,
+                                &*m_missing};
+    const PictureFiles pictures =
+        drawMapPictures(mapFolder(m_job, m_map), m_map.name, input, languageName(m_job), m_workers);
+    for (const QString& path : pictures.written)
+        wrote(path, WriteOutcome::Written);
+    for (const QString& path : pictures.failed)
+        wrote(path, WriteOutcome::CannotWrite);
+    m_outcome.readOut = mapReadOut(input);
 }
 
 /// Bytes of the images of a map that one thread may read beside the others.

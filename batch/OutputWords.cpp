@@ -12,7 +12,7 @@ static void initialiseCatalogues()
 namespace
 {
 
-// In the window's catalogue, with the numbers of a refusal where it has some.
+// In the window's catalogue; the numbers of each stand in their order.
 constexpr const char* lineContext = "FourPs";
 constexpr const char* knownLines[] = {
     "V Point is not selected.",
@@ -23,6 +23,7 @@ constexpr const char* knownLines[] = {
     "Number of selected data sets %1 is not %2.",
     "Energy Range is not selected, which should by selected by CB of TR.",
     "Can't open the file [%1]",
+    "sbys = %1, mean = %2, lsA = %3, lsB = %4, lsA(NB) = %5, lsB(NB) = %6, Vic2 = %7",
 };
 
 // In this program's catalogue: what has none in the window's.
@@ -34,9 +35,26 @@ constexpr const char* ownLines[] = {
 QRegularExpression patternOf(const char* text)
 {
     QString pattern = QRegularExpression::escape(QString::fromLatin1(text));
-    for (const char* place : {"\\%1", "\\%2"})
-        pattern.replace(QLatin1String(place), QLatin1String("(.+)"));
+    static const QRegularExpression place(QStringLiteral(R"(\\%\d)"));
+    pattern.replace(place, QStringLiteral("(.+)"));
     return QRegularExpression(QRegularExpression::anchoredPattern(pattern));
+}
+
+/// A text with "%1", "%2" ... replaced, each in its place.
+/// @param numbers  from the second one on
+QString withNumbers(const QString& text, const QStringList& numbers)
+{
+    QString found;
+    for (int i = 0; i < text.size(); ++i) {
+        const int number = text[i] == QLatin1Char('%') ? text.mid(i + 1, 1).toInt() : 0;
+        if (number > 0 && number < numbers.size()) {
+            found += numbers[number];
+            ++i;
+        } else {
+            found += text[i];
+        }
+    }
+    return found;
 }
 
 } // namespace
@@ -83,10 +101,8 @@ QString OutputWords::knownLine(const QString& line) const
         const QRegularExpressionMatch match = patternOf(known).match(line);
         if (!match.hasMatch())
             continue;
-        QString translated = ofWindow(lineContext, known);
-        for (int i = 1; i <= match.lastCapturedIndex(); ++i)
-            translated.replace(QStringLiteral("%%1").arg(i), match.captured(i));
-        return translated;
+        const QString translated = ofWindow(lineContext, known);
+        return withNumbers(translated, match.capturedTexts());
     }
     return {};
 }

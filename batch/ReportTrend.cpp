@@ -178,8 +178,8 @@ QByteArray trendFigure(const std::vector<ReportTargets::Point>& points, const Ou
                       "aria-label=\"" +
                       htmlText(words("Valence of each target, in the order of the job")) + "\">\n";
     html += axes(trend, range, points.size(), words);
-    html += "<path class=\"lcf\" d=\"" + crosses + "\"/>\n";
-    html += "<path class=\"points\" d=\"" + dots + "\"/>\n</svg></div>\n<figcaption>";
+    html += "<path class=\"points\" d=\"" + dots + "\"/>\n";
+    html += "<path class=\"lcf\" d=\"" + crosses + "\"/>\n</svg></div>\n<figcaption>";
     html += key("points", "M7 7V7", words("point method"));
     html += key("lcf", trend.hasStrokes() ? "M7 2V12" : "M3 3l8 8m-8 0l8 -8",
                 words("linear combination fit"));

@@ -6,7 +6,7 @@
 #include "batch/PreparedJob.h"
 #include "batch/ProgressLine.h"
 #include "batch/RecordWriter.h"
-#include "batch/ResultTables.h"
+#include "batch/RunEnd.h"
 #include "batch/TargetsRun.h"
 #include "system/Signals.h"
 
@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <sched.h>
-#include <set>
 
 namespace
 {
@@ -49,8 +48,9 @@ public:
             return complain(m_failed, ExitStatus::FileFailed);
         if (m_left > 0)
             return stopped();
-        dropOthers();
-        return m_options.shard.isAll() ? writeAll() : shardDone();
+        dropOthers(m_record, m_prepared);
+        return m_options.shard.isAll() ? writeAndTell(m_record, m_prepared, m_options.quiet)
+                                       : shardDone();
     }
 
 private:
@@ -174,37 +174,6 @@ private:
                stopSignal();
     }
 
-    /// Rows of what is no longer the job's.
-    void dropOthers()
-    {
-        std::set<QByteArray> targets;
-        for (std::size_t i = 0; i < m_prepared.list.targets.size(); ++i)
-            targets.insert(targetOf(i).toUtf8());
-        std::set<QByteArray> maps;
-        for (const MapJob& map : m_prepared.list.maps)
-            maps.insert(map.name.toUtf8());
-        for (const auto& [kind, own] :
-             {std::pair(RowKind::Target, &targets), std::pair(RowKind::Map, &maps)})
-            for (const QByteArray& name : m_record.names(kind))
-                if (own->count(name) == 0) {
-                    m_record.begin();
-                    m_record.drop(kind, name);
-                }
-        m_record.commit();
-    }
-
-    int writeAll()
-    {
-        const ResultsWritten written = writeResults(m_record, m_prepared);
-        if (!written.failed.isEmpty())
-            return complain(QStringLiteral("cannot write %1").arg(written.failed),
-                            ExitStatus::FileFailed);
-        for (const QString& file : written.files)
-            if (!m_options.quiet)
-                console::say(QStringLiteral("Written: ") + file);
-        return static_cast<int>(written.allGood ? ExitStatus::Done : ExitStatus::SomeRefused);
-    }
-
     int shardDone()
     {
         if (!m_options.quiet)
@@ -227,7 +196,17 @@ private:
 int runInFolder(const PreparedJob& prepared, const RunOptions& options)
 {
     const RunFolder folder(prepared.job);
-    const QString path = options.shard.isAll() ? folder.record() : folder.record(options.shard);
+    return withRecord(options.shard.isAll() ? folder.record() : folder.record(options.shard),
+                      [&](RunRecord& record) {
+                          keepStopSignals();
+                          return ListRun(prepared, options, record).run();
+                      });
+}
+
+} // namespace
+
+int withRecord(const QString& path, const std::function<int(RunRecord&)>& use)
+{
     QString why;
     bool inUse = false;
     const std::unique_ptr<FileLock> lock = RunFolder::lock(path, why, inUse);
@@ -235,16 +214,13 @@ int runInFolder(const PreparedJob& prepared, const RunOptions& options)
         return complain(why, inUse ? ExitStatus::BadJob : ExitStatus::FileFailed);
     try {
         RunRecord record(path, RunRecord::Access::Write);
-        keepStopSignals();
-        return ListRun(prepared, options, record).run();
+        return use(record);
     } catch (const RecordFailure& failure) {
         return complain(failure.reason(), failure.kind() == RecordFailure::Kind::Disk
                                               ? ExitStatus::FileFailed
                                               : ExitStatus::BadJob);
     }
 }
-
-} // namespace
 
 unsigned usualThreads()
 {

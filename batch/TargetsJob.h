@@ -4,6 +4,9 @@
 #include "batch/JobFile.h"
 #include "batch/PreparedJob.h"
 #include "batch/RunFolder.h"
+#include "batch/RunRecord.h"
+
+#include <functional>
 
 /// More threads than this are a mistake of typing.
 constexpr unsigned mostThreads = 1024;
@@ -15,6 +18,7 @@ struct RunOptions {
     bool quiet = false;
     bool verbose = false;
     bool again = false;   ///< also what is in the record already
+    bool watch = false;   ///< goes on with new files
     unsigned threads = 0; ///< 0: as many as this process has processors
     Shard shard;
 };
@@ -28,6 +32,11 @@ struct RunOptions {
 /// @return an ExitStatus
 int analyseTargets(const QString& path, const QByteArray& text, const Job& job,
                    const RunOptions& options);
+
+/// Calls a function with a record that nobody else writes meanwhile. What is wrong with the record
+/// is said.
+/// @return what the function does, or an ExitStatus
+int withRecord(const QString& path, const std::function<int(RunRecord&)>& use);
 
 /// Prints the paths of targets and the names of maps; an empty path is left out.
 ExitStatus printList(const JobList& list, const RunOptions& options);

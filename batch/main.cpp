@@ -2,7 +2,9 @@
 #include "batch/JobFacts.h"
 #include "batch/JobRun.h"
 #include "batch/JobTemplate.h"
+#include "batch/Merge.h"
 #include "batch/PictureApplication.h"
+#include "batch/Replay.h"
 #include "batch/ResultPath.h"
 #include "batch/TargetsJob.h"
 #include "system/Signals.h"
@@ -61,6 +63,9 @@ struct Options {
     bool help = false;
     bool version = false;
     bool showTemplate = false;
+    bool merge = false;
+    QString replay;    ///< path of a record
+    QStringList names; ///< all that is no option
     QString job;
     RunOptions run;
 };
@@ -98,7 +103,18 @@ QString readOptions(QCommandLineParser& parser, Options& options)
         QStringLiteral("shard"),
         QStringLiteral("Only every N-th of the list, from the K-th, into a record of its own."),
         QStringLiteral("K/N"));
-    parser.addOptions({check, list, zero, example, threads, quiet, verbose, again, shard});
+    const QCommandLineOption merge(
+        QStringLiteral("merge"),
+        QStringLiteral("Joins the records of all shards and writes the results."));
+    const QCommandLineOption replay(
+        QStringLiteral("replay"),
+        QStringLiteral("Calculates what is in a record again and tells what differs."),
+        QStringLiteral("RECORD"));
+    const QCommandLineOption watch(
+        QStringLiteral("watch"),
+        QStringLiteral("Goes on with new files of the job, until a signal ends it."));
+    parser.addOptions(
+        {merge, replay, watch, check, list, zero, example, threads, quiet, verbose, again, shard});
     parser.addPositionalArgument(QStringLiteral("JOB.toml"),
                                  QStringLiteral("Spectra, points and conditions."));
     if (!parser.parse(QCoreApplication::arguments()))
@@ -117,6 +133,11 @@ QString readOptions(QCommandLineParser& parser, Options& options)
     }
     options.run.verbose = parser.isSet(verbose);
     options.run.again = parser.isSet(again);
+    options.run.watch = parser.isSet(watch);
+    options.merge = parser.isSet(merge);
+    options.replay = parser.value(replay);
+    if (options.merge + parser.isSet(shard) + parser.isSet(replay) + options.run.watch > 1)
+        return QStringLiteral("--shard, --merge, --replay and --watch exclude one another.");
     if (parser.isSet(shard)) {
         const std::optional<Shard> given = Shard::fromText(parser.value(shard));
         if (!given)
@@ -126,6 +147,9 @@ QString readOptions(QCommandLineParser& parser, Options& options)
     }
     const QStringList jobs = parser.positionalArguments();
     options.job = jobs.value(0);
+    options.names = jobs;
+    if (!options.replay.isEmpty())
+        return {};
     if (jobs.size() != 1 && !options.help && !options.version && !options.showTemplate)
         return QStringLiteral("One job file is expected: drovik-batch JOB.toml");
     return {};
@@ -146,6 +170,8 @@ int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
         return console::print(jobTemplate())
                    ? static_cast<int>(ExitStatus::Done)
                    : complain(QStringLiteral("The job cannot be written."), ExitStatus::FileFailed);
+    if (!options.replay.isEmpty())
+        return replayRecord(options.replay, options.names, options.run);
     JobError error;
     const std::optional<QByteArray> text = readJobText(options.job, error);
     const std::optional<Job> job =
@@ -156,6 +182,8 @@ int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
         application.reset();
         application = pictureApplication(argc, argv);
     }
+    if (options.merge && !job->output.path.isEmpty())
+        return mergeShards(options.job, *text, *job, options.run);
     if (!job->output.path.isEmpty())
         return analyseTargets(options.job, *text, *job, options.run);
     if (options.run.listOnly)

@@ -6,6 +6,7 @@
 #include "input/MapLines.h"
 #include "system/PixelArray.h"
 #include "system/Workers.h"
+#include "tests/support/MapTable.h"
 #include "text/NumberField.h"
 #include "text/NumberText.h"
 
@@ -24,22 +25,6 @@ namespace
 {
 
 constexpr std::size_t million = 1000000;
-
-PointRows tableOfFour()
-{
-    PointRows rows;
-    for (const double energy : mapEnergies()) {
-        PointRow row;
-        row.use = true;
-        row.vPoint = energy == 8390.0;
-        row.energy = energy;
-        row.mut1 = muT({}, Measurement::Ref1, energy);
-        row.mut2 = muT({}, Measurement::Ref2, energy);
-        row.mutBlank = muT({}, Measurement::Blank, energy);
-        rows.push_back(row);
-    }
-    return rows;
-}
 
 /// Lines of 2D data whose I0 of 0 spares both ways the logarithm, and sixteen bytes behind them.
 QByteArray mapText()
@@ -78,7 +63,7 @@ void readNumbers(benchmark::State& state, Parse parse)
 /// vectors of, for the same two processors.
 void solve(benchmark::State& state)
 {
-    const PointRows rows = tableOfFour();
+    const PointRows rows = mapTable();
     const PointChoice choice = choosePoints(rows);
     const FourPointLeastSquares method(rows, choice);
     const VPointFraction fraction = vPointFraction(rows, choice, 1.1);

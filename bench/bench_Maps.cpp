@@ -5,6 +5,7 @@
 #include "input/KnownPositions.h"
 #include "input/MapReader.h"
 #include "results/ResultFile.h"
+#include "tests/support/MapTable.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -17,20 +18,7 @@ namespace
 
 const PointRows& table()
 {
-    static const PointRows rows = [] {
-        PointRows made;
-        for (const double energy : mapEnergies()) {
-            PointRow row;
-            row.use = true;
-            row.vPoint = energy == 8390.0;
-            row.energy = energy;
-            row.mut1 = muT({}, Measurement::Ref1, energy);
-            row.mut2 = muT({}, Measurement::Ref2, energy);
-            row.mutBlank = muT({}, Measurement::Blank, energy);
-            made.push_back(row);
-        }
-        return made;
-    }();
+    static const PointRows rows = mapTable();
     return rows;
 }
 

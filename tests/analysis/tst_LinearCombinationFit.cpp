@@ -14,6 +14,8 @@
 namespace
 {
 
+constexpr double tolerance = 1e-12;
+
 /// A spectrum whose lines are 0 and 1, so that its normalized values are its mu-t.
 FittedSpectrum unit(const SpectrumPoints& points)
 {
@@ -43,11 +45,6 @@ PointRow marked(double energy, bool tRatio = true)
     row.energy = energy;
     row.tRatio = tRatio;
     return row;
-}
-
-bool close(double found, double expected)
-{
-    return std::abs(found - expected) < 1e-12;
 }
 
 formulas::Victreen literal(const VictreenLine& line)
@@ -146,12 +143,12 @@ void tst_LinearCombinationFit::mixtureByHand()
 {
     const LinearCombination fit =
         fitLinearCombination(unit(points1), unit(points2), unit(mixture()), {10, 40});
-    QVERIFY(close(fit.p1, 2));
-    QVERIFY(close(fit.p2, 3));
-    QVERIFY(close(fit.p3, 0.5));
-    QVERIFY(close(fit.share1(), 0.4));
-    QVERIFY(close(fit.share2(), 0.6));
-    QVERIFY(close(fit.valence({2, 3}), 2.6));
+    QVERIFY(within(tolerance, fit.p1, 2));
+    QVERIFY(within(tolerance, fit.p2, 3));
+    QVERIFY(within(tolerance, fit.p3, 0.5));
+    QVERIFY(within(tolerance, fit.share1(), 0.4));
+    QVERIFY(within(tolerance, fit.share2(), 0.6));
+    QVERIFY(within(tolerance, fit.valence({2, 3}), 2.6));
 }
 
 void tst_LinearCombinationFit::curveFollowsTheTargetsPoints()
@@ -179,9 +176,9 @@ void tst_LinearCombinationFit::targetIsNormalizedAtItsOwnPoints()
     target.postVic = {5, 0, 0};
     const LinearCombination fit =
         fitLinearCombination(unit(points1), unit(points2), target, {10, 40});
-    QVERIFY(close(fit.p1, 0.5));
-    QVERIFY(close(fit.p2, 0.75));
-    QVERIFY(close(fit.p3, -0.125));
+    QVERIFY(within(tolerance, fit.p1, 0.5));
+    QVERIFY(within(tolerance, fit.p2, 0.75));
+    QVERIFY(within(tolerance, fit.p3, -0.125));
 }
 
 void tst_LinearCombinationFit::endsOfTheRangeAreIncluded()
@@ -218,9 +215,9 @@ void tst_LinearCombinationFit::referencesAreInterpolated()
         target.push_back({0, energy, 0.25 * ref1 + 0.5 * ref2});
     const LinearCombination fit =
         fitLinearCombination(unit(coarse1), unit(coarse2), unit(target), {0, 100});
-    QVERIFY(close(fit.p1, 0.25));
-    QVERIFY(close(fit.p2, 0.5));
-    QVERIFY(close(fit.p3, 0));
+    QVERIFY(within(tolerance, fit.p1, 0.25));
+    QVERIFY(within(tolerance, fit.p2, 0.5));
+    QVERIFY(within(tolerance, fit.p3, 0));
 }
 
 void tst_LinearCombinationFit::uncoveredEnergiesCountAsZero()
@@ -231,10 +228,10 @@ void tst_LinearCombinationFit::uncoveredEnergiesCountAsZero()
     const LinearCombination fit =
         fitLinearCombination(unit(points1), unit(points2), unit(target), {0, 100});
     QCOMPARE(fit.curve.size(), std::size_t{6});
-    QVERIFY(close(fit.p1, 2));
-    QVERIFY(close(fit.p2, 3));
-    QVERIFY(close(fit.p3, 0.5));
-    QVERIFY(close(fit.curve.front().mut, 0.5));
+    QVERIFY(within(tolerance, fit.p1, 2));
+    QVERIFY(within(tolerance, fit.p2, 3));
+    QVERIFY(within(tolerance, fit.p3, 0.5));
+    QVERIFY(within(tolerance, fit.curve.front().mut, 0.5));
 }
 
 // Two states with other shapes between the fit ranges, on backgrounds and of thicknesses of their

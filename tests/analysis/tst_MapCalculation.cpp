@@ -4,6 +4,7 @@
 #include "tests/support/AddressLimit.h"
 #include "tests/support/PlainMapMethods.h"
 #include "tests/support/Random.h"
+#include "tests/support/TableRow.h"
 
 #include <QtTest>
 
@@ -100,23 +101,12 @@ QString difference(const Case& test, const MapResults& results)
     return {};
 }
 
-PointRow row(double energy, double mut1, double mut2, bool vPoint = false)
-{
-    PointRow result;
-    result.use = true;
-    result.vPoint = vPoint;
-    result.energy = energy;
-    result.mut1 = mut1;
-    result.mut2 = mut2;
-    return result;
-}
-
 /// Iron between two oxides: rows as they are measured.
 PointRows ironRows(std::size_t count)
 {
-    const PointRows all = {row(7090, -1.40839, -1.35304),        row(7130.2, 0.41099, 0.406381),
-                           row(7124, 0.143478, -0.574742, true), row(7157.1, -0.174796, -0.166428),
-                           row(7181.7, 0.0485119, 0.0499337),    row(7050, -1.44133, -1.38753)};
+    const PointRows all = {row(7090, -1.40839, -1.35304),     row(7130.2, 0.41099, 0.406381),
+                           vRow(7124, 0.143478, -0.574742),   row(7157.1, -0.174796, -0.166428),
+                           row(7181.7, 0.0485119, 0.0499337), row(7050, -1.44133, -1.38753)};
     return {all.begin(), all.begin() + static_cast<std::ptrdiff_t>(count)};
 }
 
@@ -156,8 +146,8 @@ Case randomCase(Engine& random, int columns, int rows)
     const std::size_t normalization = test.method == Method::ThreePoint ? 2 : 3 + random() % 5;
     const std::size_t v = random() % (normalization + 1);
     for (std::size_t i = 0; i <= normalization; ++i) {
-        PointRow point =
-            row(randomEnergy(random), randomValue(random), randomValue(random), i == v);
+        PointRow point = row(randomEnergy(random), randomValue(random), randomValue(random));
+        point.vPoint = i == v;
         point.mutBlank = random() % 2 == 0 ? 0.0 : randomValue(random);
         point.useVicTarget = random() % 2 == 0; // must not matter to a map
         test.points.push_back(point);
@@ -482,7 +472,7 @@ void tst_MapCalculation::energiesOfZero()
         test.points.push_back(row(0.0, target, target + 1.0));
         test.images.push_back({{target}, 1});
     }
-    test.points.push_back(row(8390.0, 0.9, 0.4, true));
+    test.points.push_back(vRow(8390.0, 0.9, 0.4));
     test.images.push_back({{0.75}, 1});
     MapResults results;
     QVERIFY(calculatePixels(test.task(), results));

@@ -1,5 +1,6 @@
 #include "analysis/MapRun.h"
 #include "tests/support/Exact.h"
+#include "tests/support/TableRow.h"
 
 #include <QtTest>
 
@@ -9,23 +10,6 @@ namespace
 {
 
 using Values = std::vector<double>;
-
-PointRow row(double energy, double mut1, double mut2)
-{
-    PointRow made;
-    made.use = true;
-    made.energy = energy;
-    made.mut1 = mut1;
-    made.mut2 = mut2;
-    return made;
-}
-
-PointRow vRow(double energy, double mut1, double mut2)
-{
-    PointRow made = row(energy, mut1, mut2);
-    made.vPoint = true;
-    return made;
-}
 
 /// Points 0 and 4 eV make a map's edge jump of 1.
 FittedSpectrum valid()

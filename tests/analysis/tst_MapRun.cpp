@@ -2,6 +2,7 @@
 #include "tests/support/AddressLimit.h"
 #include "tests/support/Exact.h"
 #include "tests/support/FailingMemory.h"
+#include "tests/support/TableRow.h"
 
 #include <QtTest>
 
@@ -15,17 +16,6 @@ const std::optional<Refusal> noRefusal;
 constexpr int columns = 300;
 constexpr int rows = 90; // two tasks of a calculation
 
-PointRow row(double energy, double mut1, double mut2, bool vPoint)
-{
-    PointRow result;
-    result.use = true;
-    result.vPoint = vPoint;
-    result.energy = energy;
-    result.mut1 = mut1;
-    result.mut2 = mut2;
-    return result;
-}
-
 /// A three-point map of values all over the histograms, and beyond them.
 class Map
 {
@@ -37,8 +27,7 @@ public:
             for (std::size_t k = 0; k < count; ++k)
                 m_values[i].push_back(0.3 * static_cast<double>(i) +
                                       0.001 * static_cast<double>((k * (i + 3)) % 1009));
-        task.points = {row(8313, -1.0, -1.1, false), row(8390, 0.9, 0.4, true),
-                       row(8460, 0.5, 0.55, false)};
+        task.points = {row(8313, -1.0, -1.1), vRow(8390, 0.9, 0.4), row(8460, 0.5, 0.55)};
         task.choice = choosePoints(task.points);
         for (const std::vector<double>& values : m_values)
             task.images.push_back({values.data(), values.size(), width});
@@ -202,7 +191,8 @@ void tst_MapRun::tooManyBoxesOfEither()
     const HistogramSettings tooMany{1.5, 3.5, 10000001, false};
     for (const auto& [ofA, ofT] : {std::pair(few, tooMany), std::pair(tooMany, few)}) {
         const MapHistograms histograms{kept.valence, kept.thickness, ofA, ofT, {2.0, 3.0}};
-        QCOMPARE(checkMap(map.task, kept.results, histograms), std::optional(Refusal::TooManyBoxes));
+        QCOMPARE(checkMap(map.task, kept.results, histograms),
+                 std::optional(Refusal::TooManyBoxes));
         QCOMPARE(calculateMap(map.task, kept.results, histograms, workers),
                  std::optional(Refusal::TooManyBoxes));
     }

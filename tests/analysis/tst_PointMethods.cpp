@@ -5,6 +5,7 @@
 #include "tests/model/LiteralFormulas.h"
 #include "tests/support/Exact.h"
 #include "tests/support/Random.h"
+#include "tests/support/TableRow.h"
 
 #include <QtTest>
 
@@ -12,25 +13,6 @@
 
 namespace
 {
-
-/// Point of the table with a reference value each; without a blank unless set afterwards.
-PointRow row(double energy, double mut1, double mut2, double target = 0.0)
-{
-    PointRow made;
-    made.use = true;
-    made.energy = energy;
-    made.mut1 = mut1;
-    made.mut2 = mut2;
-    made.mutTarget = target;
-    return made;
-}
-
-PointRow vRow(double energy, double mut1, double mut2, double target = 0.0)
-{
-    PointRow made = row(energy, mut1, mut2, target);
-    made.vPoint = true;
-    return made;
-}
 
 /// Two normalization points and the V point; all values are sums of powers of two.
 PointRows threeRows()

@@ -1,6 +1,7 @@
 #include "analysis/LinearCombinationFit.h"
 #include "analysis/TargetResult.h"
 #include "tests/support/Exact.h"
+#include "tests/support/TableRow.h"
 
 #include <QtTest>
 
@@ -10,23 +11,7 @@
 namespace
 {
 
-PointRow row(double energy, double mut1, double mut2, double target)
-{
-    PointRow made;
-    made.use = true;
-    made.energy = energy;
-    made.mut1 = mut1;
-    made.mut2 = mut2;
-    made.mutTarget = target;
-    return made;
-}
-
-PointRow vRow(double energy, double mut1, double mut2, double target)
-{
-    PointRow made = row(energy, mut1, mut2, target);
-    made.vPoint = true;
-    return made;
-}
+constexpr double tolerance = 1e-9;
 
 /// A spectrum whose jump at the edge has this height.
 FittedSpectrum withJump(double jump)
@@ -90,11 +75,6 @@ bool isRefused(const AnalysisInput& input, Refusal reason, int rows)
     return refusal != nullptr && refusal->reason == reason && refusal->rowsInUse == rows;
 }
 
-bool close(double found, double expected)
-{
-    return std::abs(found - expected) < 1e-9;
-}
-
 } // namespace
 
 class tst_TargetResult : public QObject
@@ -143,9 +123,9 @@ void tst_TargetResult::fourPointsLeastSquares()
 {
     const TargetResult result = resultOf(Case(fourRows()));
     QCOMPARE(result.method, Method::FourPointLeastSquares);
-    QVERIFY2(close(result.a, 0.25), qPrintable(QString::number(result.a, 'g', 17)));
-    QVERIFY(close(result.valence, 2.75));
-    QVERIFY(close(result.thickness, 1.0));
+    QVERIFY2(within(tolerance, result.a, 0.25), qPrintable(QString::number(result.a, 'g', 17)));
+    QVERIFY(within(tolerance, result.valence, 2.75));
+    QVERIFY(within(tolerance, result.thickness, 1.0));
     QVERIFY(result.ratios);
 }
 
@@ -155,11 +135,11 @@ void tst_TargetResult::fivePointsLeastSquares()
 {
     Case made(fourRows());
     made.table.push_back(row(6.0, 1.5, 1.5, 4.75)); // 0.5 S + 0.25 + 0.5 E
-    QVERIFY(close(resultOf(made).a, 0.25));
+    QVERIFY(within(tolerance, resultOf(made).a, 0.25));
     made.table.back().mutTarget = 4.5;
     const TargetResult result = resultOf(made);
     QCOMPARE(result.method, Method::FourPointLeastSquares);
-    QVERIFY(!close(result.a, 0.25));
+    QVERIFY(!within(tolerance, result.a, 0.25));
 }
 
 /// With rho = 3 for 1 the fraction is (R2 rho - rho u 0.875) / (R2 rho - R1), u = 2 / (rho + 1):
@@ -171,7 +151,7 @@ void tst_TargetResult::ratioIsTheChosenOne()
     made.conditions.thickness = ThicknessType::EdgeJumps;
     const TargetResult result = resultOf(made);
     COMPARE_EXACT(result.ratios->trVic2, 3.0);
-    QVERIFY2(close(result.a, 0.675), qPrintable(QString::number(result.a, 'g', 17)));
+    QVERIFY2(within(tolerance, result.a, 0.675), qPrintable(QString::number(result.a, 'g', 17)));
     COMPARE_EXACT(result.thickness, 1.0);
 }
 
@@ -305,15 +285,15 @@ void tst_TargetResult::fitByHand()
     const auto outcome = lcfResult(made.input());
     QVERIFY(std::holds_alternative<LinearCombination>(outcome));
     const auto& fit = std::get<LinearCombination>(outcome);
-    QVERIFY(close(fit.p1, 0.25));
-    QVERIFY(close(fit.p2, 0.75));
-    QVERIFY(close(fit.p3, 0.0));
-    QVERIFY(close(fit.share1(), 0.25));
-    QVERIFY(close(fit.valence({2.0, 3.0}), 2.75));
+    QVERIFY(within(tolerance, fit.p1, 0.25));
+    QVERIFY(within(tolerance, fit.p2, 0.75));
+    QVERIFY(within(tolerance, fit.p3, 0.0));
+    QVERIFY(within(tolerance, fit.share1(), 0.25));
+    QVERIFY(within(tolerance, fit.valence({2.0, 3.0}), 2.75));
     QCOMPARE(fit.curve.size(), std::size_t{5});
     for (std::size_t i = 0; i < fit.curve.size(); ++i) {
         COMPARE_EXACT(fit.curve[i].energy, mixture[i].energy);
-        QVERIFY(close(fit.curve[i].mut, mixture[i].mut));
+        QVERIFY(within(tolerance, fit.curve[i].mut, mixture[i].mut));
     }
 }
 

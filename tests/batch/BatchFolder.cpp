@@ -5,6 +5,7 @@
 #include "tests/support/Files.h"
 
 #include <QDir>
+#include <QDirIterator>
 
 const QByteArray BatchFolder::points =
     "[[point]]\nenergy = 8313\nt_ratio = true\n[[point]]\nenergy = 8381\nt_ratio = true\n"
@@ -47,6 +48,33 @@ void BatchFolder::addTargets(int count, const char* prefix) const
         const QByteArray name = prefix + QByteArray::number(i).rightJustified(4, '0');
         write("scans/" + name + ".dat", "  " + name + '\n' + scan);
     }
+}
+
+QByteArray BatchFolder::addMap(const char* name) const
+{
+    QDir(path()).mkpath(QStringLiteral("images"));
+    for (int row = 1; row <= 4; ++row) {
+        QByteArray text = "# AXIS 0 a b c d 3\n# AXIS 1 a b c d 2\n";
+        for (int pixel = 0; pixel < 6; ++pixel)
+            text += QByteArray::number(pixel % 3) + ' ' + QByteArray::number(pixel / 3) + ' ' +
+                    QByteArray::number(900 - 90 * row - 7 * pixel * row) + " 1000\n";
+        write(("images/" + QByteArray(name) + '_' + QByteArray::number(row) + ".txt").constData(),
+              text);
+    }
+    return "[[map]]\nname = \"" + QByteArray(name) + "\"\npattern = \"images/" + name +
+           "_{row}.txt\"\n";
+}
+
+QMap<QString, QByteArray> BatchFolder::resultFiles() const
+{
+    QMap<QString, QByteArray> files;
+    QDirIterator it(file("results"), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString name = QDir(file("results")).relativeFilePath(it.next());
+        if (!name.contains(QStringLiteral(".sqlite")))
+            files[name] = contents(it.filePath());
+    }
+    return files;
 }
 
 BatchOutput BatchFolder::run(const QStringList& arguments) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QMap>
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -33,6 +34,12 @@ public:
     void write(const char* name, const QByteArray& text) const;
     /// Makes "scans/PREFIX0000.dat" and so on, copies of 35.dat with a comment of their own.
     void addTargets(int count, const char* prefix = "copy") const;
+
+    /// Makes images of a map, "images/NAME_1.txt" to "images/NAME_4.txt", of 3 x 2 pixels.
+    /// @return the job's table of the map
+    QByteArray addMap(const char* name) const;
+    /// The bytes of all files in the output folder that are results; not records, not locks.
+    QMap<QString, QByteArray> resultFiles() const;
 
     /// Runs the program to its end, with "job.toml" behind the arguments.
     BatchOutput run(const QStringList& arguments = {}) const;

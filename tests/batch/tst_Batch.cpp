@@ -158,10 +158,7 @@ private:
 
     QString write(const QString& name, const QByteArray& text) const
     {
-        const QString path = m_dir.filePath(name);
-        QFile file(path);
-        return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() ? path
-                                                                                  : QString();
+        return create(m_dir.filePath(name), text);
     }
     Output run(const QStringList& arguments) const { return runBatch(arguments, m_dir.path()); }
 

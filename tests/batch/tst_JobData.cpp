@@ -1,4 +1,5 @@
 #include "batch/JobData.h"
+#include "tests/support/Files.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -63,10 +64,7 @@ private:
 
 QString tst_JobData::file(const char* name, const QByteArray& text) const
 {
-    QFile file(m_dir.filePath(QLatin1String(name)));
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
-        qFatal("cannot write");
-    return file.fileName();
+    return create(m_dir.filePath(QLatin1String(name)), text);
 }
 
 void tst_JobData::mapsOfOneScanKeepItsPositionsOnce()

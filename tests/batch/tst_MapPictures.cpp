@@ -1,5 +1,8 @@
 #include "batch/MapPictures.h"
 #include "batch/MapReadOut.h"
+#include "batch/MapsRun.h"
+#include "examples/MapSample.h"
+#include "examples/MixedSampleFiles.h"
 #include "tests/support/SmallMap.h"
 
 #include <QImage>
@@ -103,6 +106,8 @@ private slots:
     void readOutOfALargeMapHasBlocks();
     void readOutSurvivesItsBytes();
     void bytesThatAreNoReadOutAreRefused();
+    void mapOfAJobHasItsPictures_data();
+    void mapOfAJobHasItsPictures();
 };
 
 void TestMapPictures::allPicturesAreWritten()
@@ -242,6 +247,50 @@ void TestMapPictures::bytesThatAreNoReadOutAreRefused()
     large[4] = '\x7f'; // columns beyond all
     QVERIFY(!readOutFromBytes(large).has_value());
     QVERIFY(!readOutFromBytes(QByteArray(100, 'x')).has_value());
+}
+
+void TestMapPictures::mapOfAJobHasItsPictures_data()
+{
+    QTest::addColumn<QByteArray>("output");
+    QTest::addColumn<int>("points");
+    QTest::addColumn<int>("files");
+    QTest::newRow("pictures") << QByteArray("pictures = true") << 4 << 1 + 2 + 6;
+    QTest::newRow("pictures alone") << QByteArray("pictures = true\nmap_files = false") << 4 << 6;
+    QTest::newRow("three points") << QByteArray("pictures = true") << 3 << 1 + 2 + 2;
+    QTest::newRow("none") << QByteArray("pictures = false") << 4 << 1 + 2;
+}
+
+void TestMapPictures::mapOfAJobHasItsPictures()
+{
+    QFETCH(QByteArray, output);
+    QFETCH(int, points);
+    QFETCH(int, files);
+    const QTemporaryDir folder;
+    QCOMPARE(writeSample(folder.path(), MixedSample(), std::nullopt), QString());
+    QCOMPARE(writeMap(folder.path(), MapSample()), QString());
+    QByteArray text = "[files]\nref1 = \"ref1.dat\"\nref2 = \"ref2.dat\"\n"
+                      "blank = \"blank.dat\"\n"
+                      "[conditions]\nreferences_minus_victreen = false\n"
+                      "[output]\nfolder = \"results\"\n" +
+                      output +
+                      "\n[[map]]\nname = \"a\"\npattern = \"map_{row}.dat\"\n"
+                      "[[point]]\nenergy = 8313\n[[point]]\nenergy = 8381\n"
+                      "[[point]]\nenergy = 8390\nv_point = true\n";
+    if (points == 4)
+        text += "[[point]]\nenergy = 8404.5\n";
+    JobError error;
+    const std::optional<Job> job = parseJob(text, folder.path(), error);
+    QVERIFY2(job, qPrintable(error.reason));
+    const auto maps = mapList(*job, error);
+    const auto common = readJobData(*job, error);
+    QVERIFY2(maps && common, qPrintable(error.reason));
+    const MapOutcome outcome = analyseMap(*job, *common, maps->front(), Workers::shared());
+    QCOMPARE(outcome.failure, QString());
+    QCOMPARE(outcome.row.refusal, QString());
+    QCOMPARE(outcome.files.size(), files);
+    for (const QString& path : outcome.files)
+        QVERIFY2(QFileInfo(path).size() > 100, qPrintable(path));
+    QCOMPARE(readOutFromBytes(outcome.readOut).has_value(), output.contains("true"));
 }
 
 QTEST_MAIN(TestMapPictures)

@@ -138,6 +138,11 @@ void TestOutputWords::linesKeepTheirNumbers_data()
         << "a/s1.dat: Target File1 is not valid."
         << QString::fromUtf8("a/s1.dat: 試料のファイルが有効ではありません。");
     QTest::newRow("own") << "The map is too large." << QString::fromUtf8("マップが大きすぎます。");
+    QTest::newRow("ratios")
+        << "a: sbys = 1, mean = 2, lsA = 3, lsB = 4, lsA(NB) = 5, lsB(NB) = 6, Vic2 = -7"
+        << QString::fromUtf8("a: 和の比 = 1, 比の平均 = 2, 最小二乗 A = 3, 最小二乗 B = 4, "
+                             "最小二乗 A(ブランク差引なし) = 5, 最小二乗 B(ブランク差引なし) = 6, "
+                             "ビクトリーン = -7");
     QTest::newRow("not known") << "a: b"
                                << "a: b";
     QTest::newRow("a place in a name")

@@ -1,4 +1,5 @@
 #include "batch/ResultPath.h"
+#include "tests/support/Files.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -28,11 +29,7 @@ private:
     {
         return QFile::encodeName(in(QString::fromLatin1(name)));
     }
-    void put(const QString& name) const
-    {
-        QFile file(in(name));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("data") == 4);
-    }
+    void put(const QString& name) const { create(in(name), "data"); }
     /// A job that reads a file of every kind and writes a map.
     Job job(const QString& result) const;
     QString reason(const QString& result) const

@@ -1,3 +1,5 @@
+#include "tests/support/Files.h"
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -37,9 +39,7 @@ void write(const QTemporaryDir& tree, const QString& path, const QByteArray& tex
 {
     const QString whole = tree.filePath(path);
     QDir().mkpath(QFileInfo(whole).path());
-    QFile file(whole);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
-        qFatal("cannot write %s", qPrintable(whole));
+    create(whole, text);
 }
 
 /// What the check says of a tree, the lines joined; empty for a tree that is in order. Checks that

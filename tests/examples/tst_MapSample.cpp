@@ -1,6 +1,7 @@
 #include "analysis/ThicknessRatio.h"
 #include "examples/MapSample.h"
 #include "input/MapReader.h"
+#include "tests/support/MapTable.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -16,23 +17,6 @@ MapSample smallMap()
     map.columns = 5;
     map.rows = 3;
     return map;
-}
-
-/// The references at the map's energies, the third one the V point.
-PointRows table(const MixedSample& sample)
-{
-    PointRows rows;
-    for (const double energy : mapEnergies()) {
-        PointRow row;
-        row.use = true;
-        row.vPoint = rows.size() == 2;
-        row.energy = energy;
-        row.mut1 = muT(sample, Measurement::Ref1, energy);
-        row.mut2 = muT(sample, Measurement::Ref2, energy);
-        row.mutBlank = muT(sample, Measurement::Blank, energy);
-        rows.push_back(row);
-    }
-    return rows;
 }
 
 } // namespace
@@ -119,7 +103,7 @@ void tst_MapSample::mapGivesTheTruthBack()
     std::vector<MapData> data(4);
     MapTask task;
     task.method = exact ? Method::FourPointExact : Method::FourPointLeastSquares;
-    task.points = table(map.sample);
+    task.points = mapTable(map.sample);
     task.choice = choosePoints(task.points);
     task.rho = thicknessRatios(task.points, 0.0, 0.0).trSbyS;
     for (int i = 0; i < 4; ++i) {

@@ -39,19 +39,6 @@ void Image::loadBytes(const QByteArray& bytes)
     valid = columns > 0 && rows > 0 && !records.isEmpty();
 }
 
-void Image::takeHeader(const QString& line, const QStringList& tokens)
-{
-    header.append(line);
-    if (tokens.size() >= 8 && tokens[1].toUpper() == QStringLiteral("AXIS")) {
-        if (tokens[2].toInt() == 0)
-            columns = tokens[7].toInt();
-        else if (tokens[2].toInt() == 1)
-            rows = tokens[7].toInt();
-    }
-    if (tokens.size() >= 4 && tokens[1].toUpper() == QStringLiteral("ENERGY"))
-        energies.append(tokens[3]);
-}
-
 double Image::mutAt(qint64 i) const
 {
     if (i < 0 || i >= records.size())

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/PlainMapHeader.h"
+
 #include <QIODevice>
 #include <QString>
 #include <QStringList>
@@ -18,15 +20,11 @@ struct ImageRecord {
 };
 
 /// The 2D data of one energy point, read line by line.
-class Image
+class Image : public plain::MapHeader
 {
 public:
     bool valid = false;
-    QStringList header;
-    int columns = 0; ///< first axis
-    int rows = 0;    ///< second axis
     QVector<ImageRecord> records;
-    QStringList energies; ///< what the energy lines of the last file held, in file order
 
     /// An unreadable file makes the image invalid and leaves all else.
     void load(const QString& path);
@@ -34,9 +32,6 @@ public:
     void loadBytes(const QByteArray& bytes);
     /// The mu-t of pixel i: -1 outside the image.
     double mutAt(qint64 i) const;
-
-private:
-    void takeHeader(const QString& line, const QStringList& tokens);
 };
 
 } // namespace literal

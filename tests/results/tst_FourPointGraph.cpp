@@ -4,6 +4,7 @@
 #include "tests/support/Exact.h"
 #include "tests/support/GraphPanel.h"
 #include "tests/support/Random.h"
+#include "tests/support/TableRow.h"
 
 #include <QPainter>
 
@@ -18,25 +19,13 @@ const QColor cyan(0, 255, 255);
 const QColor red(255, 0, 0);
 const QColor blue(0, 0, 255);
 
-PointRow row(double energy, double mut1, double mut2, double target, bool vPoint = false)
-{
-    PointRow r;
-    r.use = true;
-    r.vPoint = vPoint;
-    r.energy = energy;
-    r.mut1 = mut1;
-    r.mut2 = mut2;
-    r.mutTarget = target;
-    return r;
-}
-
 // References of thickness 2 and 1 (rho 2): normalization points with an absorption of 1, 2 and 4
 // per thickness in both states, a V point with 3 in the first and 2 in the second. The target has
 // thickness 1.5, a quarter of the first state and no background.
 PointRows goodRows()
 {
     const double v = 1.5 * (0.25 * 3 + 0.75 * 2);
-    return {row(100, 2, 1, 1.5), row(110, 4, 2, 3), row(120, 6, 2, v, true), row(135, 8, 4, 6)};
+    return {row(100, 2, 1, 1.5), row(110, 4, 2, 3), vRow(120, 6, 2, v), row(135, 8, 4, 6)};
 }
 constexpr double goodRho = 2.0;
 
@@ -103,7 +92,8 @@ void TestFourPointGraph::fractionIsThatOfTheMethod()
         const int count = 4 + random.below(5);
         for (int k = 0; k < count; ++k)
             rows.push_back(row(100 + 10 * k, random.uniform(0.1, 3), random.uniform(0.1, 3),
-                               random.uniform(0.1, 3), k == 2));
+                               random.uniform(0.1, 3)));
+        rows[2].vPoint = true;
         const double rho = random.uniform(0.2, 3);
         const PointChoice choice = choosePoints(rows);
         std::vector<double> targets;

@@ -13,6 +13,12 @@ inline bool same(double a, double b)
     return a == b && std::signbit(a) == std::signbit(b);
 }
 
+/// Equal but for a difference of at most this size.
+inline bool within(double difference, double found, double expected)
+{
+    return std::abs(found - expected) <= difference;
+}
+
 /// QCOMPARE takes doubles that differ by 1e-12 of their size for equal; this one does not.
 #define COMPARE_EXACT(found, expected)                                                             \
     QVERIFY2(same(found, expected),                                                                \

@@ -12,9 +12,11 @@ inline QByteArray contents(const QString& path)
 }
 
 /// Makes a file of these bytes; the test ends where it cannot.
-inline void create(const QString& path, const QByteArray& bytes)
+/// @return its path
+inline QString create(const QString& path, const QByteArray& bytes)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
         qFatal("%s cannot be written", qPrintable(path));
+    return path;
 }

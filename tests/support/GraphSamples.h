@@ -9,6 +9,7 @@
 #include "results/LcfGraph.h"
 #include "results/MutsGraph.h"
 #include "results/ThicknessGraph.h"
+#include "tests/support/TableRow.h"
 
 #include <QColor>
 #include <QPainter>
@@ -177,19 +178,8 @@ inline Sample thicknessAgainstValence()
 /// References of thickness 2 and 1, a target of a quarter of the first state.
 inline Sample fourPoints()
 {
-    const auto row = [](double energy, double mut1, double mut2, double target, bool vPoint) {
-        PointRow r;
-        r.use = true;
-        r.vPoint = vPoint;
-        r.energy = energy;
-        r.mut1 = mut1;
-        r.mut2 = mut2;
-        r.mutTarget = target;
-        return r;
-    };
-    const PointRows rows{row(100, 2, 1, 1.5, false), row(110, 4, 2, 3, false),
-                         row(120, 6, 2, 1.5 * (0.25 * 3 + 0.75 * 2), true),
-                         row(135, 8, 4, 6, false)};
+    const PointRows rows{row(100, 2, 1, 1.5), row(110, 4, 2, 3),
+                         vRow(120, 6, 2, 1.5 * (0.25 * 3 + 0.75 * 2)), row(135, 8, 4, 6)};
     return {"M2/M3",
             [rows](QPainter& painter, GraphFrame& frame) {
                 drawFourPointGraph(painter, frame, rows, 2.0);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "analysis/Spectrum.h"
+#include "tests/support/Files.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -78,10 +79,7 @@ inline QByteArray fileText(const SpectrumPoints& points)
 /// @return its path
 inline QString write(const QTemporaryDir& dir, const char* name, const QByteArray& bytes)
 {
-    QFile file(dir.filePath(QString::fromLatin1(name)));
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("%s cannot be written", name);
-    return file.fileName();
+    return create(dir.filePath(QString::fromLatin1(name)), bytes);
 }
 
 } // namespace spectra

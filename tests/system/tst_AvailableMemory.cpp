@@ -1,6 +1,7 @@
 #include "system/AvailableMemory.h"
 #include "system/GroupMemory.h"
 #include "tests/support/AddressLimit.h"
+#include "tests/support/Files.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -20,9 +21,7 @@ public:
     {
         const QString name = m_dir.path() + QLatin1String(path);
         QDir().mkpath(QFileInfo(name).path());
-        QFile file(name);
-        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
-            qFatal("%s cannot be written", path);
+        create(name, text);
     }
     std::string path() const { return m_dir.path().toStdString(); }
 

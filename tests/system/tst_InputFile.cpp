@@ -1,4 +1,5 @@
 #include "system/InputFile.h"
+#include "tests/support/Files.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,13 +12,6 @@
 
 namespace
 {
-
-void write(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("cannot write %s", qPrintable(path));
-}
 
 std::unique_ptr<InputFile> open(const QString& path)
 {
@@ -56,7 +50,7 @@ void tst_InputFile::init()
 {
     m_dir.reset(new QTemporaryDir);
     m_path = m_dir->filePath(QStringLiteral("スペクトル 1.dat"));
-    write(m_path, "0123456789");
+    create(m_path, "0123456789");
 }
 
 void tst_InputFile::anyPlaceOfAFile()
@@ -72,7 +66,7 @@ void tst_InputFile::anyPlaceOfAFile()
 
 void tst_InputFile::emptyFile()
 {
-    write(m_path, "");
+    create(m_path, "");
     const auto file = open(m_path);
     QVERIFY(file);
     QCOMPARE(file->size(), std::int64_t{0});
@@ -123,8 +117,8 @@ void tst_InputFile::reasons()
     QFETCH(int, error);
     QFETCH(QString, reason);
     const QDir folder(m_dir->path());
-    write(folder.filePath(QStringLiteral("file")), "1");
-    write(folder.filePath(QStringLiteral("forbidden")), "1");
+    create(folder.filePath(QStringLiteral("file")), "1");
+    create(folder.filePath(QStringLiteral("forbidden")), "1");
     QVERIFY(QFile::setPermissions(folder.filePath(QStringLiteral("forbidden")),
                                   QFileDevice::WriteOwner));
     const QString pipe = folder.filePath(QStringLiteral("pipe"));
@@ -169,7 +163,7 @@ void tst_InputFile::removedFileIsReadToTheEnd()
     const auto file = open(m_path);
     QVERIFY(file);
     QVERIFY(QFile::remove(m_path));
-    write(m_path, "another one");
+    create(m_path, "another one");
     QCOMPARE(read(*file, 10, 0), QByteArray("0123456789"));
 }
 

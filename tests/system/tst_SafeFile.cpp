@@ -15,13 +15,6 @@
 namespace
 {
 
-void put(const QString& path, const QByteArray& text)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
-        qFatal("no room for the test's files");
-}
-
 bool write(SafeFile& file, const QByteArray& text)
 {
     return file.write(text.constData(), text.size());
@@ -124,7 +117,7 @@ void tst_SafeFile::newFile()
 
 void tst_SafeFile::replacesOnlyWhenWhole()
 {
-    put(in("a.dat"), "earlier");
+    create(in("a.dat"), "earlier");
     SafeFile file(in("a.dat"));
     QVERIFY(file.open());
     QVERIFY(write(file, QByteArray(1000000, 'x')));
@@ -136,7 +129,7 @@ void tst_SafeFile::replacesOnlyWhenWhole()
 
 void tst_SafeFile::givenUp()
 {
-    put(in("a.dat"), "earlier");
+    create(in("a.dat"), "earlier");
     for (const char* const name : {"a.dat", "new.dat"}) {
         SafeFile file(in(name));
         QVERIFY(file.open());
@@ -148,7 +141,7 @@ void tst_SafeFile::givenUp()
 
 void tst_SafeFile::killedInTheMiddle()
 {
-    put(in("a.dat"), "earlier");
+    create(in("a.dat"), "earlier");
     int ready[2];
     QCOMPARE(pipe(ready), 0);
     const pid_t child = fork();
@@ -194,7 +187,7 @@ void tst_SafeFile::permissionsStay_data()
 void tst_SafeFile::permissionsStay()
 {
     QFETCH(unsigned, mode);
-    put(in("a.dat"), "earlier");
+    create(in("a.dat"), "earlier");
     setMode(in("a.dat"), mode);
     QVERIFY(written(in("a.dat"), "new"));
     QCOMPARE(modeOf(in("a.dat")), mode);
@@ -216,7 +209,7 @@ void tst_SafeFile::ownerStays()
 {
     if (geteuid() != 0)
         QSKIP("only the superuser writes the files of others and leaves them theirs");
-    put(in("a.dat"), "earlier");
+    create(in("a.dat"), "earlier");
     QCOMPARE(chown(QFile::encodeName(in("a.dat")).constData(), 1234, 2345), 0);
     QVERIFY(written(in("a.dat"), "new"));
     QCOMPARE(statusOf(in("a.dat")).st_uid, uid_t(1234));
@@ -235,7 +228,7 @@ void tst_SafeFile::linksStay()
     QFETCH(bool, exists);
     QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral("deep")));
     if (exists)
-        put(in("deep/target.dat"), "earlier");
+        create(in("deep/target.dat"), "earlier");
     QCOMPARE(symlink("deep/second", QFile::encodeName(in("first")).constData()), 0);
     QCOMPARE(symlink("target.dat", QFile::encodeName(in("deep/second")).constData()), 0);
     QVERIFY(written(in("first"), "new"));
@@ -247,7 +240,7 @@ void tst_SafeFile::linksStay()
 
 void tst_SafeFile::otherNamesKeepTheEarlierFile()
 {
-    put(in("a.dat"), "earlier");
+    create(in("a.dat"), "earlier");
     QCOMPARE(link(QFile::encodeName(in("a.dat")).constData(),
                   QFile::encodeName(in("b.dat")).constData()),
              0);
@@ -278,7 +271,7 @@ void tst_SafeFile::refused_data()
 void tst_SafeFile::refused()
 {
     QFETCH(QString, name);
-    put(in("a.dat"), "earlier");
+    create(in("a.dat"), "earlier");
     QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral("deep")));
     QCOMPARE(mkfifo(QFile::encodeName(in("pipe")).constData(), 0600), 0);
     QCOMPARE(symlink("circle", QFile::encodeName(in("circle")).constData()), 0);
@@ -296,7 +289,7 @@ void tst_SafeFile::refused()
 
 void tst_SafeFile::readOnlyFileIsRefused()
 {
-    put(in("a.dat"), "earlier");
+    create(in("a.dat"), "earlier");
     setMode(m_dir->path(), 0777);
     setMode(in("a.dat"), 0444);
     QCOMPARE(inAChild([this] { return SafeFile(in("a.dat")).open() ? 1 : 0; }), 0);
@@ -306,7 +299,7 @@ void tst_SafeFile::readOnlyFileIsRefused()
 /// Nothing can be made beside the file, which may be written: so it is, as users expect.
 void tst_SafeFile::folderWithoutPermission()
 {
-    put(in("a.dat"), "earlier and longer");
+    create(in("a.dat"), "earlier and longer");
     setMode(in("a.dat"), 0666);
     setMode(m_dir->path(), 0555);
     QCOMPARE(inAChild([this] { return written(in("a.dat"), "new") ? 0 : 1; }), 0);
@@ -321,7 +314,7 @@ void tst_SafeFile::stickyFolder()
 {
     if (geteuid() != 0)
         QSKIP("needs a file of another user");
-    put(in("a.dat"), "earlier and longer");
+    create(in("a.dat"), "earlier and longer");
     setMode(in("a.dat"), 0666);
     setMode(m_dir->path(), 01777);
     QCOMPARE(inAChild([this] { return written(in("a.dat"), "new") ? 0 : 1; }), 0);
@@ -347,7 +340,7 @@ void tst_SafeFile::devices()
 /// What the program prints goes on into the same file.
 void tst_SafeFile::ownOutputIsWrittenDirectly()
 {
-    put(in("a.dat"), "earlier");
+    create(in("a.dat"), "earlier");
     setMode(m_dir->path(), 0777);
     setMode(in("a.dat"), 0666);
     const ino_t before = statusOf(in("a.dat")).st_ino;
@@ -366,7 +359,7 @@ void tst_SafeFile::ownOutputIsWrittenDirectly()
 
 void tst_SafeFile::limitOfSize()
 {
-    put(in("a.dat"), "earlier");
+    create(in("a.dat"), "earlier");
     setMode(m_dir->path(), 0777);
     setMode(in("a.dat"), 0666);
     for (const int size : {101, 1000000}) {

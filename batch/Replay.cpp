@@ -1,0 +1,263 @@
+#include "batch/Replay.h"
+
+#include "batch/Console.h"
+#include "batch/JobKey.h"
+#include "batch/MapsRecord.h"
+#include "batch/SourceFile.h"
+#include "batch/TargetRow.h"
+#include "system/OrderedHandOver.h"
+#include "system/Signals.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <map>
+
+namespace
+{
+
+int complain(const QString& text, ExitStatus status = ExitStatus::BadJob)
+{
+    console::say(text);
+    return static_cast<int>(status);
+}
+
+/// A run of the record, with its job as it would be today.
+struct ReplayedRun {
+    Job job;
+    std::optional<JobData> common;
+    std::vector<MapJob> maps;
+    QStringList differences; ///< from what the run had, for all its rows
+};
+
+/// What the record says of one input, against the file of today.
+/// @param name  of the file, in what is said
+QString inputDifference(const QString& path, const QString& name,
+                        const std::optional<Digest>& recorded)
+{
+    QString why;
+    const auto source = SourceFile::open(path, why);
+    if (!source)
+        return recorded ? QStringLiteral("%1 is missing: %2").arg(name, why) : QString();
+    return source->digest() == recorded ? QString() : QStringLiteral("%1 changed").arg(name);
+}
+
+ReplayedRun replayed(const RecordedRun& run, const QString& record)
+{
+    ReplayedRun replay;
+    if (run.version != programVersion())
+        replay.differences +=
+            QStringLiteral("of version %1, this is %2")
+                .arg(QString::fromUtf8(run.version), QString::fromUtf8(programVersion()));
+    const QDir folder(QFileInfo(QFileInfo(record).absolutePath()).canonicalFilePath());
+    const QString place =
+        QFileInfo(QDir::cleanPath(folder.filePath(QFile::decodeName(run.jobFile)))).path();
+    JobError error;
+    auto job = parseJob(run.jobText, place, error);
+    if (!job) {
+        replay.differences += QStringLiteral("the job cannot be read: ") + error.reason;
+        return replay;
+    }
+    replay.job = *job;
+    replay.job.pictures = false;
+    for (const RecordedFile& input : run.inputs) {
+        const QString name = QString::fromUtf8(input.path);
+        const QString wrong = inputDifference(QDir(place).filePath(name), name, input.digest);
+        if (!wrong.isEmpty())
+            replay.differences += wrong;
+    }
+    replay.common = readJobData(replay.job, error);
+    if (const auto maps = mapList(replay.job, error))
+        replay.maps = *maps;
+    return replay;
+}
+
+QStringList figureDifferences(const QByteArrayList& columns, const QByteArrayList& before,
+                              const QByteArrayList& now)
+{
+    QStringList found;
+    for (int i = 0; i < columns.size(); ++i)
+        if (before[i] != now[i])
+            found +=
+                QStringLiteral("%1 was %2, is %3")
+                    .arg(QString::fromUtf8(columns[i]),
+                         before[i].isEmpty() ? QStringLiteral("nothing")
+                                             : QString::fromUtf8(before[i]),
+                         now[i].isEmpty() ? QStringLiteral("nothing") : QString::fromUtf8(now[i]));
+    return found;
+}
+
+QStringList targetDifferences(const ReplayedRun& run, const RecordedRow& row)
+{
+    const QString name = QString::fromUtf8(row.name());
+    const QString path = QDir(run.job.folder).filePath(name);
+    QStringList found = run.differences;
+    QString why;
+    const auto source = SourceFile::open(path, why);
+    const QString wrong = inputDifference(path, name, row.input);
+    if (!wrong.isEmpty())
+        found += wrong;
+    if (!wrong.isEmpty() || !run.common)
+        return found;
+    const TargetRow now =
+        source ? analyseTarget(run.job, *run.common, name, source->bytes())
+               : refusedTarget(name, QStringLiteral("cannot open %1: %2").arg(name, why));
+    return found + figureDifferences(targetColumns(), row.fields, targetFields(now));
+}
+
+/// The files of a map, against those that were written for it.
+QStringList fileDifferences(const RecordedRow& row, const RecordedRow& now)
+{
+    QStringList found;
+    for (const RecordedFile& file : now.outputs)
+        for (const RecordedFile& before : row.outputs)
+            if (before.path == file.path && before.digest != file.digest)
+                found += QStringLiteral("%1 would be another").arg(QFile::decodeName(file.path));
+    return found;
+}
+
+/// The map is calculated into a folder of its own.
+QStringList mapDifferences(const ReplayedRun& run, const RecordedRow& row, Workers& workers)
+{
+    QStringList found = run.differences;
+    for (const RecordedFile& image : row.inputs) {
+        const QString name = QFile::decodeName(image.path);
+        const QString wrong =
+            inputDifference(QDir(run.job.folder).filePath(name), name, image.digest);
+        if (!wrong.isEmpty())
+            found += wrong;
+    }
+    const QTemporaryDir folder;
+    PreparedJob prepared;
+    prepared.job = run.job;
+    prepared.job.output.path = folder.path();
+    if (!found.isEmpty() || !run.common)
+        return found;
+    for (const MapJob& map : run.maps)
+        if (map.name.toUtf8() == row.name()) {
+            const MapOutcome outcome = analyseMap(prepared.job, *run.common, map, workers);
+            found += figureDifferences(mapColumns(), row.fields, mapFields(outcome.row));
+            if (const auto now = recordedMap(prepared, map, outcome))
+                found += fileDifferences(row, *now);
+            return found;
+        }
+    return found + QStringList{QStringLiteral("its images are missing")};
+}
+
+class Replay
+{
+public:
+    Replay(RunRecord& record, const RunOptions& options)
+        : m_record(record), m_workers(options.threads > 0 ? options.threads : usualThreads())
+    {
+    }
+
+    /// @return a name that the record does not have; empty where it has all
+    QString choose(const QStringList& names);
+    int run();
+
+private:
+    const ReplayedRun& runOf(std::int64_t number);
+    void read(RowKind kind, const QByteArrayList& names);
+    bool tell(const QByteArray& name, const QStringList& differences);
+
+    RunRecord& m_record;
+    Workers m_workers;
+    QByteArrayList m_targets;
+    QByteArrayList m_maps;
+    std::map<std::int64_t, ReplayedRun> m_runs;
+    int m_same = 0;
+    int m_told = 0;
+};
+
+QString Replay::choose(const QStringList& names)
+{
+    m_targets = m_record.names(RowKind::Target);
+    m_maps = m_record.names(RowKind::Map);
+    if (names.isEmpty())
+        return {};
+    QByteArrayList targets;
+    QByteArrayList maps;
+    for (const QString& name : names) {
+        if (m_record.row(RowKind::Target, name.toUtf8()))
+            targets += name.toUtf8();
+        else if (m_record.row(RowKind::Map, name.toUtf8()))
+            maps += name.toUtf8();
+        else
+            return name;
+    }
+    m_targets = targets;
+    m_maps = maps;
+    return {};
+}
+
+const ReplayedRun& Replay::runOf(std::int64_t number)
+{
+    const auto known = m_runs.find(number);
+    if (known != m_runs.end())
+        return known->second;
+    return m_runs.emplace(number, replayed(m_record.run(number), m_record.path())).first->second;
+}
+
+bool Replay::tell(const QByteArray& name, const QStringList& differences)
+{
+    ++m_told;
+    m_same += differences.isEmpty() ? 1 : 0;
+    const QByteArray what = differences.isEmpty() ? QByteArray("the same")
+                                                  : differences.join(QStringLiteral("; ")).toUtf8();
+    return console::print(name + ": " + what + '\n');
+}
+
+int Replay::run()
+{
+    // The record is read by one thread; a thousand rows at a time are calculated by all.
+    constexpr int atOnce = 1000;
+    bool printed = true;
+    for (int from = 0; printed && from < m_targets.size() && stopSignal() == 0; from += atOnce) {
+        std::vector<std::pair<RecordedRow, const ReplayedRun*>> rows;
+        for (const QByteArray& name : m_targets.mid(from, atOnce))
+            if (auto row = m_record.row(RowKind::Target, name))
+                rows.emplace_back(std::move(*row), &runOf(row->run));
+        std::size_t told = 0;
+        printed = runInOrder<QStringList>(
+            m_workers, rows.size(),
+            [&](std::size_t i, unsigned, QStringList& differences) {
+                differences = targetDifferences(*rows[i].second, rows[i].first);
+                return true;
+            },
+            [&](const QStringList& differences) {
+                return tell(rows[told++].first.name(), differences);
+            });
+    }
+    for (int i = 0; printed && i < m_maps.size() && stopSignal() == 0; ++i)
+        if (const auto row = m_record.row(RowKind::Map, m_maps[i]))
+            printed = tell(m_maps[i], mapDifferences(runOf(row->run), *row, m_workers));
+    if (!printed)
+        return complain(QStringLiteral("The standard output cannot be written."),
+                        ExitStatus::FileFailed);
+    if (stopSignal() != 0)
+        return static_cast<int>(ExitStatus::Stopped) + stopSignal();
+    return static_cast<int>(m_same == m_told ? ExitStatus::Done : ExitStatus::SomeRefused);
+}
+
+} // namespace
+
+int replayRecord(const QString& path, const QStringList& names, const RunOptions& options)
+{
+    const QFileInfo file(path);
+    if (!file.isFile() || file.size() == 0)
+        return complain(QStringLiteral("there is no record %1").arg(path));
+    try {
+        // Where it may be written, what a kill left half done can be undone.
+        RunRecord record(file.absoluteFilePath(),
+                         file.isWritable() ? RunRecord::Access::Write : RunRecord::Access::Read);
+        keepStopSignals();
+        Replay replay(record, options);
+        if (const QString unknown = replay.choose(names); !unknown.isEmpty())
+            return complain(QStringLiteral("%1 is not in the record").arg(unknown));
+        return replay.run();
+    } catch (const RecordFailure& failure) {
+        return complain(failure.reason());
+    }
+}

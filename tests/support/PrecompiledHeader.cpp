@@ -1,0 +1,1 @@
+// Nothing: the precompiled header of the tests needs a source to belong to.
