@@ -14,7 +14,7 @@ constexpr double right = 776.0; // room for half a number
 constexpr double top = 12.0;
 constexpr double bottom = 270.0;
 constexpr std::size_t mostDots = 1000; // one for each target
-constexpr double crossArm = 3.0;
+constexpr double crossArm = 4.0;       // so that it shows behind a dot
 constexpr int xMarks = 8;
 constexpr int yMarks = 6;
 
@@ -142,7 +142,8 @@ QByteArray axes(const Trend& trend, const Range& range, std::size_t count, const
     const AxisMarks x = axisMarks(1.0, static_cast<double>(count), xMarks);
     for (std::size_t i = 0; i < x.values.size(); ++i)
         if (x.values[i] >= 1.0 && x.values[i] == std::floor(x.values[i]))
-            svg += text(trend.x(x.values[i] - 1.0), bottom + 18.0, "middle", x.texts[i].toLatin1());
+            svg += text(trend.x(x.values[i] - 1.0), bottom + 18.0, "middle",
+                        QByteArray::number(x.values[i], 'f', 0));
     if (x.values.empty())
         svg += text(trend.x(0.0), bottom + 18.0, "middle", "1");
     svg += text((left + right) / 2.0, bottom + 38.0, "middle",
@@ -178,8 +179,8 @@ QByteArray trendFigure(const std::vector<ReportTargets::Point>& points, const Ou
                       "aria-label=\"" +
                       htmlText(words("Valence of each target, in the order of the job")) + "\">\n";
     html += axes(trend, range, points.size(), words);
-    html += "<path class=\"points\" d=\"" + dots + "\"/>\n";
-    html += "<path class=\"lcf\" d=\"" + crosses + "\"/>\n</svg></div>\n<figcaption>";
+    html += "<path class=\"lcf\" d=\"" + crosses + "\"/>\n";
+    html += "<path class=\"points\" d=\"" + dots + "\"/>\n</svg></div>\n<figcaption>";
     html += key("points", "M7 7V7", words("point method"));
     html += key("lcf", trend.hasStrokes() ? "M7 2V12" : "M3 3l8 8m-8 0l8 -8",
                 words("linear combination fit"));
