@@ -69,7 +69,7 @@ struct Job {
     std::vector<JobFilePath> targets;
     std::vector<JobMap> maps;
     JobFilePath output;    ///< folder of the results of targets and maps
-    bool pictures = false; ///< the graphs and maps as files
+    bool pictures = false; ///< the graphs of all targets as files
     bool report = true;    ///< a page that shows all results
     bool mapFiles = true;  ///< result file and histogram files of each map
     Language language = Language::English;
@@ -100,6 +100,11 @@ struct Job {
     bool calculateTarget = true;
     bool calculateLcf = true;
     bool calculateMap = false; ///< and written, where there is a result file
+
+    /// The pictures of the maps are part of the report, too.
+    bool drawsMaps() const { return !maps.empty() && (pictures || report); }
+    /// The program needs fonts.
+    bool paints() const { return pictures || drawsMaps(); }
 };
 
 /// Why a job cannot be used, or what there is to doubt.

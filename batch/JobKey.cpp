@@ -17,7 +17,7 @@ const Names ofNoTarget{"files", "histogram", "map", "output"};
 const Names ofNoMap{"files", "map", "output"};
 
 /// Keys of [output] on which no file of a map depends.
-const Names ofNoMapFile{"folder", "report"};
+const Names ofNoMapFile{"folder"};
 
 void append(const toml::node& node, QByteArray& text);
 

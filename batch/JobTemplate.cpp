@@ -83,9 +83,9 @@ thickness = { from = -0.2, to = 1.2, boxes = 41 }
 # results.csv has a row for each target, maps.csv one for each map.
 [output]
 folder = "results"
-# All graphs and maps as PNG files.
+# The window's graphs of every target as PNG files.
 pictures = false
-# report.html, a page that shows all results.
+# report.html, a page that shows all results, with pictures of the maps.
 report = true
 # The result file and the histogram files of each map.
 map_files = true

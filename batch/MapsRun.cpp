@@ -35,7 +35,7 @@ public:
             describe();
             if (m_job.mapFiles)
                 writeFiles();
-            if (m_job.pictures && m_outcome.row.refusal.isEmpty())
+            if (m_job.drawsMaps() && m_outcome.row.refusal.isEmpty())
                 drawPictures();
         }
         return std::move(m_outcome);

@@ -30,9 +30,9 @@ QString mapFolder(const Job& job, const MapJob& map);
 QString mapResultFile(const Job& job, const MapJob& map);
 QString mapHistogramFile(const Job& job, const MapJob& map, const char* tag);
 
-/// Reads the images of a map, calculates it with the job's settings, and writes its files if the
-/// job wants any. An image that cannot be read refuses the map: it is never calculated with fewer
-/// points.
+/// Reads the images of a map, calculates it with the job's settings, and writes its files and
+/// pictures if the job wants any; pictures need a QGuiApplication (see batch/PictureApplication.h).
+/// An image that cannot be read refuses the map: it is never calculated with fewer points.
 /// @param common  of the job without targets and maps; its references and its blank are shared
 MapOutcome analyseMap(const Job& job, const JobData& common, const MapJob& map, Workers& workers);
 

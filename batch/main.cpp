@@ -178,7 +178,7 @@ int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
         text ? parseJob(*text, QFileInfo(options.job).absolutePath(), error) : std::nullopt;
     if (!job)
         return complain(errorText(options.job, error));
-    if (job->pictures) {
+    if (job->paints()) {
         application.reset();
         application = pictureApplication(argc, argv);
     }

@@ -339,6 +339,7 @@ void tst_JobFile::mapsAreTaken()
     QCOMPARE(job.points->at(1).energyText, QStringLiteral("8192"));
     QCOMPARE(job.output.path, QStringLiteral("/data/results"));
     QVERIFY(!job.pictures && job.report && job.mapFiles);
+    QVERIFY(job.paints()); // the maps, for the report
     QVERIFY(job.language == Language::English);
 }
 

@@ -44,6 +44,9 @@ private slots:
     void columnsAndRefusedRow();
     void filesAreThoseOfTheMap();
     void nothingIsWrittenWithoutMapFiles();
+    void picturesOfTheMap_data();
+    void picturesOfTheMap();
+    void pictureThatCannotBeWritten();
     void threadsChangeNothing();
     void badImageRefusesTheMap_data();
     void badImageRefusesTheMap();
@@ -93,7 +96,7 @@ Job tst_MapsRun::job(const QByteArray& maps, const QByteArray& more) const
                                "[[point]]\nenergy = 8313\n[[point]]\nenergy = 8381\n"
                                "[[point]]\nenergy = 8390\nv_point = true\n"
                                "[[point]]\nenergy = 8404.5\n"
-                               "[output]\nfolder = \"results\"\n" +
+                               "[output]\nfolder = \"results\"\nreport = false\n" +
                                more);
     JobError error;
     const std::optional<Job> made = readJob(in("job.toml"), error);
@@ -188,6 +191,58 @@ void tst_MapsRun::nothingIsWrittenWithoutMapFiles()
     QCOMPARE(outcome.row.refusal, QString());
     QCOMPARE(outcome.files, QStringList());
     QVERIFY(!QFileInfo::exists(in("results")));
+}
+
+void tst_MapsRun::picturesOfTheMap_data()
+{
+    QTest::addColumn<bool>("pictures");
+    QTest::addColumn<bool>("report");
+    QTest::addColumn<bool>("three");
+    QTest::newRow("pictures") << true << false << false;
+    QTest::newRow("report") << false << true << false;
+    QTest::newRow("neither") << false << false << false;
+    QTest::newRow("three points") << true << true << true;
+}
+
+/// The report shows the pictures, so that they are there for it, too.
+void tst_MapsRun::picturesOfTheMap()
+{
+    QFETCH(bool, pictures);
+    QFETCH(bool, report);
+    QFETCH(bool, three);
+    Job made = job(area, "map_files = false\n");
+    made.pictures = pictures;
+    made.report = report;
+    (*made.points)[1].use = !three;
+    QCOMPARE(made.drawsMaps(), pictures || report);
+    const MapOutcome outcome = analysed(made);
+    QStringList expected;
+    for (const char* name : {"valence", "thickness", "valence-by-thickness", "histogram-valence",
+                             "histogram-thickness", "t-a"}) {
+        const bool withoutThickness =
+            QByteArray(name).endsWith("valence") && !QByteArray(name).contains("thickness");
+        if ((pictures || report) && (!three || withoutThickness))
+            expected +=
+                in("results/maps/area 1/area 1-") + QLatin1String(name) + QStringLiteral(".png");
+    }
+    QCOMPARE(outcome.files, expected);
+    for (const QString& file : expected)
+        QVERIFY2(contents(file).startsWith("\x89PNG"), qPrintable(file));
+    QCOMPARE(outcome.readOut.isEmpty(), expected.isEmpty());
+    QVERIFY(!outcome.fileFailed);
+}
+
+void tst_MapsRun::pictureThatCannotBeWritten()
+{
+    const QString picture = in("results/maps/area 1/area 1-t-a.png");
+    QVERIFY(QDir().mkpath(picture));
+    Job made = job(area);
+    made.pictures = true;
+    const MapOutcome outcome = analysed(made);
+    QVERIFY(outcome.fileFailed);
+    QCOMPARE(outcome.failure, QStringLiteral("Can't write the file [%1]").arg(picture));
+    QCOMPARE(outcome.files.size(), 3 + 5);
+    QCOMPARE(outcome.row.refusal, QString());
 }
 
 void tst_MapsRun::threadsChangeNothing()
@@ -441,5 +496,5 @@ void tst_MapsRun::runEndsWhereItIsEnded()
     QCOMPARE(calls, 1);
 }
 
-QTEST_GUILESS_MAIN(tst_MapsRun)
+QTEST_MAIN(tst_MapsRun)
 #include "tst_MapsRun.moc"
