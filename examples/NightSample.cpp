@@ -68,9 +68,15 @@ std::vector<double> night::quickEnergies()
 std::vector<night::Map> night::maps()
 {
     const auto grain = [](int x, int y) { return isGrain(x, y) ? 0.95 : 0.1; };
-    const auto bands = [](int x, int) { return 0.25 * (x * 5 / columns); };
+    const auto bands = [](int x, int) {
+        const int band = x * 5 / columns;
+        return 0.25 * band;
+    };
     const auto even = [](int, int) { return 0.8; };
-    const auto steps = [](int, int y) { return 0.4 + 0.2 * (y * 4 / rows); };
+    const auto steps = [](int, int y) {
+        const int step = y * 4 / rows;
+        return 0.4 + 0.2 * step;
+    };
     return {{"wedge", columns, rows, rows, wedgeFraction, wedgeThickness},
             {"grain", columns, rows, rows, grain, even},
             {"bands", columns, rows, rows, bands, steps},
