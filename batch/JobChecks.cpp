@@ -114,6 +114,11 @@ void checkSpectrum(const SpectrumFacts& spectrum, const JobFacts& facts, Doubts&
               facts.postEdgeStartPlace, doubts);
 }
 
+bool isFarOutside(double a)
+{
+    return a < lowestFraction || a > highestFraction;
+}
+
 void checkFraction(const std::optional<double>& a, const std::optional<double>& valence,
                    const QString& method, Doubts& doubts)
 {
@@ -121,7 +126,7 @@ void checkFraction(const std::optional<double>& a, const std::optional<double>& 
         return;
     if (!std::isfinite(*a) || !std::isfinite(*valence))
         doubts.add({}, QStringLiteral("the result of %1 is no finite number").arg(method));
-    else if (*a < lowestFraction || *a > highestFraction)
+    else if (isFarOutside(*a))
         doubts.add({}, QStringLiteral("a = %1 of %2 is far outside 0 to 1").arg(*a).arg(method));
 }
 
@@ -134,6 +139,8 @@ std::vector<JobError> doubtsBefore(const JobFacts& facts)
     for (const SpectrumFacts& spectrum : facts.spectra)
         checkSpectrum(spectrum, facts, doubts);
     checkOverlap(facts.spectra, doubts);
+    if (facts.gridsDiffer)
+        doubts.add({}, QStringLiteral("the images of the map have different grids"));
     for (const QString& name : facts.missingForLcf)
         doubts.add({}, QStringLiteral("the linear combination fit has no %1").arg(name));
     if (facts.missingForLcf.empty() && facts.lcfPoints && *facts.lcfPoints < coefficients)
@@ -149,6 +156,9 @@ std::vector<JobError> doubtsAfter(const JobResults& results)
     Doubts doubts;
     if (!results.anyFinitePixel.value_or(true))
         doubts.add({}, QStringLiteral("no pixel of the map has a finite result"));
+    else if (results.medianA && isFarOutside(*results.medianA))
+        doubts.add({}, QStringLiteral("a = %1, the median of the map, is far outside 0 to 1")
+                           .arg(*results.medianA));
     checkFraction(results.a, results.valence, QStringLiteral("the point method"), doubts);
     checkFraction(results.lcfA, results.lcfValence, QStringLiteral("the linear combination fit"),
                   doubts);

@@ -34,6 +34,7 @@ struct JobFacts {
     JobPlace preEdgeEndPlace;
     JobPlace postEdgeStartPlace;
     std::vector<QString> missingForLcf; ///< names of the spectra that the fit lacks
+    bool gridsDiffer = false;           ///< of the images that a map uses
     std::optional<int> lcfPoints; ///< of the target in the range of the fit, if there is to be one
 };
 
@@ -44,12 +45,13 @@ struct JobResults {
     std::optional<double> lcfA;
     std::optional<double> lcfValence;
     std::optional<bool> anyFinitePixel; ///< of the map
+    std::optional<double> medianA;      ///< of the map's pixels
 };
 
 /// What a physicist would doubt before the calculation: energies that look like keV or that a
 /// spectrum does not reach, spectra whose energies fall or that have no range in common, an edge
-/// outside a spectrum whose lines are used, fits through too few points. Each with its place in the
-/// job, if it has one; empty where there is nothing to doubt.
+/// outside a spectrum whose lines are used, fits through too few points, images of several grids.
+/// Each with its place in the job, if it has one; empty where there is nothing to doubt.
 std::vector<JobError> doubtsBefore(const JobFacts& facts);
 
 /// What a physicist would doubt of the results: `a` far outside 0 to 1, what is no finite number.

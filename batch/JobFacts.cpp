@@ -3,6 +3,8 @@
 #include "analysis/LinearCombinationFit.h"
 
 #include <algorithm>
+#include <set>
+#include <utility>
 
 namespace
 {
@@ -42,6 +44,7 @@ public:
                 facts.missingForLcf.emplace_back(QLatin1String(spectrumKeys[i]));
         }
         facts.rows = rows();
+        facts.gridsDiffer = gridsDiffer();
         facts.lcfPoints = lcfPoints();
         return facts;
     }
@@ -104,6 +107,15 @@ private:
                 found.push_back({*points[i].energy, given ? (*m_job.points)[i].place : JobPlace()});
         }
         return found;
+    }
+
+    bool gridsDiffer() const
+    {
+        std::set<std::pair<int, int>> grids;
+        for (std::size_t i = 0; m_job.calculateMap && i < m_data.maps.size(); ++i)
+            if (m_data.maps[i].valid && m_data.settings.points[i].use)
+                grids.emplace(m_data.maps[i].columns, m_data.maps[i].rows);
+        return grids.size() > 1;
     }
 
     std::optional<int> lcfPoints() const

@@ -215,6 +215,10 @@ MapOutcome analyseMap(const Job& job, const JobData& common, const MapJob& map, 
     if (outcome.row.refusal.isEmpty()) {
         JobResults results;
         results.anyFinitePixel = outcome.row.isGood();
+        const ReferenceValences& valences = common.settings.valences;
+        if (const auto& median = outcome.row.summary.valence.median)
+            if (valences.ref1 != valences.ref2)
+                results.medianA = (*median - valences.ref2) / (valences.ref1 - valences.ref2);
         for (const JobError& doubt : doubtsAfter(results))
             outcome.row.warnings += doubt.reason;
     }

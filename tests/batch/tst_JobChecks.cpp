@@ -60,6 +60,7 @@ private slots:
     void fallingSpectrum();
     void spectraWithoutCommonEnergies();
     void linesThroughTooFewPoints();
+    void imagesOfSeveralGrids();
     void fitWithoutSpectra();
     void fitThroughTooFewPoints();
     void fractions_data();
@@ -192,6 +193,14 @@ void tst_JobChecks::linesThroughTooFewPoints()
                             "it needs 3")}));
 }
 
+void tst_JobChecks::imagesOfSeveralGrids()
+{
+    JobFacts facts = soundJob();
+    facts.gridsDiffer = true;
+    QCOMPARE(before(facts),
+             QStringList({QStringLiteral("job: the images of the map have different grids")}));
+}
+
 void tst_JobChecks::fitWithoutSpectra()
 {
     JobFacts facts = soundJob();
@@ -273,6 +282,16 @@ void tst_JobChecks::results()
     QVERIFY(!areFinite(map));
     QCOMPARE(texts(doubtsAfter(map)),
              QStringList({QStringLiteral("job: no pixel of the map has a finite result")}));
+    map.anyFinitePixel = true;
+    for (const double median : {-0.5, 0.3, 1.5}) {
+        map.medianA = median;
+        QCOMPARE(texts(doubtsAfter(map)), QStringList());
+    }
+    map.medianA = -0.75;
+    QCOMPARE(texts(doubtsAfter(map)),
+             QStringList(
+                 {QStringLiteral("job: a = -0.75, the median of the map, is far outside 0 to 1")}));
+    QVERIFY(areFinite(map));
 }
 
 QTEST_GUILESS_MAIN(tst_JobChecks)

@@ -67,6 +67,7 @@ private slots:
     void linesThatAreUsed();
     void energiesOfASpectrum();
     void rowsThatCount();
+    void gridsOfTheImages();
     void pointsOfTheFit();
     void missingSpectraOfTheFit();
 };
@@ -152,6 +153,26 @@ void tst_JobFacts::rowsThatCount()
     QCOMPARE(facts.rows[0].place.line, 17);
     QCOMPARE(facts.rows[1].energy, 8230.0);
     QCOMPARE(facts.rows[1].place.line, 0); // the job gives two rows only
+}
+
+void tst_JobFacts::gridsOfTheImages()
+{
+    Case test;
+    test.data.maps.resize(8);
+    const auto grid = [&test](std::size_t row, int columns, int rows) {
+        test.data.maps[row].valid = true;
+        test.data.maps[row].columns = columns;
+        test.data.maps[row].rows = rows;
+    };
+    grid(0, 4, 3);
+    grid(1, 4, 3);
+    grid(5, 9, 9); // a row that is not in use
+    test.job.calculateMap = true;
+    QVERIFY(!test.facts().gridsDiffer);
+    grid(3, 4, 2);
+    QVERIFY(test.facts().gridsDiffer);
+    test.job.calculateMap = false;
+    QVERIFY(!test.facts().gridsDiffer);
 }
 
 void tst_JobFacts::pointsOfTheFit()

@@ -2,6 +2,7 @@
 #include "batch/JobSettings.h"
 
 #include <QTemporaryDir>
+#include <QTextCodec>
 #include <QtTest>
 
 #include <sys/stat.h>
@@ -39,6 +40,7 @@ private slots:
     void outputAndHistogramsAreTaken();
     void nonsenseOfMapsIsRefused_data();
     void nonsenseOfMapsIsRefused();
+    void namesThatTheLocaleCannotWrite();
     void mapsFitTheirJob_data();
     void mapsFitTheirJob();
     void errorTextTakesNamesAsTheyAre();
@@ -437,6 +439,22 @@ void tst_JobFile::nonsenseOfMapsIsRefused()
     JobError error;
     QVERIFY(!parseJob(text, QStringLiteral("/data"), error));
     QCOMPARE(errorText(QStringLiteral("job"), error), expected);
+}
+
+/// Where names are written in Latin letters two of them would be the same folder.
+void tst_JobFile::namesThatTheLocaleCannotWrite()
+{
+    const QByteArray text = "output.folder = \"out\"\npoint = [{energy = 1, v_point = true}]\n"
+                            "map = [{name = \"鉄\", pattern = \"{row}\"}]\n";
+    JobError error;
+    QVERIFY(parseJob(text, QStringLiteral("/data"), error));
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    const bool isJob = parseJob(text, QStringLiteral("/data"), error).has_value();
+    QTextCodec::setCodecForLocale(nullptr);
+    QVERIFY(!isJob);
+    QCOMPARE(
+        errorText(QStringLiteral("job"), error),
+        QStringLiteral("job:3:16: map.name: cannot be the name of a folder in this locale: 鉄"));
 }
 
 void tst_JobFile::mapsFitTheirJob_data()

@@ -58,6 +58,8 @@ private slots:
     void scanThatWasStopped();
     void mapWithoutANumber();
     void doubts();
+    void imagesOfSeveralGrids();
+    void fractionsFarOutside();
     void folderThatCannotBe();
     void manyMapsInTheirOrder();
     void runEndsWhereItIsEnded();
@@ -419,6 +421,31 @@ void tst_MapsRun::doubts()
     QVERIFY(!row.warnings.isEmpty());
     QCOMPARE(row.warnings.front(),
              QStringLiteral("energy 8.313 looks like keV; energies are in eV"));
+}
+
+void tst_MapsRun::imagesOfSeveralGrids()
+{
+    MapSample narrow;
+    narrow.columns = 7;
+    narrow.rows = rows;
+    const QTemporaryDir other;
+    QCOMPARE(writeMap(other.path(), narrow), QString());
+    create(in("map_2.dat"), contents(other.filePath(QStringLiteral("map_2.dat"))));
+    const MapRow row = analysed(job(area)).row;
+    QCOMPARE(field(row, "missing"), QByteArray::number((columns - 7) * rows));
+    QVERIFY(row.warnings.contains(QStringLiteral("the images of the map have different grids")));
+}
+
+/// The image before the edge in the place of the one at the V point.
+void tst_MapsRun::fractionsFarOutside()
+{
+    create(in("map_3.dat"), contents(in("map_1.dat")).replace("8313", "8390"));
+    const MapRow row = analysed(job(area)).row;
+    QCOMPARE(row.refusal, QString());
+    QCOMPARE(row.warnings.size(), 1);
+    const double a = 3.0 - row.summary.valence.median.value();
+    QCOMPARE(row.warnings.front(),
+             QStringLiteral("a = %1, the median of the map, is far outside 0 to 1").arg(a));
 }
 
 void tst_MapsRun::folderThatCannotBe()
