@@ -74,7 +74,7 @@ public:
                           "\" width=\"" + QByteArray::number(size.width()) + "\" height=\"" +
                           QByteArray::number(size.height()) + '"';
         if (withReadOut && !plot.isEmpty())
-            html += " data-plot=\"" + htmlText(plot) + "\" tabindex=\"0\"";
+            html += " data-plot=\"" + htmlText(plot) + R"(" tabindex="0")";
         html += " src=\"data:image/png;base64," + bytes.toBase64() + "\"></div>\n<figcaption>" +
                 htmlText(caption) + "</figcaption>\n</figure>\n";
         return html;
@@ -105,10 +105,10 @@ QByteArray base64(const std::vector<float>& values)
 
 QByteArray readOutScript(const MapReadOut& readOut)
 {
-    return "<script type=\"application/json\" class=\"values\">{\"columns\":" +
+    return R"(<script type="application/json" class="values">{"columns":)" +
            QByteArray::number(readOut.columns) + ",\"rows\":" + QByteArray::number(readOut.rows) +
            ",\"x\":" + numbers(readOut.xEdges) + ",\"y\":" + numbers(readOut.yEdges) +
-           ",\"valence\":\"" + base64(readOut.valence) + "\",\"thickness\":\"" +
+           R"(,"valence":")" + base64(readOut.valence) + R"(","thickness":")" +
            base64(readOut.thickness) + "\"}</script>\n";
 }
 
@@ -126,7 +126,7 @@ QByteArray readOutLine(const MapReadOut& readOut, const OutputWords& words)
                       ' ' + htmlText(what) + "</p>\n";
     const QString place =
         readOut.inPositionUnits ? words("position (%1, %2): ") : words("column %1, row %2: ");
-    html += "<output class=\"readout\" data-place=\"" + htmlText(place) + "\" data-valence=\"" +
+    html += R"(<output class="readout" data-place=")" + htmlText(place) + "\" data-valence=\"" +
             htmlText(words("valence %1")) + "\" data-thickness=\"" + htmlText(words(", t/ts %1")) +
             "\" data-none=\"" + htmlText(words("no result")) + "\">&nbsp;</output>\n";
     return html;
@@ -150,6 +150,7 @@ int readOutFactor(const std::vector<MapReadOut>& readOuts)
 std::vector<MapReadOut> readOutsOf(const std::vector<ReportMap>& maps)
 {
     std::vector<MapReadOut> readOuts;
+    readOuts.reserve(maps.size());
     for (const ReportMap& map : maps)
         readOuts.push_back(readOutFromBytes(map.readOut).value_or(MapReadOut()));
     const int factor = readOutFactor(readOuts);

@@ -66,7 +66,7 @@ QByteArray rowHeading(const QByteArray& field)
 
 QByteArray heading(const QString& title, bool isNumber)
 {
-    return QByteArray("<th scope=\"col\" aria-sort=\"none\"") +
+    return QByteArray(R"(<th scope="col" aria-sort="none")") +
            (isNumber ? " class=\"number\"" : "") + "><button type=\"button\">" + htmlText(title) +
            "</button></th>";
 }
@@ -74,7 +74,7 @@ QByteArray heading(const QString& title, bool isNumber)
 /// A table that scrolls by itself where the screen is narrow.
 QByteArray scrolling(const QString& label, const QByteArray& head, const QByteArray& body)
 {
-    return "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"" + htmlText(label) +
+    return R"(<div class="scroll" tabindex="0" role="region" aria-label=")" + htmlText(label) +
            "\">\n<table class=\"sortable\">\n<thead>\n<tr>" + head + "</tr>\n</thead>\n<tbody>\n" +
            body + "</tbody>\n</table>\n</div>\n";
 }
@@ -99,8 +99,7 @@ QByteArray targetRow(const ReportTargets& targets, const ReportTargets::Row& row
 {
     const bool refused = !targets.field(row.fields, "refusal").isEmpty();
     QByteArray html = refused ? "<tr class=\"refused\">" : "<tr>";
-    html += "<td class=\"number\">" + QByteArray::number(static_cast<qulonglong>(row.place + 1)) +
-            "</td>";
+    html += "<td class=\"number\">" + QByteArray::number(qulonglong{row.place} + 1) + "</td>";
     for (const Column& column : shownOfTargets)
         html += &column == shownOfTargets
                     ? rowHeading(targets.field(row.fields, column.name))

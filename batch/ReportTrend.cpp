@@ -95,7 +95,7 @@ public:
 
     double x(double place) const
     {
-        const double last = static_cast<double>(m_points.size());
+        const auto last = static_cast<double>(m_points.size());
         return left + (place + 0.5) / last * (right - left);
     }
 
@@ -135,22 +135,22 @@ QByteArray axes(const Trend& trend, const Range& range, std::size_t count, const
     const AxisMarks y = axisMarks(range.low, range.high, yMarks);
     for (std::size_t i = 0; i < y.values.size(); ++i) {
         const double at = range.y(y.values[i]);
-        svg += "<path class=\"grid\" d=\"M" + coordinate(left) + ' ' + coordinate(at) + 'H' +
+        svg += R"(<path class="grid" d="M)" + coordinate(left) + ' ' + coordinate(at) + 'H' +
                coordinate(right) + "\"/>\n";
         svg += text(left - 6.0, at + 4.0, "end", y.texts[i].toLatin1());
     }
     const AxisMarks x = axisMarks(1.0, static_cast<double>(count), xMarks);
-    for (std::size_t i = 0; i < x.values.size(); ++i)
-        if (x.values[i] >= 1.0 && x.values[i] == std::floor(x.values[i]))
-            svg += text(trend.x(x.values[i] - 1.0), bottom + 18.0, "middle",
-                        QByteArray::number(x.values[i], 'f', 0));
+    for (const double number : x.values)
+        if (number >= 1.0 && number == std::floor(number))
+            svg += text(trend.x(number - 1.0), bottom + 18.0, "middle",
+                        QByteArray::number(number, 'f', 0));
     if (x.values.empty())
         svg += text(trend.x(0.0), bottom + 18.0, "middle", "1");
     svg += text((left + right) / 2.0, bottom + 38.0, "middle",
                 htmlText(words("number of the target")));
     svg += "<text transform=\"translate(14 " + coordinate((top + bottom) / 2.0) +
            ") rotate(-90)\" text-anchor=\"middle\">" + htmlText(words("Valence")) + "</text>\n";
-    svg += "<path class=\"frame\" d=\"M" + coordinate(left) + ' ' + coordinate(top) + 'V' +
+    svg += R"(<path class="frame" d="M)" + coordinate(left) + ' ' + coordinate(top) + 'V' +
            coordinate(bottom) + 'H' + coordinate(right) + "\"/>\n";
     return svg;
 }
@@ -179,8 +179,8 @@ QByteArray trendFigure(const std::vector<ReportTargets::Point>& points, const Ou
                       "aria-label=\"" +
                       htmlText(words("Valence of each target, in the order of the job")) + "\">\n";
     html += axes(trend, range, points.size(), words);
-    html += "<path class=\"lcf\" d=\"" + crosses + "\"/>\n";
-    html += "<path class=\"points\" d=\"" + dots + "\"/>\n</svg></div>\n<figcaption>";
+    html += R"(<path class="lcf" d=")" + crosses + "\"/>\n";
+    html += R"(<path class="points" d=")" + dots + "\"/>\n</svg></div>\n<figcaption>";
     html += key("points", "M7 7V7", words("point method"));
     html += key("lcf", trend.hasStrokes() ? "M7 2V12" : "M3 3l8 8m-8 0l8 -8",
                 words("linear combination fit"));

@@ -45,14 +45,14 @@ public:
         return std::fabs(m_sums[1] / m_counts[1] - m_sums[0] / m_counts[0]);
     }
 
-    bool rises() const { return isMonotone(1.0); }
-    bool falls() const { return isMonotone(-1.0); }
+    bool rises() const { return goesOn(1.0); }
+    bool isMonotone() const { return rises() || goesOn(-1.0); }
 
     /// The edges of the cells, rising.
     std::vector<double> edges() const
     {
         std::vector<double> centres = m_sums;
-        if (centres.size() > 1 && falls())
+        if (!rises())
             std::reverse(centres.begin(), centres.end());
         std::vector<double> found;
         found.reserve(centres.size() + 1);
@@ -78,7 +78,7 @@ public:
     double operator[](std::size_t i) const { return m_sums[i]; }
 
 private:
-    bool isMonotone(double sign) const
+    bool goesOn(double sign) const
     {
         for (std::size_t i = 1; i < m_sums.size(); ++i)
             if (!(sign * (m_sums[i] - m_sums[i - 1]) > 0.0))
@@ -94,6 +94,21 @@ private:
 std::size_t measuredCount(const MapPixels& pixels)
 {
     return pixels.positions ? std::min(pixels.positions->size(), pixels.size()) : 0;
+}
+
+/// Calls a function with column, row and position of each pixel that was measured, as long as it
+/// returns true.
+/// @return whether it always did
+template <class Use>
+bool forEachMeasured(const MapPixels& pixels, const Use& use)
+{
+    const std::size_t measured = measuredCount(pixels);
+    const auto columns = static_cast<std::size_t>(pixels.columns);
+    for (std::size_t i = 0, row = 0; i < measured; ++row)
+        for (std::size_t column = 0; column < columns && i < measured; ++column, ++i)
+            if (!use(column, row, (*pixels.positions)[i]))
+                return false;
+    return true;
 }
 
 struct Extent {
@@ -261,30 +276,27 @@ std::ptrdiff_t MapGrid::pixelAt(double x, double y) const
 
 bool MapGrid::layRegular(const MapPixels& pixels)
 {
-    const std::size_t measured = measuredCount(pixels);
-    const auto columns = static_cast<std::size_t>(pixels.columns);
     AxisMeans x(pixels.columns);
     AxisMeans y(pixels.rows);
-    const MapPosition* position = pixels.positions->begin();
-    for (std::size_t i = 0, row = 0; i < measured; ++row)
-        for (std::size_t column = 0; column < columns && i < measured; ++column, ++i) {
-            x.add(column, position[i].first);
-            y.add(row, position[i].second);
-        }
-    const double xStep = x.knownStep();
-    const double yStep = y.knownStep();
-    const double either = std::max(xStep, yStep) > 0.0 ? std::max(xStep, yStep) : 1.0;
-    x.finish(xStep > 0.0 ? xStep : either);
-    y.finish(yStep > 0.0 ? yStep : either);
-    if (!(x.rises() || x.falls()) || !(y.rises() || y.falls()))
+    forEachMeasured(pixels, [&](std::size_t column, std::size_t row, const MapPosition& position) {
+        x.add(column, position.first);
+        y.add(row, position.second);
+        return true;
+    });
+    const double largest = std::max(x.knownStep(), y.knownStep());
+    const double either = largest > 0.0 ? largest : 1.0;
+    for (AxisMeans* means : {&x, &y})
+        means->finish(means->knownStep() > 0.0 ? means->knownStep() : either);
+    if (!x.isMonotone() || !y.isMonotone())
         return false;
     const double xTolerance = x.tolerance();
     const double yTolerance = y.tolerance();
-    for (std::size_t i = 0, row = 0; i < measured; ++row)
-        for (std::size_t column = 0; column < columns && i < measured; ++column, ++i)
-            if (!(std::fabs(position[i].first - x[column]) <= xTolerance &&
-                  std::fabs(position[i].second - y[row]) <= yTolerance))
-                return false;
+    const auto isNear = [&](std::size_t column, std::size_t row, const MapPosition& position) {
+        return std::fabs(position.first - x[column]) <= xTolerance &&
+               std::fabs(position.second - y[row]) <= yTolerance;
+    };
+    if (!forEachMeasured(pixels, isNear))
+        return false;
     xEdges = x.edges();
     yEdges = y.edges();
     m_xFalls = !x.rises();
