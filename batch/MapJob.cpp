@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -40,4 +42,27 @@ std::optional<std::vector<MapJob>> mapList(const Job& job, JobError& error)
         }
     }
     return maps;
+}
+
+std::vector<MapJob> presentMaps(const Job& job)
+{
+    std::vector<MapJob> maps;
+    for (const JobMap& given : job.maps) {
+        const MapJob map{given.name, given.place, imagesOf(given, job)};
+        if (std::all_of(map.images.begin(), map.images.end(), [](const JobFilePath& image) {
+                return image.path.isEmpty() || QFileInfo(image.path).isFile();
+            }))
+            maps.push_back(map);
+    }
+    return maps;
+}
+
+QStringList imagesOfMaps(const Job& job)
+{
+    QStringList paths;
+    for (const JobMap& map : job.maps)
+        for (const JobFilePath& image : imagesOf(map, job))
+            if (!image.path.isEmpty())
+                paths += image.path;
+    return paths;
 }

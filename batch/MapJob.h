@@ -18,3 +18,9 @@ struct MapJob {
 /// @param error  is set where nothing comes back: an image without a file, or one that is no
 ///               regular file, with its place in the job
 std::optional<std::vector<MapJob>> mapList(const Job& job, JobError& error);
+
+/// The maps of which every image is there.
+std::vector<MapJob> presentMaps(const Job& job);
+
+/// The paths of all images, be they there or not.
+QStringList imagesOfMaps(const Job& job);

@@ -48,13 +48,15 @@ std::optional<JobList> listOf(const Job& job, JobError& error)
     return JobList{std::move(*targets), std::move(*maps)};
 }
 
-std::optional<PreparedJob> prepareJob(const QString& path, const QByteArray& text, const Job& job,
-                                      const Shard& shard, JobError& error)
+JobList presentListOf(const Job& job)
 {
-    const auto list = listOf(job, error);
-    if (!list)
-        return std::nullopt;
-    if (auto wrong = checkOutputs(job, path, list->targets, list->maps, filesOf(job, shard))) {
+    return {presentTargets(job), presentMaps(job)};
+}
+
+std::optional<PreparedJob> prepareList(const QString& path, const QByteArray& text, const Job& job,
+                                       const JobList& list, const Shard& shard, JobError& error)
+{
+    if (auto wrong = checkOutputs(job, path, list.targets, list.maps, filesOf(job, shard))) {
         error = *wrong;
         return std::nullopt;
     }
@@ -62,7 +64,14 @@ std::optional<PreparedJob> prepareJob(const QString& path, const QByteArray& tex
     if (!common)
         return std::nullopt;
     return PreparedJob{
-        path, text, settingsOfTargets(text), job, list->part(shard), std::move(*common)};
+        path, text, settingsOfTargets(text), job, list.part(shard), std::move(*common)};
+}
+
+std::optional<PreparedJob> prepareJob(const QString& path, const QByteArray& text, const Job& job,
+                                      const Shard& shard, JobError& error)
+{
+    const auto list = listOf(job, error);
+    return list ? prepareList(path, text, job, *list, shard, error) : std::nullopt;
 }
 
 std::vector<RecordedFile> commonInputs(const PreparedJob& prepared)

@@ -26,7 +26,15 @@ struct PreparedJob {
 /// @param error  is set where nothing comes back
 std::optional<JobList> listOf(const Job& job, JobError& error);
 
-/// Checks a job and reads the files that its targets have in common.
+/// What of a job is there already.
+JobList presentListOf(const Job& job);
+
+/// Checks a job with a list of it and reads the files that its targets have in common.
+/// @param error  is set where nothing comes back
+std::optional<PreparedJob> prepareList(const QString& path, const QByteArray& text, const Job& job,
+                                       const JobList& list, const Shard& shard, JobError& error);
+
+/// The same with all that the job lists, none of which may be missing.
 /// @param error  is set where nothing comes back
 std::optional<PreparedJob> prepareJob(const QString& path, const QByteArray& text, const Job& job,
                                       const Shard& shard, JobError& error);

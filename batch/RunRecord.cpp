@@ -115,6 +115,7 @@ void RunRecord::commit()
     if (m_transaction)
         m_transaction->commit();
     m_transaction.reset();
+    m_new = false;
 }
 
 void RunRecord::checkIsRecord()

@@ -30,7 +30,7 @@ public:
     /// has begun already, so that its file is made together with its first rows.
     void begin();
     void commit();
-    /// Whether there was no record before.
+    /// Whether there is no record yet.
     bool isNew() const { return m_new; }
 
     /// @return its number

@@ -24,16 +24,16 @@ QByteArray literally(const QByteArray& path)
     return result;
 }
 
-/// The regular files that a pattern matches, in no order.
-/// @param folder   what the pattern starts from, if it is relative
-QByteArrayList matches(const QString& folder, const QString& pattern)
+/// The files that a name or a pattern of the job gives, in no order.
+QByteArrayList filesOf(const Job& job, const JobFilePath& given)
 {
-    const QByteArray name = QFile::encodeName(pattern);
-    const QByteArray whole =
-        QDir::isAbsolutePath(pattern) ? name : literally(QFile::encodeName(folder)) + '/' + name;
+    const QString path = QDir(job.folder).filePath(given.path);
+    // A file of that very name is meant, whatever its characters mean in a pattern.
+    if (QFileInfo::exists(path))
+        return {QFile::encodeName(path)};
     glob_t found = {};
     QByteArrayList files;
-    if (glob(whole.constData(), GLOB_NOSORT, nullptr, &found) == 0)
+    if (glob(wholePattern(job, given.path).constData(), GLOB_NOSORT, nullptr, &found) == 0)
         for (std::size_t i = 0; i < found.gl_pathc; ++i)
             if (QFileInfo(QFile::decodeName(found.gl_pathv[i])).isFile())
                 files += found.gl_pathv[i];
@@ -48,26 +48,34 @@ QString literalPattern(const QString& path)
     return QFile::decodeName(literally(QFile::encodeName(path)));
 }
 
-std::optional<std::vector<JobFilePath>> targetList(const Job& job, JobError& error)
+QByteArray wholePattern(const Job& job, const QString& pattern)
+{
+    const QByteArray name = QFile::encodeName(pattern);
+    return QDir::isAbsolutePath(pattern) ? name
+                                         : literally(QFile::encodeName(job.folder)) + '/' + name;
+}
+
+std::vector<JobFilePath> presentTargets(const Job& job)
 {
     std::map<QByteArray, JobPlace> places; // by the bytes of the path
-    for (const JobFilePath& given : job.targets) {
-        const QString path = QDir(job.folder).filePath(given.path);
-        QByteArrayList files{QFile::encodeName(path)};
-        // A file of that very name is meant, whatever its characters mean in a pattern.
-        if (!QFileInfo::exists(path))
-            files = matches(job.folder, given.path);
-        if (files.isEmpty()) {
-            error = {given.place, QStringLiteral("no file is named, or matched by, %1").arg(path)};
-            return std::nullopt;
-        }
-        for (const QByteArray& file : files)
+    for (const JobFilePath& given : job.targets)
+        for (const QByteArray& file : filesOf(job, given))
             places.emplace(QFile::encodeName(QDir::cleanPath(QFile::decodeName(file))),
                            given.place);
-    }
     std::vector<JobFilePath> targets;
     targets.reserve(places.size());
     for (const auto& [path, place] : places)
         targets.push_back({QFile::decodeName(path), place});
     return targets;
+}
+
+std::optional<std::vector<JobFilePath>> targetList(const Job& job, JobError& error)
+{
+    for (const JobFilePath& given : job.targets)
+        if (filesOf(job, given).isEmpty()) {
+            error = {given.place, QStringLiteral("no file is named, or matched by, %1")
+                                      .arg(QDir(job.folder).filePath(given.path))};
+            return std::nullopt;
+        }
+    return presentTargets(job);
 }

@@ -12,5 +12,11 @@
 ///               match, with its line in the job
 std::optional<std::vector<JobFilePath>> targetList(const Job& job, JobError& error);
 
+/// The same of what is there; there may be none.
+std::vector<JobFilePath> presentTargets(const Job& job);
+
+/// A name or pattern of the job for glob(), from the root on.
+QByteArray wholePattern(const Job& job, const QString& pattern);
+
 /// A pattern that only the file of this very path matches.
 QString literalPattern(const QString& path);

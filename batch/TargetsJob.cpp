@@ -8,6 +8,7 @@
 #include "batch/RecordWriter.h"
 #include "batch/RunEnd.h"
 #include "batch/TargetsRun.h"
+#include "batch/Watch.h"
 #include "system/Signals.h"
 
 #include <QFile>
@@ -41,17 +42,16 @@ public:
     {
     }
 
-    int run()
+    /// @return nothing where all is in the record, or the status to end with
+    std::optional<int> run()
     {
         calculate();
         if (!m_failed.isEmpty())
             return complain(m_failed, ExitStatus::FileFailed);
-        if (m_left > 0)
-            return stopped();
-        dropOthers(m_record, m_prepared);
-        return m_options.shard.isAll() ? writeAndTell(m_record, m_prepared, m_options.quiet)
-                                       : shardDone();
+        return m_left > 0 ? std::optional(stopped()) : std::nullopt;
     }
+
+    std::size_t calculated() const { return m_calculated; }
 
 private:
     QString targetOf(std::size_t i) const
@@ -158,6 +158,7 @@ private:
             say(name, QStringLiteral("warning: ") + warning);
         if (m_options.verbose)
             say(name, QStringLiteral("calculated in %1 ms").arg(seconds / millisecond, 0, 'g', 3));
+        ++m_calculated;
         m_progress.show(++m_done);
     }
 
@@ -174,13 +175,6 @@ private:
                stopSignal();
     }
 
-    int shardDone()
-    {
-        if (!m_options.quiet)
-            console::say(QStringLiteral("Written: ") + m_record.path());
-        return static_cast<int>(m_record.allGood() ? ExitStatus::Done : ExitStatus::SomeRefused);
-    }
-
     const PreparedJob& m_prepared;
     const RunOptions& m_options;
     RunRecord& m_record;
@@ -189,17 +183,60 @@ private:
     std::size_t m_count;
     ProgressLine m_progress;
     std::size_t m_done = 0;
+    std::size_t m_calculated = 0;
     std::size_t m_left = 0;
     QString m_failed; ///< why a file could not be written
 };
 
-int runInFolder(const PreparedJob& prepared, const RunOptions& options)
+int runAll(const PreparedJob& prepared, const RunOptions& options, RunRecord& record)
+{
+    if (const auto status = ListRun(prepared, options, record).run())
+        return *status;
+    dropOthers(record, prepared);
+    if (options.shard.isAll())
+        return writeAndTell(record, prepared, options.quiet);
+    if (!options.quiet)
+        console::say(QStringLiteral("Written: ") + record.path());
+    return static_cast<int>(record.allGood() ? ExitStatus::Done : ExitStatus::SomeRefused);
+}
+
+/// Goes on until a signal or a disk that fails.
+int watch(PreparedJob& prepared, const RunOptions& options, RunRecord& record)
+{
+    WatchedFiles seen;
+    lookAt(prepared.list, seen);
+    const int status = runAll(prepared, options, record);
+    if (status != static_cast<int>(ExitStatus::Done) &&
+        status != static_cast<int>(ExitStatus::SomeRefused))
+        return status;
+    RunOptions later = options;
+    later.quiet = true; // no progress of a file
+    later.again = false;
+    const WatchActions actions{[&](const PreparedJob& part, bool& any) {
+                                   ListRun run(part, later, record);
+                                   const std::optional<int> ended = run.run();
+                                   any = run.calculated() > 0;
+                                   return ended;
+                               },
+                               [&](const PreparedJob& all) -> std::optional<int> {
+                                   dropOthers(record, all);
+                                   const int written = writeAndTell(record, all, !options.verbose);
+                                   return written == static_cast<int>(ExitStatus::FileFailed)
+                                              ? std::optional(written)
+                                              : std::nullopt;
+                               }};
+    FolderWatch folders;
+    return watchJob(prepared, std::move(seen), actions, folders);
+}
+
+int runInFolder(PreparedJob& prepared, const RunOptions& options)
 {
     const RunFolder folder(prepared.job);
     return withRecord(options.shard.isAll() ? folder.record() : folder.record(options.shard),
                       [&](RunRecord& record) {
                           keepStopSignals();
-                          return ListRun(prepared, options, record).run();
+                          return options.watch ? watch(prepared, options, record)
+                                               : runAll(prepared, options, record);
                       });
 }
 
@@ -260,7 +297,9 @@ int analyseTargets(const QString& path, const QByteArray& text, const Job& job,
         return list ? static_cast<int>(printList(list->part(options.shard), options))
                     : complain(errorText(path, error));
     }
-    const auto prepared = prepareJob(path, text, job, options.shard, error);
+    // A night begins with folders that are empty.
+    auto prepared = options.watch ? prepareList(path, text, job, presentListOf(job), {}, error)
+                                  : prepareJob(path, text, job, options.shard, error);
     if (!prepared)
         return complain(errorText(path, error));
     return options.checkOnly ? static_cast<int>(ExitStatus::Done) : runInFolder(*prepared, options);
