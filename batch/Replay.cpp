@@ -61,6 +61,7 @@ ReplayedRun replayed(const RecordedRun& run, const QString& record)
     }
     replay.job = *job;
     replay.job.pictures = false;
+    replay.job.report = false;
     for (const RecordedFile& input : run.inputs) {
         const QString name = QString::fromUtf8(input.path);
         const QString wrong = inputDifference(QDir(place).filePath(name), name, input.digest);
