@@ -258,6 +258,9 @@ void tst_JobFile::errorsHaveLineAndReason_data()
     row("a number among targets", "[files]\ntargets = [\"b\",\n3]\n[output]\nfolder = \"c\"\n",
         "job:3:1: files.targets: must be a list of names and patterns of files, each in "
         "quotation marks");
+    row("an empty name among targets", "[files]\ntargets = [\"b\", \"\"]\n",
+        "job:2:17: files.targets: must be a list of names and patterns of files, each in "
+        "quotation marks");
     row("no table", "files = 3\n", "job:1:9: files: must be a table: [files]");
     row("text for a number", "[edge]\nenergy = \"8350\"\n",
         "job:2:10: edge.energy: must be a finite number");
@@ -339,6 +342,9 @@ void tst_JobFile::mapsAreTaken()
     QCOMPARE(job.points->at(0).energy, QStringLiteral("7090"));
     QCOMPARE(job.points->at(0).energyText, QStringLiteral("7090.00"));
     QCOMPARE(job.points->at(1).energyText, QStringLiteral("8192"));
+    const Job inOneLine = parsed("point = [{v_point = true, energy = 7_090}, {energy = 7124.50}]");
+    QCOMPARE(inOneLine.points->at(0).energyText, QStringLiteral("7090"));
+    QCOMPARE(inOneLine.points->at(1).energyText, QStringLiteral("7124.50"));
     QCOMPARE(job.output.path, QStringLiteral("/data/results"));
     QVERIFY(!job.pictures && job.report && job.mapFiles);
     QVERIFY(job.paints()); // the maps, for the report
