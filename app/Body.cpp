@@ -3,6 +3,7 @@
 #include "app/BusyBar.h"
 #include "app/FileQuestion.h"
 #include "app/FourPs.h"
+#include "app/MapWindow.h"
 #include "app/StatusWords.h"
 #include "display/PopBase.h"
 #include "display/ScreenRoom.h"
@@ -62,6 +63,7 @@ void Body::closeEvent(QCloseEvent* event)
     }
     m_panel->displays->close();
     m_panel->fileQuestion().close();
+    m_panel->mapWindow().close();
     for (AFileSelect* select : m_panel->findChildren<AFileSelect*>())
         select->closeDialog();
 }

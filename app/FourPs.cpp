@@ -1,8 +1,10 @@
 #include "app/FourPs.h"
 
 #include "analysis/LinearCombinationFit.h"
+#include "analysis/MapSummary.h"
 #include "app/FileQuestion.h"
 #include "app/GraphMenu.h"
+#include "app/MapWindow.h"
 #include "app/PanelAccess.h"
 #include "app/ResultsMenu.h"
 #include "app/ScreenScroll.h"
@@ -14,6 +16,7 @@
 #include "input/LightField.h"
 #include "results/Histgram.h"
 
+#include <QAction>
 #include <QButtonGroup>
 #include <QDir>
 #include <QVBoxLayout>
@@ -61,6 +64,7 @@ FourPs::~FourPs()
 {
     // Hiding takes the keyboard from a field; what follows from that needs the panel whole.
     hide();
+    m_mapWindow.reset();
     // The window without a parent, and rows whose widgets live in the table.
     delete displays;
     qDeleteAll(ePoints);
@@ -239,8 +243,20 @@ void FourPs::buildMarkLines()
 void FourPs::buildMenus()
 {
     m_question = std::make_unique<FileQuestion>();
-    for (int i = 0; i < displays->panels.size(); ++i)
-        new GraphMenu(*this, *displays->panels[i], displays->ids[i], *m_question);
+    m_showMap = new QAction(MapWindow::tr("Show &Map"), this);
+    m_showMap->setObjectName(QStringLiteral("ShowMap"));
+    m_showMap->setShortcut(QKeySequence(QStringLiteral("Ctrl+M")));
+    m_showMap->setShortcutContext(Qt::ApplicationShortcut);
+    addAction(m_showMap);
+    connect(m_showMap, &QAction::triggered, this, [this] { mapWindow().show(); });
+    for (int i = 0; i < displays->panels.size(); ++i) {
+        const DispABase* graph = displays->panels[i];
+        const Displays::DispId id = displays->ids[i];
+        auto* menu = new GraphMenu(*this, *graph->DispA, graph->Title->text(),
+                                   [this, id] { return graphTable(id); });
+        if (id == Displays::DispHistA || id == Displays::DispHistT || id == Displays::DispTA)
+            menu->addAction(m_showMap);
+    }
     new ResultsMenu(*this);
 }
 

@@ -22,10 +22,15 @@ class AXafsData;
 class FileQuestion;
 class Histgram;
 class MarkLine;
+class MapWindow;
 class MarkLines;
+class MissingPixels;
 class MouseC;
 struct LinearCombination;
+struct MapPixels;
+struct MapRanges;
 struct MutsContent;
+class QAction;
 class QButtonGroup;
 class QStylePainter;
 
@@ -56,6 +61,15 @@ public:
 
     /// What a graph shows.
     GraphTable graphTable(Displays::DispId id) const;
+    /// The window of the map, made when first asked for.
+    MapWindow& mapWindow();
+    /// The results of the last map as pictures see them, valid until the next calculation.
+    MapPixels mapPixels() const;
+    /// What the histograms count as between below and above.
+    MapRanges mapRanges() const;
+    /// Shows pixels of the map in "t/a".
+    void highlight(std::vector<std::size_t> pixels);
+
     /// Paths of the spectra and 2D data that are there.
     QStringList filesRead() const;
     /// Files and results of target and fit as two lines, names and values, separated by tabs; six
@@ -151,6 +165,7 @@ private:
     void repaintDisplays();
 
     // Graphs.
+    void drawHighlighted(QPainter& painter, const ChCoord& coord) const;
     MutsContent mutsContent() const;
     MapPoints mapPoints() const;
     GraphTable mutsTable() const;
@@ -182,4 +197,8 @@ private:
     QStringList m_fitTargets;               ///< parallel to lcfVs4ps, the targets' files
 
     std::unique_ptr<FileQuestion> m_question;
+    std::unique_ptr<MissingPixels> m_missing; ///< of mapResults
+    std::vector<std::size_t> m_highlighted;   ///< pixels of mapResults
+    std::unique_ptr<MapWindow> m_mapWindow;
+    QAction* m_showMap = nullptr; ///< owned
 };

@@ -1,8 +1,10 @@
 #include "app/FourPs.h"
 
+#include "app/MapWindow.h"
 #include "display/DispABase.h"
 #include "input/AEPoint.h"
 #include "input/AXafsData.h"
+#include "results/Dot.h"
 #include "results/FourPointGraph.h"
 #include "results/GraphTables.h"
 #include "results/Histgram.h"
@@ -15,6 +17,8 @@
 
 namespace
 {
+
+const QColor highlightColor(255, 128, 0);
 
 // Captions of axes are the same in every language. This one is the text of a label besides, which
 // has a translation.
@@ -68,8 +72,9 @@ void FourPs::draw(Displays::DispId id, DispABase* panel, QStylePainter* painter)
         return drawThicknessHistogram(*painter, graph, *histT, typedEnds(HgTFrom, HgTTo));
     case Displays::DispTA:
         panel->setXYTitle(valenceCaption, tr("Thick."));
-        return m_thicknessGraph.draw(*painter, graph, mapPoints(), typed, typedEnds(HgAFrom, HgATo),
-                                     typedEnds(HgTFrom, HgTTo));
+        m_thicknessGraph.draw(*painter, graph, mapPoints(), typed, typedEnds(HgAFrom, HgATo),
+                              typedEnds(HgTFrom, HgTTo));
+        return drawHighlighted(*painter, graph.coord);
     case Displays::DispM2M3:
         panel->setXYTitle(tr("M2"), tr("M3"));
         return drawFourPointGraph(*painter, graph, rows(), rhoNow());
@@ -151,4 +156,54 @@ QStringList FourPs::filesRead() const
         files.append(point->mapPath());
     files.removeAll(QString());
     return files;
+}
+
+MapWindow& FourPs::mapWindow()
+{
+    if (!m_mapWindow)
+        m_mapWindow = std::make_unique<MapWindow>(*this);
+    return *m_mapWindow;
+}
+
+MapPixels FourPs::mapPixels() const
+{
+    MapPixels pixels;
+    if (mapResults.size() == 0)
+        return pixels;
+    pixels.columns = mapResults.columns;
+    pixels.rows = mapResults.rows;
+    pixels.a = mapResults.a.data();
+    pixels.t = mapResults.t.data();
+    pixels.positions = mapResults.positions;
+    pixels.valences = valences();
+    pixels.missing = m_missing.get();
+    return pixels;
+}
+
+MapRanges FourPs::mapRanges() const
+{
+    const auto boxes = [](const HistogramCounts& histogram, const AxisEnds& typed) {
+        return histogram.from < histogram.to ? AxisEnds{histogram.from, histogram.to} : typed;
+    };
+    return {boxes(*histA, typedEnds(HgAFrom, HgATo)), boxes(*histT, typedEnds(HgTFrom, HgTTo))};
+}
+
+void FourPs::highlight(std::vector<std::size_t> pixels)
+{
+    m_highlighted = std::move(pixels);
+    repaintDisplays();
+}
+
+// Within the axes: the frame around them is painted already.
+void FourPs::drawHighlighted(QPainter& painter, const ChCoord& coord) const
+{
+    if (m_highlighted.empty())
+        return;
+    const ReferenceValences typed = valences();
+    painter.save();
+    painter.setClipRect(QRectF(QPointF(coord.px0, coord.py1), QPointF(coord.px1, coord.py0)));
+    painter.setPen(highlightColor);
+    for (const std::size_t i : m_highlighted)
+        drawDot(painter, dotPixel(coord, typed.mean(mapResults.a[i]), mapResults.t[i]));
+    painter.restore();
 }

@@ -1,6 +1,7 @@
 #include "app/FourPs.h"
 
 #include "analysis/MapRun.h"
+#include "analysis/MapSummary.h"
 #include "input/AEPoint.h"
 #include "results/Histgram.h"
 #include "results/HistogramFile.h"
@@ -17,12 +18,15 @@ void FourPs::calcMap()
     const MapRun run =
         mapResult(input(), sources, mapResults,
                   {*histA, *histT, histA->settings(), histT->settings(), valences()});
-    emit calculated(Result::Map);
     m_ratios = run.ratios.value_or(m_ratios);
     for (const QString& line : ResultText::lines(run))
         appendMessage(line);
-    if (run.refusal)
+    if (run.refusal) {
+        emit calculated(Result::Map);
         return refuse(ResultText::mapRefusal(*run.refusal));
+    }
+    m_highlighted.clear();
+    m_missing = std::make_unique<MissingPixels>(rows(), sources, mapResults);
     mapHeader = ePoints[static_cast<int>(run.gridRow)]->mapData().header;
     m_mapFiles.clear();
     for (const AEPoint* point : qAsConst(ePoints)) {
@@ -30,6 +34,7 @@ void FourPs::calcMap()
             m_mapFiles.append(QFileInfo(point->mapPath()).fileName());
     }
     ++m_mapCount;
+    emit calculated(Result::Map);
     repaintDisplays();
 }
 

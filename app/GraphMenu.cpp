@@ -3,6 +3,7 @@
 #include "app/FileQuestion.h"
 #include "app/FourPs.h"
 #include "app/GraphPicture.h"
+#include "display/DispArea.h"
 #include "results/GraphTable.h"
 #include "results/ResultText.h"
 #include "system/SafeFile.h"
@@ -31,12 +32,12 @@ bool isSameFile(const QString& path, const QString& other)
 
 } // namespace
 
-GraphMenu::GraphMenu(FourPs& panel, DispABase& graph, Displays::DispId id, FileQuestion& question)
-    : QMenu(graph.DispA), m_panel(panel), m_graph(graph), m_canvas(*graph.DispA), m_id(id),
-      m_question(question)
+GraphMenu::GraphMenu(FourPs& panel, DispArea& canvas, const QString& title,
+                     const std::function<GraphTable()>& table)
+    : QMenu(&canvas), m_panel(panel), m_canvas(canvas), m_title(title), m_table(table)
 {
     setObjectName(QStringLiteral("GraphMenu"));
-    setAccessibleName(graph.Title->text());
+    setAccessibleName(title);
     addEntry("CopyPicture", tr("&Copy"), &GraphMenu::copyPicture);
     addEntry("SavePicture", tr("&Save Picture…"), &GraphMenu::savePicture);
     addEntry("SaveData", tr("Save &Data…"), &GraphMenu::saveData);
@@ -66,16 +67,16 @@ void GraphMenu::savePicture()
     std::vector<FileQuestion::Kind> kinds;
     for (const QString& suffix : pictureSuffixes())
         kinds.push_back({suffix.toUpper(), suffix});
-    m_question.askToSave(tr("Save Picture"), m_graph.Title->text(), kinds,
-                         [this](const QString& path) { writePicture(path); });
+    m_panel.fileQuestion().askToSave(tr("Save Picture"), m_title, kinds,
+                                     [this](const QString& path) { writePicture(path); });
 }
 
 void GraphMenu::saveData()
 {
     if (hasData())
-        m_question.askToSave(tr("Save Data"), m_graph.Title->text(),
-                             {{QStringLiteral("CSV"), QStringLiteral("csv")}},
-                             [this](const QString& path) { writeData(path); });
+        m_panel.fileQuestion().askToSave(tr("Save Data"), m_title,
+                                         {{QStringLiteral("CSV"), QStringLiteral("csv")}},
+                                         [this](const QString& path) { writeData(path); });
 }
 
 void GraphMenu::resetRange()
@@ -88,8 +89,7 @@ void GraphMenu::writePicture(const QString& path)
 {
     if (!mayWrite(path))
         return;
-    const QByteArray picture =
-        graphPicture(m_canvas, QFileInfo(path).suffix().toLower(), m_graph.Title->text());
+    const QByteArray picture = graphPicture(m_canvas, QFileInfo(path).suffix().toLower(), m_title);
     const WriteOutcome outcome =
         picture.isEmpty() ? WriteOutcome::CannotWrite : writeWhole(path, picture);
     m_panel.tellWritten(path, outcome);
@@ -101,8 +101,8 @@ void GraphMenu::writeData(const QString& path)
         return;
     const QString text = QStringLiteral("Writing %1").arg(QFileInfo(path).fileName());
     emit m_panel.progress(text, 0.0);
-    const WriteOutcome outcome = writeTable(
-        path, m_panel.graphTable(m_id), [&](double part) { emit m_panel.progress(text, part); });
+    const WriteOutcome outcome =
+        writeTable(path, m_table(), [&](double part) { emit m_panel.progress(text, part); });
     emit m_panel.progress(text, 1.0);
     m_panel.tellWritten(path, outcome);
 }
@@ -112,9 +112,9 @@ bool GraphMenu::hasData()
 {
     QImage page(1, 1, QImage::Format_RGB32);
     m_canvas.paintOn(page);
-    if (m_graph.graph.coord.valid != 1)
+    if (m_canvas.coord.valid != 1)
         m_panel.refuse(tr("There is nothing in the graph yet."));
-    return m_graph.graph.coord.valid == 1;
+    return m_canvas.coord.valid == 1;
 }
 
 bool GraphMenu::mayWrite(const QString& path)

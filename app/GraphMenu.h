@@ -1,10 +1,12 @@
 #pragma once
 
-#include "display/Displays.h"
+#include "results/GraphTable.h"
 
 #include <QMenu>
 
-class FileQuestion;
+#include <functional>
+
+class DispArea;
 class FourPs;
 
 /// The context menu of a graph: its picture and its numbers as files, and the whole range again.
@@ -14,8 +16,11 @@ class GraphMenu : public QMenu
     Q_OBJECT
 
 public:
-    /// @param question  has to stay as long as the canvas
-    GraphMenu(FourPs& panel, DispABase& graph, Displays::DispId id, FileQuestion& question);
+    /// @param panel  tells what was written or refused; has to stay as long as the canvas
+    /// @param title  of the graph
+    /// @param table  makes its numbers
+    GraphMenu(FourPs& panel, DispArea& canvas, const QString& title,
+              const std::function<GraphTable()>& table);
 
 private:
     void addEntry(const char* name, const QString& text, void (GraphMenu::*entry)());
@@ -31,8 +36,7 @@ private:
     bool mayWrite(const QString& path);
 
     FourPs& m_panel;
-    DispABase& m_graph;
     DispArea& m_canvas;
-    Displays::DispId m_id;
-    FileQuestion& m_question;
+    QString m_title;
+    std::function<GraphTable()> m_table;
 };

@@ -66,4 +66,87 @@
         <translation>まだ計算に使われていません: %1。%2 を押してください。</translation>
     </message>
 </context>
+<context>
+    <name>MapWindow</name>
+    <message>
+        <source>Valence</source>
+        <translation>価数</translation>
+    </message>
+    <message>
+        <source>no result: %1</source>
+        <translation>結果なし: %1</translation>
+    </message>
+    <message>
+        <source>below %1: %2</source>
+        <translation>%1 未満: %2</translation>
+    </message>
+    <message>
+        <source>above %1: %2</source>
+        <translation>%1 超: %2</translation>
+    </message>
+    <message>
+        <source>t/ts below %1, shown palest: %2</source>
+        <translation>t/ts が %1 未満 (最も淡い色で表示): %2</translation>
+    </message>
+    <message>
+        <source>t/ts above %1, shown fullest: %2</source>
+        <translation>t/ts が %1 超 (最も濃い色で表示): %2</translation>
+    </message>
+    <message>
+        <source>covered by other pixels: %1</source>
+        <translation>ほかの画素に隠れた画素: %1</translation>
+    </message>
+    <message>
+        <source>a dot shows one of %1 x %2 pixels</source>
+        <translation>1 点は %1 × %2 画素のうちの 1 画素を示す</translation>
+    </message>
+    <message>
+        <source>the axes have different scales</source>
+        <translation>縦軸と横軸の縮尺は異なる</translation>
+    </message>
+    <message>
+        <source>Position 1 (units of the stage)</source>
+        <translation>位置 1 (ステージの単位)</translation>
+    </message>
+    <message>
+        <source>Position 2 (units of the stage)</source>
+        <translation>位置 2 (ステージの単位)</translation>
+    </message>
+    <message>
+        <source>Column</source>
+        <translation>列</translation>
+    </message>
+    <message>
+        <source>Row</source>
+        <translation>行</translation>
+    </message>
+    <message>
+        <source>Show &amp;Map</source>
+        <translation>2次元データの図を表示(&amp;M)</translation>
+    </message>
+    <message>
+        <source>Map</source>
+        <translation>2次元データの図</translation>
+    </message>
+    <message>
+        <source>Valence by thickness</source>
+        <translation>価数(濃さは厚さ)</translation>
+    </message>
+    <message>
+        <source>What the map shows</source>
+        <translation>図に示すもの</translation>
+    </message>
+    <message>
+        <source>Drag over the map for the mean of a region.</source>
+        <translation>図の上をドラッグすると、その範囲の平均が出ます。</translation>
+    </message>
+    <message>
+        <source>%1  Valence: %2  t/ts: %3</source>
+        <translation>%1  価数: %2  厚さ t/ts: %3</translation>
+    </message>
+    <message>
+        <source>%1 pixels: Valence %2, t/ts %3</source>
+        <translation>%1 画素: 価数 %2、厚さ t/ts %3</translation>
+    </message>
+</context>
 </TS>
