@@ -6,6 +6,7 @@
 #include "display/PopBase.h"
 #include "results/GridPainter.h"
 #include "results/HistogramGraph.h"
+#include "results/MapPicture.h"
 #include "results/ThicknessGraph.h"
 #include "tests/support/CanvasActions.h"
 #include "tests/support/PlainBars.h"
@@ -15,6 +16,7 @@
 #include <QApplication>
 #include <QTemporaryDir>
 
+#include <cmath>
 #include <random>
 
 namespace
@@ -144,6 +146,51 @@ BENCHMARK(thicknessGraph)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
     ->Iterations(15);
+
+/// A map of so many pixels a side, one in 500 of them without result.
+struct LargeMap {
+    explicit LargeMap(std::size_t side)
+    {
+        for (std::size_t i = 0; i < side * side; ++i) {
+            const MapPosition position{static_cast<double>(i % side),
+                                       static_cast<double>(i / side)};
+            positions->append(&position, 1);
+            a.push_back(i % 500 == 0 ? std::nan("") : position.first / static_cast<double>(side));
+        }
+        pixels.columns = pixels.rows = static_cast<int>(side);
+        pixels.a = pixels.t = a.data();
+        pixels.positions = positions;
+    }
+
+    std::vector<double> a;
+    std::shared_ptr<MapPositions> positions = std::make_shared<MapPositions>();
+    MapPixels pixels;
+};
+
+/// A repaint of a map with nothing changed or with the view moved each time.
+void mapPicture(benchmark::State& state)
+{
+    const LargeMap map(static_cast<std::size_t>(state.range(0)));
+    const bool moved = state.range(1) != 0;
+    MapPicture picture;
+    picture.setMap(map.pixels, std::make_shared<const MapGrid>(map.pixels), MapQuantity::Valence,
+                   MapRanges());
+    QImage image(700, 600, QImage::Format_RGB32);
+    GraphFrame frame;
+    for (auto _ : state) {
+        if (moved)
+            frame.coord.setXRange(frame.coord.rx0 + 1e-3, frame.coord.rx1 + 1e-3);
+        frame.begin(image.width(), image.height());
+        QPainter painter(&image);
+        picture.draw(painter, frame, MapCaptions());
+    }
+}
+
+BENCHMARK(mapPicture)
+    ->ArgNames({"side", "moved"})
+    ->ArgsProduct({{1024, 4096}, {0, 1}})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(50);
 
 /// A repaint of "Histgram of a" with as many bins as are allowed, and with every bar drawn.
 void manyBins(benchmark::State& state)
