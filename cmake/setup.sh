@@ -17,7 +17,7 @@ check_packages=(
     xvfb xauth xdotool
     python3-h5py python3-tifffile
     chromium chromium-driver python3-selenium
-    clang clang-tidy libclang-rt-14-dev cppcheck gcovr pkg-config
+    clang clang-tidy libclang-rt-14-dev lld cppcheck gcovr pkg-config
 )
 
 say() { printf '== %s\n' "$*"; }
