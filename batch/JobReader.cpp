@@ -119,7 +119,7 @@ KeyReader::Keys JobReader::outputKeys()
 
 KeyReader::Keys JobReader::histogramKeys(JobHistogram& histogram)
 {
-    const auto placed = [this, &histogram](const Handler& take) {
+    const auto placed = [&histogram](const Handler& take) {
         return [&histogram, take](const toml::node& node, const QString& key) {
             const JobPlace place = placeOf(node.source(), key);
             if (histogram.place.line == 0)

@@ -1,8 +1,10 @@
 #include "batch/JobTemplate.h"
 
-QByteArray jobTemplate()
+namespace
 {
-    return R"(# A job for drovik-batch (TOML). What is left out stays as the window has it at its
+
+constexpr char text[] =
+    R"(# A job for drovik-batch (TOML). What is left out stays as the window has it at its
 # start. Paths start from the folder of this file; energies are in eV.
 
 # What is calculated of each target: "target" is the point method, "lcf" the linear
@@ -92,4 +94,10 @@ map_files = true
 # Of pictures and report: "en" or "ja".
 language = "en"
 )";
+
+} // namespace
+
+QByteArray jobTemplate()
+{
+    return text;
 }

@@ -59,8 +59,7 @@ private:
         const QFileInfo file(path);
         if (file.isDir())
             return QStringLiteral("%1 is a folder").arg(path);
-        const QString lost = m_inputs.lostBy(path);
-        if (!lost.isEmpty())
+        if (const QString lost = m_inputs.lostBy(path); !lost.isEmpty())
             return QStringLiteral("%1 would be written over %2").arg(path, lost);
         return {};
     }
@@ -68,7 +67,7 @@ private:
     /// A folder that the run fills with files of its own.
     QString below(const QString& path)
     {
-        if (const QString wrong = asFolder(path); !wrong.isEmpty())
+        if (QString wrong = asFolder(path); !wrong.isEmpty())
             return wrong;
         QDirIterator files(path,
                            QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
@@ -78,7 +77,7 @@ private:
             const QFileInfo info = files.fileInfo();
             if (info.isSymLink() && info.isDir())
                 return QStringLiteral("%1 is a link to another folder").arg(file);
-            const QString lost = info.isDir() ? QString() : asFile(file);
+            QString lost = info.isDir() ? QString() : asFile(file);
             if (!lost.isEmpty())
                 return lost;
         }
