@@ -25,22 +25,32 @@ struct Between {
 class Normalization
 {
 public:
-    explicit Normalization(const MeasuredSums& sums)
-        : m_sums(sums), m_spectrum(sums.spectrum()),
-          m_normalized(m_spectrum.points, m_spectrum.preVic, m_spectrum.postVic)
+    explicit Normalization(const MeasuredSums& sums) : m_sums(sums), m_spectrum(sums.spectrum())
     {
+        const SpectrumPoints& points = m_spectrum.points;
+        const auto doesNotRise = [](const SpectrumPoint& left, const SpectrumPoint& right) {
+            return !(left.energy < right.energy);
+        };
+        if (std::adjacent_find(points.begin(), points.end(), doesNotRise) != points.end())
+            m_normalized.emplace(points, m_spectrum.preVic, m_spectrum.postVic);
     }
 
     Between place(double energy) const
     {
-        const std::size_t right = m_normalized.rightNeighbour(energy);
+        const std::size_t right = rightNeighbour(energy);
         if (right == 0)
             return {};
         const double from = m_spectrum.points[right - 1].energy;
         const double to = m_spectrum.points[right].energy;
         return {right - 1, right, to > from ? (energy - from) / (to - from) : 0.0, true};
     }
-    double at(double energy) const { return m_normalized.at(energy); }
+    double at(const Between& place, double energy) const
+    {
+        if (!place.isMeasured)
+            return 0.0;
+        return normalizedBetween(m_spectrum.points[place.left], m_spectrum.points[place.right],
+                                 m_spectrum.preVic, m_spectrum.postVic, energy);
+    }
     double ofPoint(std::size_t i) const
     {
         return normalizedPoint(m_spectrum.points[i], m_spectrum.preVic, m_spectrum.postVic);
@@ -80,14 +90,29 @@ public:
                 byFits[k] -= by[i] * ((1.0 - value) * pre[k] + value * post[k]);
         }
         for (std::size_t i = 0; i < by.size(); ++i)
-            by[i] += dot(byFits, m_sums.basesAt(i));
+            by[i] += m_sums.fitWeight(byFits, i);
         return by;
     }
 
 private:
+    /// As NormalizedSpectrum finds it, which is needed only for energies that do not rise.
+    std::size_t rightNeighbour(double energy) const
+    {
+        if (m_normalized)
+            return m_normalized->rightNeighbour(energy);
+        const SpectrumPoints& points = m_spectrum.points;
+        if (points.size() < 2 ||
+            !(energy >= points.front().energy && energy <= points.back().energy))
+            return 0;
+        const auto found =
+            std::lower_bound(points.begin() + 1, points.end(), energy,
+                             [](const SpectrumPoint& point, double e) { return point.energy < e; });
+        return static_cast<std::size_t>(found - points.begin());
+    }
+
     const MeasuredSums& m_sums;
     const FittedSpectrum& m_spectrum;
-    NormalizedSpectrum m_normalized;
+    std::optional<NormalizedSpectrum> m_normalized;
 };
 
 /// A fitted point of the target with the references there.
@@ -134,11 +159,12 @@ Residuals::Residuals(const JudgedFit& judged)
         const double energy = points[i].energy;
         if (!judged.range.contains(energy))
             continue;
-        const double x1 = m_ref1.at(energy);
-        const double x2 = m_ref2.at(energy);
+        const Between place1 = m_ref1.place(energy);
+        const Between place2 = m_ref2.place(energy);
+        const double x1 = m_ref1.at(place1, energy);
+        const double x2 = m_ref2.at(place2, energy);
         const double fitted = m_fit.p1 * x1 + m_fit.p2 * x2 + m_fit.p3;
-        m_points.push_back(
-            {i, m_ref1.place(energy), m_ref2.place(energy), x1, x2, m_target.ofPoint(i) - fitted});
+        m_points.push_back({i, place1, place2, x1, x2, m_target.ofPoint(i) - fitted});
     }
     findInfluence();
 }

@@ -65,6 +65,21 @@ Vector<6> MeasuredSums::basesAt(std::size_t point) const
     return bases;
 }
 
+double MeasuredSums::fitWeight(const Vector<6>& fits, std::size_t point) const
+{
+    const double energy = m_spectrum.points[point].energy;
+    double weight = 0.0;
+    if (m_pre.selects(energy)) {
+        const Vector<3> q = m_pre.at(energy);
+        weight += fits[0] * q[0] + fits[1] * q[1] + fits[2] * q[2];
+    }
+    if (m_post.selects(energy)) {
+        const Vector<3> q = m_post.at(energy);
+        weight += fits[3] * q[0] + fits[4] * q[1] + fits[5] * q[2];
+    }
+    return weight;
+}
+
 std::vector<double> MeasuredSums::weights(const MeasuredSum& sum) const
 {
     std::vector<double> weights(m_spectrum.points.size(), 0.0);
@@ -73,7 +88,7 @@ std::vector<double> MeasuredSums::weights(const MeasuredSum& sum) const
     const bool fitted =
         std::any_of(sum.fits.begin(), sum.fits.end(), [](double weight) { return weight != 0.0; });
     for (std::size_t j = 0; fitted && j < weights.size(); ++j)
-        weights[j] = dot(sum.fits, basesAt(j));
+        weights[j] = fitWeight(sum.fits, j);
     for (std::size_t k = 0; k < sum.point.size(); ++k)
         weights[sum.point[k]] += sum.weight[k];
     return weights;

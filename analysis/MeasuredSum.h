@@ -31,6 +31,8 @@ public:
 
     /// Base functions of both fits at a point of the spectrum: 0 for a fit that leaves it out.
     Vector<6> basesAt(std::size_t point) const;
+    /// Their product with the weights of a sum.
+    double fitWeight(const Vector<6>& fits, std::size_t point) const;
     /// Base functions of one fit at an energy (eV); the other's are 0.
     Vector<6> preAt(double energy) const;
     Vector<6> postAt(double energy) const;

@@ -83,6 +83,29 @@ bool Closure::isDoubtful() const
     return off(ref1.point, 1.0) || off(ref2.point, 0.0);
 }
 
+TargetChanges targetChanges(const AnalysisInput& input)
+{
+    if (!input.spectra.isValid(SpectrumSet::Target))
+        return {};
+    AnalysisInput exact = input;
+    exact.table = unroundedTable(input.table, input.spectra, input.conditions);
+    const auto fraction = [&]() -> std::optional<double> {
+        const auto result = targetResult(exact);
+        const auto* found = std::get_if<TargetResult>(&result);
+        return found != nullptr ? std::optional<double>(found->a) : std::nullopt;
+    };
+    const std::optional<double> found = fraction();
+    const SubtractedLine line = subtractedLine(SpectrumSet::Target, input.conditions);
+    const auto with = [&](const FittedSpectrum& target) {
+        for (PointRow& row : exact.table)
+            row.mutTarget =
+                row.energy != 0.0 ? mutLess(target, line, row.energy).value_or(0.0) : 0.0;
+        return difference(fraction(), found);
+    };
+    const FittedSpectrum& target = *input.spectra[SpectrumSet::Target];
+    return {with(withShift(target, usualShift)), with(withLeakage(target, usualLeakage))};
+}
+
 Closure closureOf(const AnalysisInput& input)
 {
     Closure closure;

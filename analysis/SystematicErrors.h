@@ -41,6 +41,14 @@ struct SystematicErrors {
 /// @param spread  of the target's thickness over its mean
 SystematicErrors systematicErrors(const AnalysisInput& input, double spread = 0.0);
 
+/// What the table of many targets tells of each: the point method alone, and faults of the target.
+struct TargetChanges {
+    std::optional<double> shift;   ///< change of the fraction for usualShift
+    std::optional<double> leakage; ///< for usualLeakage
+};
+
+TargetChanges targetChanges(const AnalysisInput& input);
+
 /// Each reference in the target's place: a method whose assumptions hold finds 1 and 0. It finds
 /// wrong crossings and thickness ratios; an error of the target alone it cannot see.
 struct Closure {

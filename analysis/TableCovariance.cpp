@@ -20,7 +20,7 @@ double ofPoints(const MeasuredSums& sums, const SpectrumNoise& noise, const Meas
             continue;
         double weight = 0.0;
         if (other.fits != Vector<6>{})
-            weight = dot(other.fits, sums.basesAt(points.point[k]));
+            weight = sums.fitWeight(other.fits, points.point[k]);
         for (std::size_t l = 0; l < other.point.size(); ++l)
             if (other.point[l] == points.point[k])
                 weight += other.weight[l];
@@ -40,7 +40,7 @@ double ofFits(const MeasuredSums& sums, const SpectrumNoise& noise, const Matrix
         covariance += fits.fits[k] * dot(products[k], other.fits);
     for (std::size_t l = 0; l < other.point.size(); ++l)
         if (other.weight[l] != 0.0)
-            covariance += other.weight[l] * dot(fits.fits, sums.basesAt(other.point[l])) *
+            covariance += other.weight[l] * sums.fitWeight(fits.fits, other.point[l]) *
                           noise.varianceAt(other.point[l]);
     return covariance;
 }
@@ -90,10 +90,9 @@ Sums entrySums(const MeasuredSums& sums, SubtractedLine line, const PointRows& r
     return entries;
 }
 
-TableCovariance tableCovariance(const FittedSpectrum& spectrum, SubtractedLine line,
+TableCovariance tableCovariance(const MeasuredSums& sums, SubtractedLine line,
                                 const PointRows& rows, const SpectrumNoise& noise)
 {
-    const MeasuredSums sums(spectrum);
     const Sums entries = entrySums(sums, line, rows);
     const Matrix<6> products = sums.baseProducts(noise);
     TableCovariance covariance;

@@ -34,5 +34,5 @@ std::array<MeasuredSum, pointTableRows + 1> entrySums(const MeasuredSums& sums, 
 
 /// Of a spectrum whose bounds are set.
 /// @param rows  at most pointTableRows
-TableCovariance tableCovariance(const FittedSpectrum& spectrum, SubtractedLine line,
+TableCovariance tableCovariance(const MeasuredSums& sums, SubtractedLine line,
                                 const PointRows& rows, const SpectrumNoise& noise);

@@ -77,7 +77,7 @@ TableCovariances tableCovariances(const AnalysisInput& input, const SpectrumNois
         if (!input.spectra.isValid(spectrum))
             covariances[i] = TableCovariance();
         else if (noises[i])
-            covariances[i] = tableCovariance(*input.spectra[spectrum],
+            covariances[i] = tableCovariance(MeasuredSums(*input.spectra[spectrum]),
                                              subtractedLine(spectrum, input.conditions),
                                              input.table, *noises[i]);
     }

@@ -3,6 +3,8 @@
 #include "analysis/Victreen.h"
 
 #include <cmath>
+#include <cstddef>
+#include <vector>
 
 namespace
 {
@@ -33,35 +35,33 @@ VictreenBasis VictreenBasis::above(const SpectrumPoints& points, double limit)
 VictreenBasis::VictreenBasis(const SpectrumPoints& points, double limit, bool isAbove)
     : m_limit(limit), m_isAbove(isAbove)
 {
-    double n = 0.0;
+    std::vector<double> cubes;
+    std::vector<double> fourths;
     for (const SpectrumPoint& point : points) {
         if (!selects(point.energy))
             continue;
-        n += 1.0;
-        m_mean3 += cube(point.energy);
-        m_mean4 += fourth(point.energy);
+        cubes.push_back(cube(point.energy));
+        fourths.push_back(fourth(point.energy));
+        m_mean3 += cubes.back();
+        m_mean4 += fourths.back();
     }
+    const auto n = static_cast<double>(cubes.size());
     m_mean3 /= n;
     m_mean4 /= n;
-    double norm = 0.0;
+    double firstNorm = 0.0;
     double product = 0.0;
-    for (const SpectrumPoint& point : points) {
-        if (!selects(point.energy))
-            continue;
-        const double first = cube(point.energy) - m_mean3;
-        norm += first * first;
-        product += first * (fourth(point.energy) - m_mean4);
+    for (std::size_t i = 0; i < cubes.size(); ++i) {
+        const double first = cubes[i] - m_mean3;
+        firstNorm += first * first;
+        product += first * (fourths[i] - m_mean4);
     }
-    m_slope = product / norm;
-    m_scale = {1.0 / std::sqrt(n), 1.0 / std::sqrt(norm), 1.0};
-    norm = 0.0;
-    for (const SpectrumPoint& point : points) {
-        if (!selects(point.energy))
-            continue;
-        const double second = at(point.energy)[2];
-        norm += second * second;
+    m_slope = product / firstNorm;
+    double secondNorm = 0.0;
+    for (std::size_t i = 0; i < cubes.size(); ++i) {
+        const double second = fourths[i] - m_mean4 - m_slope * (cubes[i] - m_mean3);
+        secondNorm += second * second;
     }
-    m_scale[2] = 1.0 / std::sqrt(norm);
+    m_scale = {1.0 / std::sqrt(n), 1.0 / std::sqrt(firstNorm), 1.0 / std::sqrt(secondNorm)};
 }
 
 Vector<3> VictreenBasis::at(double energy) const

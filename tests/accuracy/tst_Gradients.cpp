@@ -346,7 +346,7 @@ void tst_Gradients::covarianceIsTheSumOverAllPoints()
         PointRows rows = tableOf(that, {literalSpectrum(that, that.sample.measured[0])});
         rows[5].energy = rows[4].energy + 1e-3; // between the same neighbours
         const auto entries = entrySums(sums, line, rows);
-        const TableCovariance covariance = tableCovariance(spectrum, line, rows, noise);
+        const TableCovariance covariance = tableCovariance(sums, line, rows, noise);
         QCOMPARE(covariance.degrees, 17.0);
         for (std::size_t k = 0; k < entries.size(); ++k)
             for (std::size_t l = 0; l < entries.size(); ++l) {
