@@ -18,16 +18,23 @@ JobError cannotOpen(const JobFilePath& file, const QString& why)
 }
 
 /// @param name  of the file, in the reason why it is of no use
-std::shared_ptr<const AXafsData> spectrumIn(const ByteSource& bytes, const QString& name,
-                                            const Settings& settings, QString& why)
+bool takeSpectrum(const ByteSource& bytes, const QString& name, std::size_t i, JobData& data,
+                  QString& why)
 {
     auto spectrum = std::make_shared<AXafsData>();
-    spectrum->setBounds(settings.bounds());
-    if (spectrum->read(bytes, name))
-        return spectrum;
+    spectrum->setBounds(data.settings.bounds());
+    std::vector<Readings> readings;
+    data.spectra[i] = nullptr;
+    if (spectrum->read(bytes, name, &readings)) {
+        data.noises[i] = noiseOf(*spectrum, readings, data.noise);
+        if (data.noise.model != NoiseModel::None)
+            data.gains[i] = gainFound(spectrum->points, readings, spectrum->preEdgeEnd);
+        data.spectra[i] = std::move(spectrum);
+        return true;
+    }
     why = spectrum->refusal.isEmpty() ? QStringLiteral("no spectrum in %1").arg(name)
                                       : spectrum->refusal;
-    return nullptr;
+    return false;
 }
 
 std::optional<JobError> readSpectrum(const JobFilePath& file, std::size_t i, JobData& data)
@@ -38,8 +45,7 @@ std::optional<JobError> readSpectrum(const JobFilePath& file, std::size_t i, Job
         return cannotOpen(file, why);
     if (source->bytes().size() <= largestSpectrum)
         data.digests[i] = source->digest();
-    data.spectra[i] = spectrumIn(source->bytes(), file.path, data.settings, why);
-    if (!data.spectra[i])
+    if (!takeSpectrum(source->bytes(), file.path, i, data, why))
         return JobError{file.place, why};
     if (!data.digests[i] || !source->isStill(*data.digests[i]))
         return JobError{file.place, QStringLiteral("%1 changes while it is read").arg(file.path)};
@@ -125,8 +131,11 @@ std::optional<JobData> withTarget(const JobData& common, const ByteSource& bytes
     JobData data;
     data.settings = common.settings;
     data.spectra = common.spectra;
-    data.spectra[SpectrumSet::Target] = spectrumIn(bytes, name, data.settings, error);
-    if (!data.spectra[SpectrumSet::Target])
+    data.noise = common.noise;
+    data.noises = common.noises;
+    data.gains = common.gains;
+    data.uncertainty = common.uncertainty;
+    if (!takeSpectrum(bytes, name, SpectrumSet::Target, data, error))
         return std::nullopt;
     prepareInput(data);
     return data;
@@ -138,6 +147,8 @@ std::optional<JobData> withImages(const JobData& common, const std::vector<JobFi
     JobData data;
     data.settings = common.settings;
     data.spectra = common.spectra;
+    data.noise = common.noise;
+    data.noises = common.noises;
     for (std::size_t i = 0; i < data.settings.points.size(); ++i)
         data.settings.points[i].use &= i < images.size() && !images[i].path.isEmpty();
     if (auto wrong = readImages(images, data, workers)) {
@@ -152,6 +163,7 @@ std::optional<JobData> readJobData(const Job& job, JobError& error)
 {
     JobData data;
     data.settings = settingsOf(job);
+    data.noise = noiseSettingsOf(job);
     std::optional<JobError> wrong = readSpectra(job, data);
     if (!wrong)
         wrong = readImages(imagesOf(job), data, Workers::shared());
@@ -160,5 +172,7 @@ std::optional<JobData> readJobData(const Job& job, JobError& error)
         return std::nullopt;
     }
     prepareInput(data);
+    if (!job.targets.empty())
+        data.uncertainty = commonUncertainty(data.input, data.noises);
     return data;
 }

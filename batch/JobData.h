@@ -3,6 +3,7 @@
 #include "batch/Digest.h"
 #include "batch/JobFile.h"
 #include "batch/JobSettings.h"
+#include "batch/NoiseSettings.h"
 #include "input/AXafsData.h"
 #include "input/MapData.h"
 
@@ -18,6 +19,12 @@ struct JobData {
     std::array<std::shared_ptr<const AXafsData>, SpectrumSet::count> spectra;
     /// Of the spectra's files; of the bytes that were read.
     std::array<std::optional<Digest>, SpectrumSet::count> digests;
+    SpectrumNoises noises; ///< of the spectra
+    /// Of the spectra: variance found in the scatter over that of as many photons.
+    std::array<std::optional<double>, SpectrumSet::count> gains;
+    /// What the targets have in common of their uncertainties; null where none are wanted.
+    std::shared_ptr<const CommonUncertainty> uncertainty;
+    NoiseSettings noise;
     std::vector<MapData> maps; ///< [settings.points.size()]
     /// Of the images of a map that is not the job's own, in their order; none for no image.
     std::vector<std::optional<Digest>> imageDigests;

@@ -56,6 +56,13 @@ struct JobHistogram {
     JobPlace place;
 };
 
+/// Where the noise of measured mu-t comes from.
+enum class NoiseModel {
+    Scatter, ///< of the points before the edge
+    Counts,  ///< of counted photons
+    None,    ///< no uncertainties are formed
+};
+
 /// Of what is made to be read.
 enum class Language { English, Japanese };
 
@@ -94,6 +101,13 @@ struct Job {
     std::optional<bool> targetMinusVictreen;
     std::optional<bool> victreenIsPre; ///< which line: of the pre-edge, or of the post-edge
     std::optional<bool> exactMethod;   ///< exact, or least squares
+
+    NoiseModel noise = NoiseModel::Scatter;
+    QString gain;          ///< variance over reading of the detector behind the sample
+    QString gain0;         ///< of that before the sample
+    QString level;         ///< of the valence's interval
+    QString rankCounts;    ///< photons a point, for the ranking of energies
+    QString rankThickness; ///< t/ts of its target
 
     JobFilePath mapResult; ///< result file of the map
 

@@ -61,22 +61,25 @@ KeyReader::Keys JobReader::keys()
     const Handler maps = [this](const toml::node& node, const QString& key) {
         readTables(node, key, [&](const toml::table& table) { readMap(table, key); });
     };
-    return {{"files", {}, fileKeys()},
-            {"edge",
-             {},
-             {{"energy", number(job.edge, job.edgePlace)},
-              {"pre_edge_end", number(job.preEdgeEnd, job.preEdgeEndPlace)},
-              {"post_edge_start", number(job.postEdgeStart, job.postEdgeStartPlace)}}},
-            {"valences", {}, {{"ref1", number(job.valence1)}, {"ref2", number(job.valence2)}}},
-            {"point", call(&JobReader::readPoints), pointKeys(m_anyPoint)},
-            {"conditions", {}, conditionKeys()},
-            {"map", maps, mapKeys(m_anyMap)},
-            {"histogram",
-             {},
-             {{"valence", {}, histogramKeys(job.valenceHistogram)},
-              {"thickness", {}, histogramKeys(job.thicknessHistogram)}}},
-            {"output", {}, outputKeys()},
-            {"calculate", call(&JobReader::readCalculate)}};
+    return {
+        {"files", {}, fileKeys()},
+        {"edge",
+         {},
+         {{"energy", number(job.edge, job.edgePlace)},
+          {"pre_edge_end", number(job.preEdgeEnd, job.preEdgeEndPlace)},
+          {"post_edge_start", number(job.postEdgeStart, job.postEdgeStartPlace)}}},
+        {"valences", {}, {{"ref1", number(job.valence1)}, {"ref2", number(job.valence2)}}},
+        {"point", call(&JobReader::readPoints), pointKeys(m_anyPoint)},
+        {"conditions", {}, conditionKeys()},
+        {"noise", {}, noiseKeys()},
+        {"rank", {}, {{"counts", positive(job.rankCounts)}, {"t_ts", positive(job.rankThickness)}}},
+        {"map", maps, mapKeys(m_anyMap)},
+        {"histogram",
+         {},
+         {{"valence", {}, histogramKeys(job.valenceHistogram)},
+          {"thickness", {}, histogramKeys(job.thicknessHistogram)}}},
+        {"output", {}, outputKeys()},
+        {"calculate", call(&JobReader::readCalculate)}};
 }
 
 KeyReader::Keys JobReader::fileKeys()
@@ -104,6 +107,31 @@ KeyReader::Keys JobReader::conditionKeys()
                                       {{"pre", true}, {"post", false}})},
             {"method", choice<bool>([this](bool exact) { job.exactMethod = exact; },
                                     {{"exact", true}, {"least-squares", false}})}};
+}
+
+KeyReader::Handler JobReader::positive(QString& text)
+{
+    return [this, &text](const toml::node& node, const QString& key) {
+        number(text)(node, key);
+        if (!text.isEmpty() && !(numberFromText(text) > 0.0))
+            fail(node, key, QStringLiteral("must be above 0"));
+    };
+}
+
+KeyReader::Keys JobReader::noiseKeys()
+{
+    const Handler level = [this](const toml::node& node, const QString& key) {
+        positive(job.level)(node, key);
+        if (!job.level.isEmpty() && !(numberFromText(job.level) < 1.0))
+            fail(node, key, QStringLiteral("must be below 1"));
+    };
+    return {{"model", choice<NoiseModel>([this](NoiseModel model) { job.noise = model; },
+                                         {{"scatter", NoiseModel::Scatter},
+                                          {"counts", NoiseModel::Counts},
+                                          {"none", NoiseModel::None}})},
+            {"gain", positive(job.gain)},
+            {"gain0", positive(job.gain0)},
+            {"level", level}};
 }
 
 KeyReader::Keys JobReader::outputKeys()

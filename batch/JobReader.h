@@ -21,6 +21,8 @@ private:
     Keys keys();
     Keys fileKeys();
     Keys conditionKeys();
+    Handler positive(QString& text);
+    Keys noiseKeys();
     Keys outputKeys();
     Keys histogramKeys(JobHistogram& histogram);
     Keys pointKeys(JobPoint& point);

@@ -44,6 +44,20 @@ victreen = "post"
 # "exact" (four points) or "least-squares" (four points or more).
 method = "least-squares"
 
+# How sure the results are. The noise of a spectrum comes from its "scatter" before the edge, or
+# from "counts": the readings times a gain for each detector, behind and before the sample.
+# "none" leaves the uncertainties out. level is that of the interval of the valence.
+[noise]
+model = "scatter"
+gain = 1.0
+gain0 = 1.0
+level = 0.683
+
+# For drovik-batch --rank: photons before the sample at each energy, and the target's t/ts.
+[rank]
+counts = 1e8
+t_ts = 1.0
+
 # The rows of the point table, eight at most. One has v_point, where the references differ.
 # t_ratio chooses the points of the thickness ratio and the range of the linear combination
 # fit; use = false leaves a row out of the point method.

@@ -100,21 +100,26 @@ TargetRow analyseTarget(const Job& job, const JobData& common, const QString& na
     calculate(job, *data, row);
     if (row.fit)
         row.fitValence = row.fit->valence(data->settings.valences);
+    row.figures =
+        targetFigures(*data, row.result ? &*row.result : nullptr, row.fit ? &*row.fit : nullptr);
     if (job.pictures)
         drawGraphs(job, *data, row);
     for (const JobError& doubt : doubtsBefore(factsOf(job, *data)))
         row.warnings += doubt.reason;
     for (const JobError& doubt : doubtsAfter(resultsOf(row)))
         row.warnings += doubt.reason;
+    row.warnings += row.figures.doubts;
     return row;
 }
 
 QByteArrayList targetColumns()
 {
-    return {"target",      "method",        "a",       "valence", "t_ts",      "sbys",
-            "mean",        "ls_a",          "ls_b",    "ls_a_nb", "ls_b_nb",   "vic2",
-            "edge_jump",   "edge_jump_noc", "lcf_w1",  "lcf_w2",  "lcf_const", "lcf_a",
-            "lcf_valence", "lcf_r_factor",  "refusal", "warnings"};
+    QByteArrayList columns{"target",  "method",    "a",         "valence",       "t_ts",
+                           "sbys",    "mean",      "ls_a",      "ls_b",          "ls_a_nb",
+                           "ls_b_nb", "vic2",      "edge_jump", "edge_jump_noc", "lcf_w1",
+                           "lcf_w2",  "lcf_const", "lcf_a",     "lcf_valence",   "lcf_r_factor"};
+    return columns << figureColumns() << "refusal"
+                   << "warnings";
 }
 
 QByteArrayList targetFields(const TargetRow& row)
@@ -138,5 +143,6 @@ QByteArrayList targetFields(const TargetRow& row)
           ofFit([](const LinearCombination& fit) { return fit.share1(); }), row.fitValence,
           ofFit([](const LinearCombination& fit) { return fit.rFactor; })})
         fields += csv::number(number);
-    return fields << row.refusal.toUtf8() << row.warnings.join(QStringLiteral("; ")).toUtf8();
+    return fields << figureFields(row.figures) << row.refusal.toUtf8()
+                  << row.warnings.join(QStringLiteral("; ")).toUtf8();
 }

@@ -3,6 +3,7 @@
 #include "analysis/LinearCombinationFit.h"
 #include "batch/JobChecks.h"
 #include "batch/JobData.h"
+#include "batch/TargetFigures.h"
 
 #include <QByteArrayList>
 #include <QStringList>
@@ -17,6 +18,7 @@ struct TargetRow {
     std::optional<double> edgeJumpNoC; ///< between the two-term lines
     std::optional<LinearCombination> fit;
     std::optional<double> fitValence;
+    TargetFigures figures;
     QString refusal;      ///< the first thing that could not be done, and why
     QStringList warnings; ///< what a physicist would doubt
     QStringList pictures; ///< files that were written

@@ -4,6 +4,7 @@
 #include "batch/JobTemplate.h"
 #include "batch/Merge.h"
 #include "batch/PictureApplication.h"
+#include "batch/RankTable.h"
 #include "batch/Replay.h"
 #include "batch/ResultPath.h"
 #include "batch/TargetsJob.h"
@@ -58,11 +59,35 @@ int analyseOne(const QString& path, const Job& job, bool checkOnly)
     return report(path, job, runJob(job, *data));
 }
 
+int rankJob(const QString& path, const Job& job)
+{
+    Job references = job; // no target is needed
+    references.spectra[SpectrumSet::Target] = {};
+    references.targets.clear();
+    references.maps.clear();
+    if (references.points)
+        for (JobPoint& point : *references.points)
+            point.map = {};
+    JobError error;
+    const std::optional<JobData> data = readJobData(references, error);
+    if (!data)
+        return complain(errorText(path, error));
+    const std::vector<RankedChoice> ranked = rankEnergies(data->input, rankedTargetOf(job));
+    if (ranked.empty())
+        return complain(QStringLiteral("No energies were found: the references need common "
+                                       "energies below the edge, and two crossings above it."),
+                        ExitStatus::SomeRefused);
+    if (!console::print(rankTable(ranked, data->settings.valences)))
+        return complain(QStringLiteral("The table cannot be written."), ExitStatus::FileFailed);
+    return static_cast<int>(ExitStatus::Done);
+}
+
 /// What the command line asks for.
 struct Options {
     bool help = false;
     bool version = false;
     bool showTemplate = false;
+    bool rank = false;
     bool merge = false;
     QString replay;    ///< path of a record
     QStringList names; ///< all that is no option
@@ -113,8 +138,11 @@ QString readOptions(QCommandLineParser& parser, Options& options)
     const QCommandLineOption watch(
         QStringLiteral("watch"),
         QStringLiteral("Goes on with new files of the job, until a signal ends it."));
-    parser.addOptions(
-        {merge, replay, watch, check, list, zero, example, threads, quiet, verbose, again, shard});
+    const QCommandLineOption rank(
+        QStringLiteral("rank"),
+        QStringLiteral("Prints which energies to measure, the best first, from the references."));
+    parser.addOptions({merge, replay, watch, rank, check, list, zero, example, threads, quiet,
+                       verbose, again, shard});
     parser.addPositionalArgument(QStringLiteral("JOB.toml"),
                                  QStringLiteral("Spectra, points and conditions."));
     if (!parser.parse(QCoreApplication::arguments()))
@@ -122,6 +150,7 @@ QString readOptions(QCommandLineParser& parser, Options& options)
     options.help = parser.isSet(help);
     options.version = parser.isSet(version);
     options.showTemplate = parser.isSet(example);
+    options.rank = parser.isSet(rank);
     options.run.checkOnly = parser.isSet(check);
     options.run.listOnly = parser.isSet(list);
     options.run.listWithNul = parser.isSet(zero);
@@ -178,6 +207,8 @@ int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
         text ? parseJob(*text, QFileInfo(options.job).absolutePath(), error) : std::nullopt;
     if (!job)
         return complain(errorText(options.job, error));
+    if (options.rank)
+        return rankJob(options.job, *job);
     if (job->paints()) {
         application.reset();
         application = pictureApplication(argc, argv);

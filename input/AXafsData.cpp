@@ -30,11 +30,11 @@ bool AXafsData::read(const QString& path)
     return take(outcome, std::move(found), path);
 }
 
-bool AXafsData::read(const ByteSource& bytes, const QString& path)
+bool AXafsData::read(const ByteSource& bytes, const QString& path, std::vector<Readings>* readings)
 {
     try {
         SpectrumPoints found;
-        const ReadOutcome outcome = readSpectrum(bytes, found);
+        const ReadOutcome outcome = readSpectrum(bytes, found, 0, readings);
         return take(outcome, std::move(found), path);
     } catch (const std::bad_alloc&) {
         return take(ReadOutcome::TooLarge, {}, path);

@@ -1,9 +1,12 @@
 #pragma once
 
 #include "analysis/FittedSpectrum.h"
+#include "analysis/SpectrumNoise.h"
 #include "system/ReadOutcome.h"
 
 #include <QString>
+
+#include <vector>
 
 class ByteSource;
 
@@ -22,7 +25,9 @@ public:
 
     /// The same from bytes.
     /// @param path  stands for the file in `fileName` and `refusal`
-    bool read(const ByteSource& bytes, const QString& path);
+    /// @param readings  are set to what the detectors read at each point, where data were taken
+    bool read(const ByteSource& bytes, const QString& path,
+              std::vector<Readings>* readings = nullptr);
 
 private:
     bool take(ReadOutcome outcome, SpectrumPoints found, const QString& path);

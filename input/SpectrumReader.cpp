@@ -72,8 +72,11 @@ bool SpectrumReader::readLine(std::string_view line)
     if (!hasRoom())
         return false;
     const double angle = number(row[1]);
-    m_points.push_back(
-        {angle, photonEnergy(angle, m_spacing), absorption(number(row[3]), number(row[4]))});
+    const Readings readings{number(row[3]), number(row[4])};
+    m_points.push_back({angle, photonEnergy(angle, m_spacing),
+                        absorption(readings.incident, readings.transmitted)});
+    if (m_readings != nullptr)
+        m_readings->push_back(readings);
     return true;
 }
 
@@ -95,11 +98,13 @@ void SpectrumReader::readHeaderLine(std::string_view line)
 /// For another point. A list that is full moves to one of twice its size, and both are there then.
 bool SpectrumReader::hasRoom() const
 {
-    return m_points.size() < m_points.capacity() ||
-           3 * m_points.capacity() * sizeof(SpectrumPoint) <= m_memory;
+    constexpr std::size_t all = sizeof(SpectrumPoint) + sizeof(Readings);
+    const std::size_t bytes = m_readings != nullptr ? all : sizeof(SpectrumPoint);
+    return m_points.size() < m_points.capacity() || 3 * m_points.capacity() * bytes <= m_memory;
 }
 
-ReadOutcome readSpectrum(const ByteSource& file, SpectrumPoints& points, std::size_t memory)
+ReadOutcome readSpectrum(const ByteSource& file, SpectrumPoints& points, std::size_t memory,
+                         std::vector<Readings>* readings)
 {
     if (memory == 0)
         memory =
@@ -109,7 +114,8 @@ ReadOutcome readSpectrum(const ByteSource& file, SpectrumPoints& points, std::si
     const TextBytes text(file, memory);
     if (text.outcome() != ReadOutcome::Read)
         return text.outcome();
-    SpectrumReader reader(memory);
+    std::vector<Readings> found;
+    SpectrumReader reader(memory, readings != nullptr ? &found : nullptr);
     LineReader lines(text.bytes(), pieceBytes);
     LineRange all;
     all.begin = text.start();
@@ -124,6 +130,8 @@ ReadOutcome readSpectrum(const ByteSource& file, SpectrumPoints& points, std::si
             break;
         case LinesResult::End:
             points = reader.takePoints();
+            if (readings != nullptr)
+                *readings = points.empty() ? std::vector<Readings>() : std::move(found);
             return ReadOutcome::Read;
         case LinesResult::TooLarge:
             return ReadOutcome::TooLarge;

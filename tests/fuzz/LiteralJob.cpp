@@ -121,6 +121,29 @@ bool readFiles(const toml::table& root, const QString& folder, Job& job)
     return files.ok;
 }
 
+bool isPositive(const QString& text)
+{
+    return text.isEmpty() || text.toDouble() > 0;
+}
+
+bool readNoise(const toml::table& root, Job& job)
+{
+    Reading noise = section(root, "noise", "model gain gain0 level");
+    const auto model = noise.word(
+        "model", {QStringLiteral("scatter"), QStringLiteral("counts"), QStringLiteral("none")});
+    const NoiseModel models[] = {NoiseModel::Scatter, NoiseModel::Counts, NoiseModel::None};
+    job.noise = models[model.value_or(0)];
+    job.gain = noise.number("gain");
+    job.gain0 = noise.number("gain0");
+    job.level = noise.number("level");
+    Reading rank = section(root, "rank", "counts t_ts");
+    job.rankCounts = rank.number("counts");
+    job.rankThickness = rank.number("t_ts");
+    return noise.ok && rank.ok && isPositive(job.gain) && isPositive(job.gain0) &&
+           isPositive(job.level) && (job.level.isEmpty() || job.level.toDouble() < 1) &&
+           isPositive(job.rankCounts) && isPositive(job.rankThickness);
+}
+
 bool readOutput(const toml::table& root, const QString& folder, Job& job)
 {
     Reading output = section(root, "output", "folder pictures report map_files language");
@@ -370,10 +393,11 @@ bool readJob(const QByteArray& text, const QString& folder, Job& job)
     const QStringList keys{
         QStringLiteral("files"),  QStringLiteral("edge"),       QStringLiteral("valences"),
         QStringLiteral("point"),  QStringLiteral("conditions"), QStringLiteral("calculate"),
-        QStringLiteral("output"), QStringLiteral("map"),        QStringLiteral("histogram")};
+        QStringLiteral("output"), QStringLiteral("map"),        QStringLiteral("histogram"),
+        QStringLiteral("noise"),  QStringLiteral("rank")};
     return onlyKeys(root, keys) && readFiles(root, folder, job) && readNumbers(root, job) &&
            readConditions(root, job) && readPoints(root, folder, job) && readCalculate(root, job) &&
-           readOutput(root, folder, job) && readHistograms(root, job) &&
+           readNoise(root, job) && readOutput(root, folder, job) && readHistograms(root, job) &&
            readMaps(root, folder, job) && mapsFit(job) && targetsFit(job);
 }
 

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "analysis/EnergyRanking.h"
+#include "analysis/LcfUncertainty.h"
+#include "analysis/SystematicErrors.h"
+#include "analysis/TargetUncertainty.h"
+#include "batch/JobFile.h"
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+/// What a job says of the noise, in numbers.
+struct NoiseSettings {
+    NoiseModel model = NoiseModel::Scatter;
+    DetectorGains gains;
+    double level = 0.683; ///< of the valence's interval
+};
+
+NoiseSettings noiseSettingsOf(const Job& job);
+
+/// For what target a job wants energies ranked.
+RankedTarget rankedTargetOf(const Job& job);
+
+/// The noise of a spectrum.
+/// @param readings  at each of its points
+/// @return nothing for no model, or where it cannot be known
+std::optional<SpectrumNoise> noiseOf(const FittedSpectrum& spectrum,
+                                     const std::vector<Readings>& readings,
+                                     const NoiseSettings& settings);
+
+/// What all targets of a job share of their uncertainties, formed once.
+struct CommonUncertainty {
+    TableCovariances covariances; ///< of references and blank
+    std::optional<MeasuredSums> ref1;
+    std::optional<MeasuredSums> ref2;
+    Closure closure;
+};
+
+/// @param input  of the job without a target; its spectra must live as long
+std::shared_ptr<const CommonUncertainty> commonUncertainty(const AnalysisInput& input,
+                                                           const SpectrumNoises& noises);

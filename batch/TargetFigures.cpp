@@ -1,0 +1,137 @@
+#include "batch/TargetFigures.h"
+
+#include "text/Csv.h"
+#include "text/NumberText.h"
+
+#include <cmath>
+
+namespace
+{
+
+using Number = std::optional<double>;
+
+/// What is not known has an empty field.
+Number known(double value)
+{
+    return std::isfinite(value) ? Number(value) : Number();
+}
+
+TableCovariances covariancesOf(const JobData& data, const MeasuredSums& target)
+{
+    TableCovariances covariances = data.uncertainty->covariances;
+    const auto& noise = data.noises[SpectrumSet::Target];
+    covariances[SpectrumSet::Target].reset();
+    if (noise)
+        covariances[SpectrumSet::Target] =
+            tableCovariance(target, subtractedLine(SpectrumSet::Target, data.input.conditions),
+                            data.input.table, *noise);
+    return covariances;
+}
+
+LcfUncertainty fitUncertainty(const JobData& data, const MeasuredSums& target,
+                              const LinearCombination& fit)
+{
+    const CommonUncertainty& common = *data.uncertainty;
+    return lcfUncertainty({*common.ref1, *common.ref2, target, *lcfRange(data.input.table), fit},
+                          data.noises, data.noise.level);
+}
+
+/// Of readings that the job takes for photons, the gain is doubted; of others it is a figure.
+void doubt(const TargetFigures& figures, NoiseModel model, QStringList& doubts)
+{
+    if (figures.point && std::isfinite(figures.point->sigmaA) &&
+        std::isfinite(figures.point->sigmaARef) && !figures.point->a)
+        doubts += QStringLiteral("the interval of the valence has no bounds: the target's scale is "
+                                 "not told from 0");
+    if (model == NoiseModel::Counts && figures.gain &&
+        (*figures.gain < smallestGain || *figures.gain > largestGain))
+        doubts += QStringLiteral("these readings are not photons: their scatter has %1 times the "
+                                 "variance")
+                      .arg(textFromNumber(*figures.gain));
+    if (figures.fit && figures.fit->isBiased())
+        doubts += QStringLiteral("the references' noise moves the fit's a by %1")
+                      .arg(textFromNumber(figures.fit->biasA));
+}
+
+} // namespace
+
+TargetFigures targetFigures(const JobData& data, const TargetResult* result,
+                            const LinearCombination* fit)
+{
+    TargetFigures figures;
+    figures.valences = data.settings.valences;
+    if (!data.uncertainty)
+        return figures;
+    figures.closure = data.uncertainty->closure;
+    if (result != nullptr)
+        figures.changes = targetChanges(data.input);
+    if (data.noise.model == NoiseModel::None)
+        return figures;
+    if (const auto& noise = data.noises[SpectrumSet::Target])
+        figures.noise = noise->sigma;
+    figures.gain = data.gains[SpectrumSet::Target];
+    const MeasuredSums target(*data.spectra[SpectrumSet::Target]);
+    if (result != nullptr) {
+        figures.point = targetUncertainty(data.input, result->method, covariancesOf(data, target),
+                                          data.noise.level);
+        figures.hasThickness = result->method != Method::ThreePoint;
+    }
+    const CommonUncertainty& common = *data.uncertainty;
+    if (fit != nullptr && common.ref1 && common.ref2)
+        figures.fit = fitUncertainty(data, target, *fit);
+    doubt(figures, data.noise.model, figures.doubts);
+    return figures;
+}
+
+QByteArrayList figureColumns()
+{
+    return {
+        "sigma_a",         "sigma_valence",  "sigma_t_ts",    "sigma_a_ref", "sigma_valence_ref",
+        "sigma_t_ts_ref",  "valence_low",    "valence_high",  "lcf_sigma_a", "lcf_sigma_valence",
+        "lcf_sigma_a_ref", "lcf_chi2",       "noise",         "gain",        "closure_ref1",
+        "closure_ref2",    "dvalence_shift", "dvalence_leak", "shift",       "sigma_shift"};
+}
+
+QByteArrayList figureFields(const TargetFigures& figures)
+{
+    const auto ofPoint = [&](auto value) {
+        return figures.point ? known(value(*figures.point)) : Number();
+    };
+    const auto ofThickness = [&](auto value) {
+        return figures.hasThickness ? ofPoint(value) : Number();
+    };
+    const auto ofFit = [&](auto value) {
+        return figures.fit ? known(value(*figures.fit)) : Number();
+    };
+    const auto interval = figures.point ? figures.point->valence(figures.valences) : std::nullopt;
+    const double perA = figures.valences.ref1 - figures.valences.ref2;
+    const auto inValence = [&](const Number& change) {
+        return change ? known(*change * perA) : Number();
+    };
+    using Point = TargetUncertainty;
+    using Fit = LcfUncertainty;
+    QByteArrayList fields;
+    for (const Number& number :
+         {ofPoint([](const Point& p) { return p.sigmaA; }),
+          ofPoint([&](const Point& p) { return p.sigmaValence(figures.valences); }),
+          ofThickness([](const Point& p) { return p.sigmaT; }),
+          ofPoint([](const Point& p) { return p.sigmaARef; }),
+          ofPoint([&](const Point& p) { return p.sigmaValenceRef(figures.valences); }),
+          ofThickness([](const Point& p) { return p.sigmaTRef; }),
+          interval ? Number(interval->low) : Number(),
+          interval ? Number(interval->high) : Number(),
+          ofFit([](const Fit& f) { return f.sigmaA; }),
+          ofFit([&](const Fit& f) { return f.sigmaValence(figures.valences); }),
+          ofFit([](const Fit& f) { return f.sigmaARef; }),
+          ofFit([](const Fit& f) { return f.reducedChiSquare; }),
+          figures.noise,
+          figures.gain,
+          figures.closure.ref1.point,
+          figures.closure.ref2.point,
+          inValence(figures.changes.shift),
+          inValence(figures.changes.leakage),
+          Number(),
+          Number()})
+        fields += csv::number(number);
+    return fields;
+}

@@ -1,0 +1,258 @@
+#include "analysis/SystematicErrors.h"
+#include "batch/TargetFigures.h"
+#include "examples/MixedSampleFiles.h"
+#include "tests/batch/BatchFolder.h"
+#include "tests/support/Files.h"
+
+#include <QDir>
+#include <QtTest>
+
+#include <cmath>
+
+namespace
+{
+
+/// Fields of the first row of a table, by the names of the columns.
+QMap<QByteArray, QByteArray> firstRow(const QByteArray& table)
+{
+    const QList<QByteArray> lines = table.split('\n');
+    const QList<QByteArray> names = lines.value(0).trimmed().split(',');
+    const QList<QByteArray> fields = lines.value(1).trimmed().split(',');
+    QMap<QByteArray, QByteArray> row;
+    for (int i = 0; i < names.size(); ++i)
+        row[names[i]] = fields.value(i);
+    return row;
+}
+
+bool near(double value, double expected, double part = 1e-9)
+{
+    return std::abs(value - expected) <= part * std::abs(expected);
+}
+
+} // namespace
+
+/// What results.csv says of how sure each target is, and which energies `--rank` prints.
+class tst_TargetFigures : public QObject
+{
+    Q_OBJECT
+
+private:
+    BatchFolder m_folder{{35}};
+
+    QMap<QByteArray, QByteArray> rowOf(const QByteArray& more);
+    std::optional<JobData> data(const QByteArray& more) const;
+
+private slots:
+    void initTestCase();
+    void scatterGivesAllFigures();
+    void countsTakeTheReadingsForPhotons();
+    void gainThatIsNoneIsDoubted();
+    void noneLeavesThemOut();
+    void levelWidensTheInterval();
+    void keysAreChecked_data();
+    void keysAreChecked();
+    void energiesAreRanked();
+    void rankingNeedsReferences();
+};
+
+/// The noisy example instead of the folder's smooth spectra.
+void tst_TargetFigures::initTestCase()
+{
+    const QTemporaryDir made;
+    QVERIFY(writeSample(made.path(), MixedSample(), 1).isEmpty());
+    for (const char* name : {"ref1.dat", "ref2.dat", "blank.dat"})
+        m_folder.write(name, contents(made.filePath(QLatin1String(name))));
+    m_folder.write("scans/35.dat", contents(made.filePath(QStringLiteral("target.dat"))));
+}
+
+QMap<QByteArray, QByteArray> tst_TargetFigures::rowOf(const QByteArray& more)
+{
+    m_folder.writeJob(more);
+    const BatchOutput output = m_folder.run({QStringLiteral("--again")});
+    if (output.status != 0)
+        qWarning("%s", qPrintable(output.errors));
+    return firstRow(m_folder.results());
+}
+
+/// The job with the target as its own.
+std::optional<JobData> tst_TargetFigures::data(const QByteArray& more) const
+{
+    JobError error;
+    const auto job = parseJob("[files]\nref1 = \"ref1.dat\"\nref2 = \"ref2.dat\"\nblank = "
+                              "\"blank.dat\"\ntarget = \"scans/35.dat\"\n" +
+                                  BatchFolder::points + more,
+                              m_folder.path(), error);
+    return job ? readJobData(*job, error) : std::nullopt;
+}
+
+void tst_TargetFigures::scatterGivesAllFigures()
+{
+    const auto row = rowOf("[valences]\nref1 = 2\nref2 = 4\n");
+    const auto number = [&](const char* name) { return row[name].toDouble(); };
+    const auto job = data({});
+    QVERIFY(job);
+    const AnalysisInput& input = job->input;
+    const auto noise = scatterNoise(input.spectra[SpectrumSet::Target]->points, 8300.0);
+    QVERIFY(near(number("noise"), noise->sigma));
+    SpectrumNoises noises;
+    for (std::size_t i = 0; i < noises.size(); ++i)
+        noises[i] = scatterNoise(input.spectra.all[i]->points, 8300.0);
+    const TargetUncertainty expected = targetUncertainty(input, Method::FourPointLeastSquares,
+                                                         tableCovariances(input, noises), 0.683);
+    QVERIFY(near(number("sigma_a"), expected.sigmaA));
+    QVERIFY(near(number("sigma_valence"), 2.0 * expected.sigmaA));
+    QVERIFY(near(number("sigma_t_ts"), expected.sigmaT));
+    QVERIFY(near(number("sigma_a_ref"), expected.sigmaARef));
+    QVERIFY(near(number("sigma_valence_ref"), 2.0 * expected.sigmaARef));
+    QVERIFY(near(number("sigma_t_ts_ref"), expected.sigmaTRef));
+    QVERIFY(near(number("valence_low"), 4.0 - 2.0 * expected.a->high));
+    QVERIFY(near(number("valence_high"), 4.0 - 2.0 * expected.a->low));
+    QVERIFY(number("lcf_sigma_a") > 0.0 && number("lcf_sigma_a_ref") > 0.0);
+    QVERIFY(near(number("lcf_sigma_valence"), 2.0 * number("lcf_sigma_a")));
+    QVERIFY(number("lcf_chi2") > 0.5 && number("lcf_chi2") < 5.0);
+    QVERIFY(number("gain") > smallestGain && number("gain") < largestGain); // counted photons
+    const Closure closure = closureOf(input);
+    QVERIFY(near(number("closure_ref1"), *closure.ref1.point));
+    QVERIFY(near(number("closure_ref2"), *closure.ref2.point));
+    const SystematicErrors errors = systematicErrors(input);
+    QVERIFY(near(number("dvalence_shift"), -2.0 * *errors.targetShift.point));
+    QVERIFY(near(number("dvalence_leak"), -2.0 * *errors.leakage.point));
+    QCOMPARE(row["warnings"], QByteArray());
+}
+
+/// sigma^2 is the mean of g0 / I0 + g / I before the edge.
+void tst_TargetFigures::countsTakeTheReadingsForPhotons()
+{
+    const auto row =
+        rowOf("[edge]\npre_edge_end = -52\n[noise]\nmodel = \"counts\"\ngain = 1.5\ngain0 = 3\n");
+    double sum = 0.0;
+    int points = 0;
+    for (const QByteArray& line : contents(m_folder.file("scans/35.dat")).split('\n')) {
+        const QList<QByteArray> tokens = line.simplified().split(' ');
+        if (tokens.size() < 5 || tokens[3].toDouble() < 1e6)
+            continue;
+        const double angle = tokens[1].toDouble() * 3.1415926535 / 180.0;
+        const double energy = 12398.424360387684 / (2.0 * 3.1355316 * std::sin(angle));
+        if (energy >= 8298.0)
+            continue;
+        sum += 3.0 / tokens[3].toDouble() + 1.5 / tokens[4].toDouble();
+        ++points;
+    }
+    QVERIFY(points > 50);
+    QVERIFY2(near(row["noise"].toDouble(), std::sqrt(sum / points), 1e-6),
+             row["noise"] + " " + QByteArray::number(std::sqrt(sum / points)));
+    QVERIFY(row["sigma_a"].toDouble() > 0.0);
+}
+
+/// Readings a thousand times as small are no photons of this scatter.
+void tst_TargetFigures::gainThatIsNoneIsDoubted()
+{
+    const QByteArray before = contents(m_folder.file("scans/35.dat"));
+    QByteArray text;
+    for (const QByteArray& line : before.split('\n')) {
+        QList<QByteArray> tokens = line.simplified().split(' ');
+        if (tokens.size() >= 5 && tokens[3].toDouble() > 1e6)
+            for (const int i : {3, 4})
+                tokens[i] = QByteArray::number(tokens[i].toDouble() * 1000.0, 'g', 17);
+        text += tokens.join(' ') + '\n';
+    }
+    m_folder.write("scans/35.dat", text);
+    const auto counts = rowOf("[noise]\nmodel = \"counts\"\n");
+    const auto scatter = rowOf({});
+    m_folder.write("scans/35.dat", before);
+    QVERIFY(counts["gain"].toDouble() > 100.0);
+    QVERIFY2(counts["warnings"].startsWith("these readings are not photons: their scatter has "),
+             counts["warnings"]);
+    QCOMPARE(scatter["gain"], counts["gain"]);
+    QCOMPARE(scatter["warnings"], QByteArray());
+}
+
+void tst_TargetFigures::noneLeavesThemOut()
+{
+    const auto row = rowOf("[noise]\nmodel = \"none\"\n");
+    for (const char* name :
+         {"sigma_a", "sigma_valence", "sigma_t_ts", "sigma_a_ref", "sigma_valence_ref",
+          "sigma_t_ts_ref", "valence_low", "valence_high", "lcf_sigma_a", "lcf_sigma_valence",
+          "lcf_sigma_a_ref", "lcf_chi2", "noise", "gain", "shift", "sigma_shift"})
+        QCOMPARE(row[name], QByteArray());
+    for (const char* name : {"closure_ref1", "closure_ref2", "dvalence_shift", "dvalence_leak"})
+        QVERIFY(!row[name].isEmpty());
+    const auto with = rowOf({});
+    for (const char* name : {"a", "valence", "t_ts", "lcf_a", "lcf_r_factor"})
+        QCOMPARE(row[name], with[name]);
+}
+
+void tst_TargetFigures::levelWidensTheInterval()
+{
+    const auto one = rowOf({});
+    const auto two = rowOf("[noise]\nlevel = 0.954\n");
+    const auto width = [](const auto& row) {
+        return row["valence_high"].toDouble() - row["valence_low"].toDouble();
+    };
+    QCOMPARE(one["sigma_a"], two["sigma_a"]);
+    QVERIFY(width(two) / width(one) > 1.99 && width(two) / width(one) < 2.3);
+}
+
+void tst_TargetFigures::keysAreChecked_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("why");
+    QTest::newRow("model") << QByteArray("[noise]\nmodel = \"shot\"\n")
+                           << "must be one of \"scatter\", \"counts\", \"none\"";
+    QTest::newRow("gain") << QByteArray("[noise]\ngain = 0\n") << "must be above 0";
+    QTest::newRow("gain0") << QByteArray("[noise]\ngain0 = -1.0\n") << "must be above 0";
+    QTest::newRow("level 0") << QByteArray("[noise]\nlevel = 0.0\n") << "must be above 0";
+    QTest::newRow("level 1") << QByteArray("[noise]\nlevel = 1\n") << "must be below 1";
+    QTest::newRow("counts") << QByteArray("[rank]\ncounts = 0\n") << "must be above 0";
+    QTest::newRow("t_ts") << QByteArray("[rank]\nt_ts = -0.5\n") << "must be above 0";
+}
+
+void tst_TargetFigures::keysAreChecked()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, why);
+    JobError error;
+    QVERIFY(!parseJob(text, QStringLiteral("/data"), error));
+    QCOMPARE(error.reason, why);
+}
+
+void tst_TargetFigures::energiesAreRanked()
+{
+    m_folder.writeJob("[rank]\ncounts = 1e6\nt_ts = 0.8\n[conditions]\nthickness = \"sum-by-sum\"\n"
+                      "references_minus_victreen = false\n");
+    const BatchOutput output = m_folder.run({QStringLiteral("--rank")});
+    QCOMPARE(output.status, 0);
+    QCOMPARE(output.errors, QString());
+    QVERIFY(output.text.startsWith(
+        "rank,v,points,sigma_a_0,sigma_a_half,sigma_a_1,dvalence_shift,closure_ref1,closure_ref2,"
+        "sigma_t_ts,robust,gain_of_one_more,front\r\n1,"));
+    const auto best = firstRow(output.text);
+    QCOMPARE(best["points"].split(' ').size(), 3);
+    QCOMPARE(best["front"], QByteArray("true"));
+    // The best is there again, to be copied into a job.
+    const QByteArray block = output.text.mid(output.text.indexOf("\n[[point]]"));
+    QCOMPARE(block.count("[[point]]"), 4);
+    QVERIFY(block.contains("energy = " + best["v"] + "\nv_point = true\n"));
+    JobError error;
+    QVERIFY2(parseJob(block, QStringLiteral("/data"), error), qPrintable(error.reason));
+    // Four times the photons halve the deviations.
+    m_folder.writeJob("[rank]\ncounts = 4e6\nt_ts = 0.8\n[conditions]\nthickness = \"sum-by-sum\"\n"
+                      "references_minus_victreen = false\n");
+    const auto more = firstRow(m_folder.run({QStringLiteral("--rank")}).text);
+    QCOMPARE(more["points"], best["points"]);
+    QVERIFY(near(2.0 * more["sigma_a_half"].toDouble(), best["sigma_a_half"].toDouble()));
+}
+
+void tst_TargetFigures::rankingNeedsReferences()
+{
+    m_folder.write("job.toml", "[files]\nref1 = \"ref1.dat\"\n");
+    const BatchOutput output = m_folder.run({QStringLiteral("--rank")});
+    QCOMPARE(output.status, 1);
+    QCOMPARE(output.text, QByteArray());
+    QCOMPARE(output.errors,
+             QStringLiteral("No energies were found: the references need common energies below the "
+                            "edge, and two crossings above it.\n"));
+}
+
+QTEST_GUILESS_MAIN(tst_TargetFigures)
+#include "tst_TargetFigures.moc"
