@@ -103,6 +103,8 @@ void checkLine(const std::optional<int>& points, const QString& line, const QStr
 
 void checkSpectrum(const SpectrumFacts& spectrum, const JobFacts& facts, Doubts& doubts)
 {
+    for (const QString& warning : spectrum.warnings)
+        doubts.add(spectrum.place, spectrum.name + QStringLiteral(": ") + warning);
     if (spectrum.fallsAt)
         doubts.add(spectrum.place,
                    QStringLiteral("the energies of %1 fall at %2 eV; from row to row they are "

@@ -17,6 +17,7 @@ struct SpectrumFacts {
     std::optional<int> preEdgePoints;  ///< below the end of the pre-edge range, if a line through
                                        ///< them is used
     std::optional<int> postEdgePoints; ///< above the start of the post-edge range, likewise
+    QStringList warnings = {};         ///< of its file
 };
 
 /// A row of the point table whose energy counts.

@@ -1,6 +1,7 @@
 #include "batch/JobData.h"
 
 #include "batch/SourceFile.h"
+#include "formats/StackMaps.h"
 #include "input/KnownPositions.h"
 #include "input/MapReader.h"
 #include "input/SpectrumReader.h"
@@ -17,10 +18,41 @@ JobError cannotOpen(const JobFilePath& file, const QString& why)
     return {file.place, QStringLiteral("cannot open %1: %2").arg(file.path, why)};
 }
 
+/// A spectrum that the window does not read: XDI, columns. Of its noise nothing is known but what
+/// its points show.
+bool takeOther(const ByteSource& bytes, const QString& name, std::size_t i, JobData& data,
+               QString& why)
+{
+    auto outcome = readSpectrumFile(bytes, data.readAs[i]);
+    if (const auto* fault = std::get_if<FileFault>(&outcome)) {
+        why = faultText({name, fault->line, fault->reason});
+        return false;
+    }
+    auto& found = std::get<FoundSpectrum>(outcome);
+    data.warnings[i] = found.assumed + found.warnings;
+    auto spectrum = std::make_shared<AXafsData>();
+    spectrum->fileName = name;
+    spectrum->setBounds(data.settings.bounds());
+    spectrum->setPoints(std::move(found.points));
+    spectrum->valid = true;
+    spectrum->fitVictreens();
+    data.noises[i] = noiseOf(*spectrum, {}, data.noise);
+    data.spectra[i] = std::move(spectrum);
+    return true;
+}
+
 /// @param name  of the file, in the reason why it is of no use
 bool takeSpectrum(const ByteSource& bytes, const QString& name, std::size_t i, JobData& data,
                   QString& why)
 {
+    const SpectrumSource& source = data.readAs[i];
+    FileKind kind = source.kind;
+    if (kind == FileKind::Unknown)
+        kind = source.columns.any() ? FileKind::Columns : fileKindOf(bytes);
+    // What looks like nothing is left to the reader of the window, which says so.
+    if (kind != FileKind::Beamline && kind != FileKind::Unknown && kind != FileKind::Empty &&
+        kind != FileKind::MapText)
+        return takeOther(bytes, name, i, data, why);
     auto spectrum = std::make_shared<AXafsData>();
     spectrum->setBounds(data.settings.bounds());
     std::vector<Readings> readings;
@@ -45,6 +77,7 @@ std::optional<JobError> readSpectrum(const JobFilePath& file, std::size_t i, Job
         return cannotOpen(file, why);
     if (source->bytes().size() <= largestSpectrum)
         data.digests[i] = source->digest();
+    data.readAs[i] = file.source;
     if (!takeSpectrum(source->bytes(), file.path, i, data, why))
         return JobError{file.place, why};
     if (!data.digests[i] || !source->isStill(*data.digests[i]))
@@ -135,6 +168,8 @@ std::optional<JobData> withTarget(const JobData& common, const ByteSource& bytes
     data.noises = common.noises;
     data.gains = common.gains;
     data.uncertainty = common.uncertainty;
+    data.readAs = common.readAs;
+    data.warnings = common.warnings;
     if (!takeSpectrum(bytes, name, SpectrumSet::Target, data, error))
         return std::nullopt;
     prepareInput(data);
@@ -149,6 +184,7 @@ std::optional<JobData> withImages(const JobData& common, const std::vector<JobFi
     data.spectra = common.spectra;
     data.noise = common.noise;
     data.noises = common.noises;
+    data.warnings = common.warnings;
     for (std::size_t i = 0; i < data.settings.points.size(); ++i)
         data.settings.points[i].use &= i < images.size() && !images[i].path.isEmpty();
     if (auto wrong = readImages(images, data, workers)) {
@@ -159,11 +195,52 @@ std::optional<JobData> withImages(const JobData& common, const std::vector<JobFi
     return data;
 }
 
+std::optional<JobData> withStack(const JobData& common, const MapJob& map, JobError& error,
+                                 QStringList& warnings, Workers& workers)
+{
+    const JobStack& given = *map.stack;
+    FileFault fault;
+    const std::unique_ptr<Stack> stack = openStack(given.source, fault);
+    JobData data;
+    data.settings = common.settings;
+    data.spectra = common.spectra;
+    data.noise = common.noise;
+    data.noises = common.noises;
+    data.warnings = common.warnings;
+    std::vector<std::size_t> rows;
+    std::vector<double> energies;
+    for (std::size_t i = 0; i < data.settings.points.size(); ++i)
+        if (data.settings.points[i].use && data.settings.points[i].energy) {
+            rows.push_back(i);
+            energies.push_back(*data.settings.points[i].energy);
+        }
+    std::vector<MapData> images;
+    std::optional<FileFault> wrong = fault;
+    if (stack)
+        wrong = stackMaps(*stack, given.source.path, energies, given.region, images, workers);
+    if (wrong) {
+        error = {given.place, faultText(*wrong)};
+        return std::nullopt;
+    }
+    for (const JobFilePath& file : map.images) {
+        const auto bytes = InputFile::open(file.path);
+        data.imageDigests.push_back(bytes ? digestOf(*bytes) : std::nullopt);
+    }
+    warnings = stack->facts().assumed + stack->facts().warnings;
+    data.maps.resize(data.settings.points.size());
+    for (std::size_t k = 0; k < rows.size(); ++k)
+        data.maps[rows[k]] = std::move(images[k]);
+    data.tilt = {given.tilt, given.row0 - given.region.y};
+    prepareInput(data);
+    return data;
+}
+
 std::optional<JobData> readJobData(const Job& job, JobError& error)
 {
     JobData data;
     data.settings = settingsOf(job);
     data.noise = noiseSettingsOf(job);
+    data.readAs[SpectrumSet::Target] = job.targetSource;
     std::optional<JobError> wrong = readSpectra(job, data);
     if (!wrong)
         wrong = readImages(imagesOf(job), data, Workers::shared());

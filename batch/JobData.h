@@ -1,8 +1,10 @@
 #pragma once
 
+#include "analysis/TiltedMap.h"
 #include "batch/Digest.h"
 #include "batch/JobFile.h"
 #include "batch/JobSettings.h"
+#include "batch/MapJob.h"
 #include "batch/NoiseSettings.h"
 #include "input/AXafsData.h"
 #include "input/MapData.h"
@@ -25,9 +27,14 @@ struct JobData {
     /// What the targets have in common of their uncertainties; null where none are wanted.
     std::shared_ptr<const CommonUncertainty> uncertainty;
     NoiseSettings noise;
+    /// How each is read; that of the target is of all targets.
+    std::array<SpectrumSource, SpectrumSet::count> readAs;
+    /// What limits the use of each, as its file shows.
+    std::array<QStringList, SpectrumSet::count> warnings;
     std::vector<MapData> maps; ///< [settings.points.size()]
     /// Of the images of a map that is not the job's own, in their order; none for no image.
     std::vector<std::optional<Digest>> imageDigests;
+    EnergyTilt tilt;     ///< of the maps
     AnalysisInput input; ///< refers to the spectra
 
     std::vector<MapSource> mapSources() const;
@@ -48,6 +55,12 @@ std::optional<JobData> withTarget(const JobData& common, const ByteSource& bytes
 /// @param error   the first image that cannot be read, where nothing comes back
 std::optional<JobData> withImages(const JobData& common, const std::vector<JobFilePath>& images,
                                   JobError& error, Workers& workers);
+
+/// The same with a map that is made from a stack of images; of the points those that are in use.
+/// @param warnings  what limits its use
+/// @param map  whose stack is read, and whose files have their digests taken
+std::optional<JobData> withStack(const JobData& common, const MapJob& map, JobError& error,
+                                 QStringList& warnings, Workers& workers);
 
 /// Reads the files of a job. An energy in the header of 2D data takes the place of its row's.
 /// @param error  the first file that cannot be read, with its line in the job, where nothing comes

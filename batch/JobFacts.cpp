@@ -75,6 +75,7 @@ private:
         SpectrumFacts facts;
         facts.name = QLatin1String(spectrumKeys[i]);
         facts.place = m_job.spectra[i].place;
+        facts.warnings = m_data.warnings[i];
         facts.energyMin = record.energyMin;
         facts.energyMax = record.energyMax;
         const auto falls = [](const SpectrumPoint& a, const SpectrumPoint& b) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "analysis/PointTable.h"
+#include "formats/SpectrumFile.h"
+#include "formats/Stack.h"
 
 #include <QByteArray>
 #include <QString>
@@ -22,7 +24,8 @@ bool isBefore(const JobPlace& place, const JobPlace& other);
 /// A file that a job names.
 struct JobFilePath {
     QString path; ///< empty: not given
-    JobPlace place;
+    JobPlace place = {};
+    SpectrumSource source = {}; ///< how a spectrum is read
 };
 
 /// A job's keys of its spectra, in the order of SpectrumSet.
@@ -40,12 +43,22 @@ struct JobPoint {
     JobFilePath map; ///< 2D data
 };
 
+/// A stack of images that a map is made from.
+struct JobStack {
+    StackSource source;
+    JobPlace place;
+    Region region;
+    double tilt = 0.0; ///< eV a row
+    double row0 = 0.0; ///< the row without a shift, 0 for the first of the stack
+};
+
 /// A map of a night: images of its own, with the points and conditions of the job.
 struct JobMap {
     QString name; ///< of its folder
     JobPlace place;
     std::vector<JobFilePath> images; ///< one for each [[point]], an empty path for none; or
-    JobFilePath pattern;             ///< "area_{row}.txt", as it stands in the job
+    JobFilePath pattern;             ///< "area_{row}.txt", as it stands in the job; or
+    std::optional<JobStack> stack;
 };
 
 /// The boxes of a histogram.
@@ -74,6 +87,7 @@ struct Job {
 
     /// Names and patterns of many targets, as they stand in the job; not together with a target.
     std::vector<JobFilePath> targets;
+    SpectrumSource targetSource; ///< how the targets are read
     std::vector<JobMap> maps;
     JobFilePath output;    ///< folder of the results of targets and maps
     bool pictures = false; ///< the graphs of all targets as files

@@ -2,6 +2,8 @@
 
 #include "text/Csv.h"
 
+#include <QFileInfo>
+
 #include <toml++/toml.h>
 
 #include <algorithm>
@@ -57,6 +59,33 @@ void append(const toml::node& node, QByteArray& text)
     }
 }
 
+/// How a stack is read, its files left aside.
+QByteArray stackText(const JobStack& stack)
+{
+    const StackSource& source = stack.source;
+    QByteArray text = source.kind.toUtf8() + ' ';
+    for (const QString& place : {source.data, source.energies, source.flat, source.dark})
+        text += withLength(QFileInfo(place).fileName().toStdString());
+    for (const int number : {static_cast<int>(source.values), stack.region.x, stack.region.y,
+                             stack.region.width, stack.region.height})
+        text += QByteArray::number(number) + ' ';
+    for (const double number :
+         {source.darkLevel.value_or(0.0), source.pixelSize, source.shift, stack.tilt, stack.row0})
+        text += csv::number(number) + ' ';
+    return text + (source.darkLevel ? 'd' : '-');
+}
+
+/// How a spectrum is read, as numbers.
+QByteArray sourceText(const SpectrumSource& source)
+{
+    const ChosenColumns& columns = source.columns;
+    QByteArray text;
+    for (const int number : {static_cast<int>(source.kind), columns.energy, columns.mut, columns.i0,
+                             columns.i, static_cast<int>(columns.unit)})
+        text += QByteArray::number(number) + ' ';
+    return text + csv::number(columns.spacing);
+}
+
 toml::table parsed(const QByteArray& text)
 {
     return toml::parse(std::string_view(text.constData(), static_cast<std::size_t>(text.size())));
@@ -69,6 +98,8 @@ Digest keyWith(const QByteArray& settings, const JobData& common)
     hasher.addText(settings);
     for (const std::optional<Digest>& digest : common.digests)
         hasher.addText(digest ? toBytes(*digest) : QByteArray());
+    for (const SpectrumSource& source : common.readAs)
+        hasher.addText(sourceText(source));
     return hasher.digest();
 }
 
@@ -115,10 +146,13 @@ bool haveSameSettings(const QByteArray& text, const QByteArray& other)
            settingsOfMaps(text) == settingsOfMaps(other);
 }
 
-Digest keyOfMap(const Digest& ofMaps, const std::vector<std::optional<Digest>>& images)
+Digest keyOfMap(const Digest& ofMaps, const MapJob& map,
+                const std::vector<std::optional<Digest>>& images)
 {
     Hasher hasher;
     hasher.add(toBytes(ofMaps));
+    if (map.stack)
+        hasher.addText(stackText(*map.stack));
     for (const std::optional<Digest>& image : images)
         hasher.addText(image ? toBytes(*image) : QByteArray());
     return hasher.digest();

@@ -2,6 +2,7 @@
 
 #include "batch/Digest.h"
 #include "batch/JobData.h"
+#include "batch/MapJob.h"
 
 #include <QByteArray>
 #include <QStringList>
@@ -32,7 +33,8 @@ bool haveSameSettings(const QByteArray& text, const QByteArray& other);
 
 /// Under which the row of a map is in the record.
 /// @param images  digests of its images, one for each row of the point table; none for no image
-Digest keyOfMap(const Digest& ofMaps, const std::vector<std::optional<Digest>>& images);
+Digest keyOfMap(const Digest& ofMaps, const MapJob& map,
+                const std::vector<std::optional<Digest>>& images);
 
 /// Under which the row of a target is in the record.
 /// @param target  digest of its file

@@ -4,6 +4,8 @@
 #include "batch/JobSettings.h"
 #include "batch/MapName.h"
 #include "batch/MapPattern.h"
+#include "batch/SpectrumKeys.h"
+#include "batch/StackKeys.h"
 #include "batch/TargetList.h"
 #include "text/NumberText.h"
 
@@ -47,6 +49,7 @@ void JobReader::read(const toml::table& root)
     checkOutput(root);
     if (!job.output.path.isEmpty() && !job.spectra[SpectrumSet::Target].path.isEmpty()) {
         job.targets = {job.spectra[SpectrumSet::Target]};
+        job.targetSource = job.targets.front().source;
         job.targets.front().path = literalPattern(job.targets.front().path);
         job.spectra[SpectrumSet::Target] = {};
     }
@@ -84,11 +87,11 @@ KeyReader::Keys JobReader::keys()
 
 KeyReader::Keys JobReader::fileKeys()
 {
-    return {{"ref1", filePath(job.spectra[SpectrumSet::Ref1])},
-            {"ref2", filePath(job.spectra[SpectrumSet::Ref2])},
-            {"target", filePath(job.spectra[SpectrumSet::Target])},
-            {"targets", texts(job.targets, "a list of names and patterns of files", false)},
-            {"blank", filePath(job.spectra[SpectrumSet::Blank])},
+    return {{"ref1", spectrumFile(*this, job.spectra[SpectrumSet::Ref1])},
+            {"ref2", spectrumFile(*this, job.spectra[SpectrumSet::Ref2])},
+            {"target", spectrumFile(*this, job.spectra[SpectrumSet::Target])},
+            {"targets", targetFiles(*this, job.targets, job.targetSource)},
+            {"blank", spectrumFile(*this, job.spectra[SpectrumSet::Blank])},
             {"map_result", filePath(job.mapResult)}};
 }
 
@@ -183,9 +186,15 @@ KeyReader::Keys JobReader::pointKeys(JobPoint& point)
 
 KeyReader::Keys JobReader::mapKeys(JobMap& map)
 {
-    return {{"name", text(map.name, map.place, "a name")},
-            {"images", texts(map.images, "a list of files", true)},
-            {"pattern", text(map.pattern.path, map.pattern.place, "a pattern of files")}};
+    if (!map.stack)
+        map.stack.emplace(); // taken back where no stack is named
+    Keys keys{{"name", text(map.name, map.place, "a name")},
+              {"images", texts(map.images, "a list of files", true)},
+              {"pattern", text(map.pattern.path, map.pattern.place, "a pattern of files")},
+              {"stack", filePath(m_stack)}};
+    const Keys others = stackKeys(*this, *map.stack);
+    keys.insert(keys.end(), others.begin(), others.end());
+    return keys;
 }
 
 void JobReader::readPoint(const toml::table& table, const QString& key)
@@ -246,9 +255,33 @@ void JobReader::readCalculate(const toml::node& node, const QString& key)
     }
 }
 
+/// What a map is made from: one of three.
+void JobReader::checkSource(const toml::table& table, const QString& key, JobMap& map)
+{
+    const bool stack = table.contains("stack");
+    if (int{table.contains("images")} + int{table.contains("pattern")} + int{stack} != 1)
+        return fail(table, key, QStringLiteral("a [[map]] needs one of images, pattern and stack"));
+    if (!map.pattern.path.isEmpty())
+        if (const QString why = mapPattern::fault(map.pattern.path); !why.isEmpty())
+            fail(map.pattern.place, why);
+    constexpr std::size_t ofImages = 2; // a name, and images or a pattern
+    if (!stack && table.size() > ofImages)
+        fail(table, key, QStringLiteral("only a [[map]] of a stack has other keys than its name"));
+    const Region& region = map.stack->region;
+    if (table.contains("region") && (region.width == 0 || region.height == 0))
+        fail(table, key, QStringLiteral("a region needs x, y, width and height"));
+    if (stack) {
+        map.stack->source.path = m_stack.path;
+        map.stack->place = m_stack.place;
+    } else {
+        map.stack.reset();
+    }
+}
+
 void JobReader::readMap(const toml::table& table, const QString& key)
 {
     JobMap map;
+    m_stack = {};
     map.place = placeOf(table.source(), key);
     readTable(table, key, mapKeys(map));
     if (error)
@@ -260,11 +293,7 @@ void JobReader::readMap(const toml::table& table, const QString& key)
     else if (!map.name.isEmpty() && m_mapNames.contains(map.name))
         fail(map.place, QStringLiteral("another [[map]] has the same name"));
     m_mapNames += map.name;
-    if (table.contains("images") == table.contains("pattern"))
-        fail(table, key, QStringLiteral("a [[map]] needs either images or a pattern"));
-    if (!map.pattern.path.isEmpty())
-        if (const QString why = mapPattern::fault(map.pattern.path); !why.isEmpty())
-            fail(map.pattern.place, why);
+    checkSource(table, key, map);
     job.maps.push_back(map);
 }
 

@@ -33,6 +33,7 @@ private:
     void readPoint(const toml::table& table, const QString& key);
     void readCalculate(const toml::node& node, const QString& key);
     void readMap(const toml::table& table, const QString& key);
+    void checkSource(const toml::table& table, const QString& key, JobMap& map);
     void checkVPoints(const toml::array& array, const QString& key);
     void checkHistogram(const JobHistogram& given, const HistogramSettings& settings);
     void checkImages(const JobMap& map);
@@ -44,4 +45,5 @@ private:
     QSet<QString> m_mapNames;
     JobPoint m_anyPoint; ///< for the names of its keys
     JobMap m_anyMap;
+    JobFilePath m_stack; ///< of the map that is read
 };

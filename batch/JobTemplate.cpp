@@ -20,6 +20,11 @@ blank = "blank.dat"
 targets = ["scans/*.dat"]
 # Or one target. Without [output] folder its results are printed.
 # target = "target.dat"
+# A spectrum is a beamline's file, XDI, or columns whose names say what they hold. Otherwise say
+# it: format = "beamline", "xdi" or "columns"; unit = "eV", "keV" or "degrees" (with the spacing d
+# of the lattice planes in angstrom). For targets: { files = ["*.txt"], columns = ... }.
+#   ref1 = { file = "ref1.txt", columns = { energy = 1, mut = 2 }, unit = "keV" }
+#   ref2 = { file = "ref2.txt", columns = { energy = 1, i0 = 2, i = 3 }, unit = "degrees", d = 3.1356 }
 # The file of a map of the [[point]] tables, for a job without [output] folder.
 # map_result = "map-result.dat"
 
@@ -90,6 +95,33 @@ images = ["area1_a.txt", "area1_b.txt", "area1_c.txt", "area1_d.txt"]
 [[map]]
 name = "area 2"
 pattern = "area2_{row}.txt"
+
+# Or a stack of images of many energies: an HDF5 file, TIFF pages or files ("scan_*.tif"), the
+# index of camera frames, or a .his. Its kind is found out, or given: "fxi", "exchange", "mistral",
+# "nxdata", "tiff", "img" or "his". Between two frames mu-t is linear.
+[[map]]
+name = "area 3"
+stack = "scan.h5"
+kind = "exchange"
+# Paths in an HDF5 file of another kind; the energies may be a text beside it.
+# data = "/measurement/images"
+# energies = "/measurement/energy"
+# "mu-t", "transmission" or "counts". Counts need images without sample, and without light.
+values = "counts"
+flat = "/exchange/data_white"
+# A file, a path in the file, or the number of counts.
+dark = 100
+# The index of the camera's frames without sample.
+# reference = "blank_scan.dat"
+# In micrometres.
+pixel_size = 0.65
+# The energy over the height of the beam, in eV a row, and the row (0 for the first) that has the
+# energy of the frame.
+tilt_ev_per_row = 0
+row0 = 0
+# Added to all energies of the stack, eV.
+shift = 0
+region = { x = 0, y = 0, width = 100, height = 80 }
 
 # The histograms of a map: centres of the first and the last box, number of boxes.
 [histogram]

@@ -12,6 +12,12 @@ namespace
 
 std::vector<JobFilePath> imagesOf(const JobMap& map, const Job& job)
 {
+    if (map.stack) {
+        std::vector<JobFilePath> files;
+        for (const QString& file : stackFiles(map.stack->source))
+            files.push_back({file, map.stack->place});
+        return files;
+    }
     if (map.pattern.path.isEmpty())
         return map.images;
     std::vector<JobFilePath> images;
@@ -30,8 +36,13 @@ std::optional<std::vector<MapJob>> mapList(const Job& job, JobError& error)
 {
     std::vector<MapJob> maps;
     for (const JobMap& given : job.maps) {
-        maps.push_back({given.name, given.place, imagesOf(given, job)});
+        maps.push_back({given.name, given.place, imagesOf(given, job), given.stack});
         const std::vector<JobFilePath>& images = maps.back().images;
+        if (given.stack && images.empty()) {
+            error = {given.stack->place,
+                     QStringLiteral("there is no file %1").arg(given.stack->source.path)};
+            return std::nullopt;
+        }
         for (std::size_t i = 0; i < images.size(); ++i) {
             if (images[i].path.isEmpty() || QFileInfo(images[i].path).isFile())
                 continue;

@@ -10,7 +10,8 @@ struct MapJob {
     QString name; ///< of its folder, unlike those of all other maps
     JobPlace place;
     /// One for each [[point]], an empty path for none; a row without an image is not used.
-    std::vector<JobFilePath> images;
+    std::vector<JobFilePath> images; ///< of a stack, its files
+    std::optional<JobStack> stack;
 };
 
 /// The maps of a job in its order, every image a file that is there. A pattern gives an image to

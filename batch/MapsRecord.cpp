@@ -64,7 +64,8 @@ std::vector<bool> keptMaps(RunRecord& record, const PreparedJob& prepared, Worke
         rows.push_back(record.row(RowKind::Map, map.name.toUtf8()));
     std::vector<char> kept(maps.size(), 0);
     workers.run(maps.size(), [&](std::size_t i, unsigned) {
-        kept[i] = rows[i] && rows[i]->key && rows[i]->key == keyOfMap(common, imagesOf(maps[i])) &&
+        kept[i] = rows[i] && rows[i]->key &&
+                  rows[i]->key == keyOfMap(common, maps[i], imagesOf(maps[i])) &&
                   areInPlace(rows[i]->outputs, prepared.job.output.path);
     });
     return {kept.begin(), kept.end()};
@@ -75,7 +76,7 @@ std::optional<RecordedRow> recordedMap(const PreparedJob& prepared, const MapJob
 {
     RecordedRow row;
     if (!outcome.images.empty())
-        row.key = keyOfMap(keyOfMaps(prepared.text, prepared.common), outcome.images);
+        row.key = keyOfMap(keyOfMaps(prepared.text, prepared.common), map, outcome.images);
     row.good = outcome.row.isGood();
     row.seconds = outcome.seconds;
     row.fields = mapFields(outcome.row);

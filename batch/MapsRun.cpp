@@ -69,10 +69,11 @@ void MapAnalysis::calculate()
 {
     const Settings& settings = m_data.settings;
     m_sources = m_data.mapSources();
-    const MapRun run = mapResult(m_data.input, m_sources, m_results,
-                                 {m_valence, m_thickness, settings.valenceHistogram,
-                                  settings.thicknessHistogram, settings.valences},
-                                 m_workers);
+    const MapRun run =
+        tiltedMapResult(m_data.input, settings.points, m_sources, m_data.tilt, m_results,
+                        {m_valence, m_thickness, settings.valenceHistogram,
+                         settings.thicknessHistogram, settings.valences},
+                        m_workers);
     for (const QString& line : ResultText::lines(run))
         m_outcome.row.messages += line.simplified();
     if (run.refusal)
@@ -197,7 +198,9 @@ QString mapHistogramFile(const Job& job, const MapJob& map, const char* tag)
 MapOutcome analyseMap(const Job& job, const JobData& common, const MapJob& map, Workers& workers)
 {
     JobError error;
-    std::optional<JobData> data = withImages(common, map.images, error, workers);
+    QStringList warnings;
+    std::optional<JobData> data = map.stack ? withStack(common, map, error, warnings, workers)
+                                            : withImages(common, map.images, error, workers);
     if (!data) {
         MapOutcome refused;
         refused.row.map = map.name;
@@ -206,7 +209,6 @@ MapOutcome analyseMap(const Job& job, const JobData& common, const MapJob& map, 
         return refused;
     }
     const std::vector<std::optional<Digest>> images = data->imageDigests;
-    QStringList warnings;
     for (const JobError& doubt : doubtsBefore(factsOf(onlyMap(job), *data)))
         warnings += doubt.reason;
     MapOutcome outcome = MapAnalysis(job, map, std::move(*data), workers).outcome();

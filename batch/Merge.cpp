@@ -114,7 +114,7 @@ bool Merge::isOurs(RowKind kind, const RecordedRow& row) const
         return row.input && row.key == keyOfTarget(m_targets, *row.input);
     for (const MapJob& map : m_prepared.list.maps)
         if (map.name.toUtf8() == row.name())
-            return row.key == keyOfMap(m_maps, digestsOf(map, row.inputs));
+            return row.key == keyOfMap(m_maps, map, digestsOf(map, row.inputs));
     return false;
 }
 

@@ -6,6 +6,9 @@
 #include "formats/TiffStack.h"
 #include "system/InputFile.h"
 
+#include <QDir>
+#include <QFileInfo>
+
 namespace
 {
 
@@ -43,6 +46,22 @@ std::unique_ptr<Stack> openKind(const StackSource& source, FileFault& fault)
 }
 
 } // namespace
+
+QStringList stackFiles(const StackSource& source)
+{
+    QStringList files;
+    for (const QString& path :
+         {source.path, source.energies, source.flat, source.dark, source.reference}) {
+        if (path.isEmpty())
+            continue;
+        const QFileInfo info(path);
+        const QString frames = info.fileName() + QStringLiteral("_*.img");
+        for (const QString& name : info.dir().entryList({info.fileName(), frames}, QDir::Files))
+            files += info.dir().filePath(name);
+    }
+    files.removeDuplicates();
+    return files;
+}
 
 std::unique_ptr<Stack> openStack(const StackSource& source, FileFault& fault)
 {

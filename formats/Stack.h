@@ -81,6 +81,10 @@ protected:
     StackFacts m_facts;
 };
 
+/// The files that a stack is made of, as far as they are there: a pattern's, the frames of an
+/// index, energies, flat, dark and reference.
+QStringList stackFiles(const StackSource& source);
+
 /// Opens a stack; what it is is found out, its pixels are not read.
 /// @param fault  why there is none, where nothing comes back
 std::unique_ptr<Stack> openStack(const StackSource& source, FileFault& fault);

@@ -41,6 +41,10 @@ private slots:
     void nonsenseOfMapsIsRefused_data();
     void nonsenseOfMapsIsRefused();
     void namesThatTheLocaleCannotWrite();
+    void spectraOfColumns();
+    void nonsenseOfSpectraIsRefused_data();
+    void nonsenseOfSpectraIsRefused();
+    void stacks();
     void mapsFitTheirJob_data();
     void mapsFitTheirJob();
     void errorTextTakesNamesAsTheyAre();
@@ -392,11 +396,31 @@ void tst_JobFile::nonsenseOfMapsIsRefused_data()
         QTest::newRow(name) << map << QString::fromUtf8(expected);
     };
     row("unknown key", "name = \"m\"\nimage = []\n",
-        "job:8:1: map.image: unknown key, did you mean images; known are: name, images, pattern");
+        "job:8:1: map.image: unknown key, did you mean images; known are: name, images, pattern, "
+        "stack, kind, data, energies, values, flat, dark, reference, pixel_size, tilt_ev_per_row, "
+        "row0, shift, region");
+    row("stack and images", "name = \"m\"\nstack = \"s\"\nimages = [\"a\", \"\"]\n",
+        "job:6:1: map: a [[map]] needs one of images, pattern and stack");
+    row("a key of stacks", "name = \"m\"\npattern = \"a{row}\"\nshift = 1\n",
+        "job:6:1: map: only a [[map]] of a stack has other keys than its name");
+    row("no kind", "name = \"m\"\nstack = \"s\"\nkind = \"png\"\n",
+        "job:9:8: map.kind: must be one of \"fxi\", \"exchange\", \"mistral\", \"nxdata\", "
+        "\"tiff\", \"img\", \"his\"");
+    row("region without height", "name = \"m\"\nstack = \"s\"\nregion = { width = 2 }\n",
+        "job:6:1: map: a region needs x, y, width and height");
+    row("region before the stack", "name = \"m\"\nstack = \"s\"\nregion.x = -1\n",
+        "job:9:12: map.region.x: must be a whole number from 0 on");
+    row("dark of truth", "name = \"m\"\nstack = \"s\"\ndark = true\n",
+        "job:9:8: map.dark: must be a file, or a path in an HDF5 file, in quotation marks");
+    row("no pixel", "name = \"m\"\nstack = \"s\"\npixel_size = 0\n",
+        "job:9:14: map.pixel_size: must be above 0");
+    row("a shift without end", "name = \"m\"\nstack = \"s\"\nshift = inf\n",
+        "job:9:9: map.shift: must be a finite number");
     row("no name", "pattern = \"{row}\"\n", "job:6:1: map: a [[map]] needs a name");
-    row("no images", "name = \"m\"\n", "job:6:1: map: a [[map]] needs either images or a pattern");
+    row("no images", "name = \"m\"\n",
+        "job:6:1: map: a [[map]] needs one of images, pattern and stack");
     row("both", "name = \"m\"\nimages = [\"a\", \"b\"]\npattern = \"{row}\"\n",
-        "job:6:1: map: a [[map]] needs either images or a pattern");
+        "job:6:1: map: a [[map]] needs one of images, pattern and stack");
     row("number for a name", "name = 3\npattern = \"{row}\"\n",
         "job:7:8: map.name: must be a name, in quotation marks");
     row("empty name", "name = \"\"\npattern = \"{row}\"\n",
@@ -563,6 +587,91 @@ void tst_JobFile::unreadableJobs()
     QCOMPARE(reasonOf(large.fileName()), QStringLiteral("job: is larger than 1 MiB and no job"));
     QVERIFY(large.resize(1 << 20));
     QCOMPARE(reasonOf(large.fileName()), QString());
+}
+
+/// A spectrum may say how it is read.
+void tst_JobFile::spectraOfColumns()
+{
+    JobError error;
+    const auto job = parseJob("[files]\nref1 = { file = \"a.txt\", format = \"columns\", columns = "
+                              "{ energy = 1, i0 = 2, i = 3 }, unit = \"keV\" }\n"
+                              "ref2 = { file = \"b.txt\", unit = \"degrees\", d = 3 }\n"
+                              "targets = { files = [\"*.xdi\"], format = \"xdi\" }\n"
+                              "[output]\nfolder = \"out\"\n",
+                              QStringLiteral("/data"), error);
+    QVERIFY2(job, qPrintable(errorText(QStringLiteral("job"), error)));
+    const JobFilePath& first = job->spectra[SpectrumSet::Ref1];
+    QCOMPARE(first.path, QStringLiteral("/data/a.txt"));
+    QVERIFY(first.source.kind == FileKind::Columns);
+    QVERIFY(first.source.columns.unit == EnergyUnit::KiloElectronVolt);
+    QCOMPARE(first.source.columns.energy, 1);
+    QCOMPARE(first.source.columns.i0, 2);
+    QCOMPARE(first.source.columns.i, 3);
+    QCOMPARE(first.source.columns.mut, 0);
+    const SpectrumSource& second = job->spectra[SpectrumSet::Ref2].source;
+    QVERIFY(second.columns.unit == EnergyUnit::Degrees);
+    QCOMPARE(second.columns.spacing, 3.0);
+    QCOMPARE(job->targets.size(), std::size_t(1));
+    QCOMPARE(job->targets[0].path, QStringLiteral("*.xdi"));
+    QVERIFY(job->targetSource.kind == FileKind::Xdi);
+}
+
+void tst_JobFile::nonsenseOfSpectraIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char* name, const QByteArray& value, const char* expected) {
+        QTest::newRow(name) << value << QString::fromUtf8(expected);
+    };
+    row("no file", "{ format = \"xdi\" }", "job:1:14: files.ref1: needs the key file");
+    row("format", "{ file = \"a\", format = \"png\" }",
+        "job:1:37: files.ref1.format: must be one of \"beamline\", \"xdi\", \"columns\"");
+    row("column 0", "{ file = \"a\", columns = { mut = 0 } }",
+        "job:1:46: files.ref1.columns.mut: must be the number of a column, 1 for the first");
+    row("unit", "{ file = \"a\", unit = \"J\" }",
+        "job:1:35: files.ref1.unit: must be one of \"eV\", \"keV\", \"degrees\"");
+    row("d", "{ file = \"a\", d = -1 }", "job:1:32: files.ref1.d: must be a spacing in angstrom");
+    row("other key", "{ file = \"a\", colums = {} }",
+        "job:1:28: files.ref1.colums: unknown key, did you mean columns; known are: file, format, "
+        "columns, unit, d");
+}
+
+void tst_JobFile::nonsenseOfSpectraIsRefused()
+{
+    QFETCH(QByteArray, value);
+    QFETCH(QString, expected);
+    JobError error;
+    QVERIFY(!parseJob("files.ref1 = " + value + '\n', QStringLiteral("/data"), error));
+    QCOMPARE(errorText(QStringLiteral("job"), error), expected);
+}
+
+void tst_JobFile::stacks()
+{
+    JobError error;
+    const auto job =
+        parseJob("output.folder = \"out\"\npoint = [{energy = 1, v_point = true}]\n[[map]]\nname = "
+                 "\"m\"\nstack = \"scan.h5\"\nkind = \"exchange\"\nenergies = \"e.txt\"\nvalues = "
+                 "\"counts\"\nflat = \"/exchange/white\"\ndark = 100\npixel_size = 0.5\n"
+                 "tilt_ev_per_row = -0.01\nrow0 = 512\nshift = 2\n"
+                 "region = { x = 1, y = 2, width = 3, height = 4 }\n",
+                 QStringLiteral("/data"), error);
+    QVERIFY2(job, qPrintable(errorText(QStringLiteral("job"), error)));
+    QVERIFY(job->maps[0].stack.has_value());
+    const JobStack& stack = *job->maps[0].stack;
+    QCOMPARE(stack.source.path, QStringLiteral("/data/scan.h5"));
+    QCOMPARE(stack.source.kind, QStringLiteral("exchange"));
+    QCOMPARE(stack.source.energies, QStringLiteral("/data/e.txt"));
+    QVERIFY(stack.source.values == StackValues::Counts);
+    QCOMPARE(stack.source.flat, QStringLiteral("/exchange/white"));
+    QCOMPARE(stack.source.darkLevel.value_or(0), 100.0);
+    QCOMPARE(stack.source.pixelSize, 0.5);
+    QCOMPARE(stack.source.shift, 2.0);
+    QCOMPARE(stack.tilt, -0.01);
+    QCOMPARE(stack.row0, 512.0);
+    QCOMPARE(stack.region.x, 1);
+    QCOMPARE(stack.region.y, 2);
+    QCOMPARE(stack.region.width, 3);
+    QCOMPARE(stack.region.height, 4);
 }
 
 QTEST_GUILESS_MAIN(tst_JobFile)

@@ -18,9 +18,31 @@ bool samePoints(const Job& job, const Job& expected)
                       });
 }
 
+bool sameStack(const std::optional<JobStack>& a, const std::optional<JobStack>& b)
+{
+    if (!a || !b)
+        return a.has_value() == b.has_value();
+    const StackSource& x = a->source;
+    const StackSource& y = b->source;
+    return x.path == y.path && x.kind == y.kind && x.data == y.data && x.energies == y.energies &&
+           x.values == y.values && x.flat == y.flat && x.dark == y.dark &&
+           x.darkLevel == y.darkLevel && x.reference == y.reference && x.pixelSize == y.pixelSize &&
+           x.shift == y.shift && a->tilt == b->tilt && a->row0 == b->row0 &&
+           a->region.x == b->region.x && a->region.y == b->region.y &&
+           a->region.width == b->region.width && a->region.height == b->region.height;
+}
+
+bool sameSource(const SpectrumSource& a, const SpectrumSource& b)
+{
+    const ChosenColumns& x = a.columns;
+    const ChosenColumns& y = b.columns;
+    return a.kind == b.kind && x.energy == y.energy && x.mut == y.mut && x.i0 == y.i0 &&
+           x.i == y.i && x.unit == y.unit && x.spacing == y.spacing;
+}
+
 bool samePath(const JobFilePath& a, const JobFilePath& b)
 {
-    return a.path == b.path;
+    return a.path == b.path && sameSource(a.source, b.source);
 }
 
 bool sameMaps(const Job& job, const Job& expected)
@@ -28,6 +50,7 @@ bool sameMaps(const Job& job, const Job& expected)
     return std::equal(job.maps.begin(), job.maps.end(), expected.maps.begin(), expected.maps.end(),
                       [](const JobMap& a, const JobMap& b) {
                           return a.name == b.name && samePath(a.pattern, b.pattern) &&
+                                 sameStack(a.stack, b.stack) &&
                                  std::equal(a.images.begin(), a.images.end(), b.images.begin(),
                                             b.images.end(), samePath);
                       });

@@ -102,22 +102,98 @@ Reading section(const toml::table& root, const char* key, const char* keys)
     return reading;
 }
 
+bool isReal(const toml::node* node)
+{
+    return node == nullptr || node->is_integer() ||
+           (node->is_floating_point() && std::isfinite(**node->as_floating_point()));
+}
+
+double realOf(const toml::node* node, double otherwise)
+{
+    return node != nullptr ? *node->value<double>() : otherwise;
+}
+
+bool isWhole(const toml::node* node, int64_t least, int64_t most)
+{
+    return node == nullptr ||
+           (node->is_integer() && **node->as_integer() >= least && **node->as_integer() <= most);
+}
+
+int wholeOf(const toml::node* node)
+{
+    return node != nullptr ? static_cast<int>(**node->as_integer()) : 0;
+}
+
+/// How a spectrum is read, in a table with the key `needed`.
+bool readSource(const toml::table& table, const char* needed, SpectrumSource& source)
+{
+    Reading reading{&table, onlyKeys(table, {QLatin1String(needed), QStringLiteral("format"),
+                                             QStringLiteral("columns"), QStringLiteral("unit"),
+                                             QStringLiteral("d")})};
+    const FileKind kinds[] = {FileKind::Beamline, FileKind::Xdi, FileKind::Columns};
+    if (const auto kind = reading.word("format", {QStringLiteral("beamline"), QStringLiteral("xdi"),
+                                                  QStringLiteral("columns")}))
+        source.kind = kinds[*kind];
+    const EnergyUnit units[] = {EnergyUnit::ElectronVolt, EnergyUnit::KiloElectronVolt,
+                                EnergyUnit::Degrees};
+    if (const auto unit = reading.word(
+            "unit", {QStringLiteral("eV"), QStringLiteral("keV"), QStringLiteral("degrees")}))
+        source.columns.unit = units[*unit];
+    const toml::node* spacing = reading.node("d");
+    if (!isReal(spacing) || (spacing && !(realOf(spacing, 0) > 0)))
+        return false;
+    source.columns.spacing = realOf(spacing, 0);
+    if (const toml::node* columns = reading.node("columns")) {
+        if (!columns->is_table())
+            return false;
+        const toml::table& names = *columns->as_table();
+        if (!onlyKeys(names, {QStringLiteral("energy"), QStringLiteral("mut"), QStringLiteral("i0"),
+                              QStringLiteral("i")}))
+            return false;
+        for (const auto& entry : names)
+            if (!isWhole(&entry.second, 1, 1000))
+                return false;
+        source.columns.energy = wholeOf(names.get("energy"));
+        source.columns.mut = wholeOf(names.get("mut"));
+        source.columns.i0 = wholeOf(names.get("i0"));
+        source.columns.i = wholeOf(names.get("i"));
+    }
+    return reading.ok && table.contains(needed);
+}
+
+bool readTargets(const toml::node& targets, Job& job)
+{
+    if (const toml::table* table = targets.as_table())
+        return readSource(*table, "files", job.targetSource) && !table->get("files")->is_table() &&
+               readTargets(*table->get("files"), job);
+    if (!targets.is_array() || targets.as_array()->empty())
+        return false;
+    for (const toml::node& item : *targets.as_array()) {
+        if (!item.is_string() || item.as_string()->get().empty())
+            return false;
+        job.targets.push_back({fromUtf8(**item.as_string()), {}});
+    }
+    return true;
+}
+
 bool readFiles(const toml::table& root, const QString& folder, Job& job)
 {
     Reading files = section(root, "files", "ref1 ref2 target targets blank map_result");
     const char* const names[] = {"ref1", "ref2", "target", "blank"};
-    for (std::size_t i = 0; i < 4; ++i)
-        job.spectra.at(i).path = files.path(names[i], folder);
-    job.mapResult.path = files.path("map_result", folder);
-    if (const toml::node* targets = files.node("targets")) {
-        if (!targets->is_array() || targets->as_array()->empty())
-            return false;
-        for (const toml::node& item : *targets->as_array()) {
-            if (!item.is_string() || item.as_string()->get().empty())
-                return false;
-            job.targets.push_back({fromUtf8(**item.as_string()), {}});
+    for (std::size_t i = 0; i < 4; ++i) {
+        const toml::node* node = files.node(names[i]);
+        JobFilePath& file = job.spectra.at(i);
+        if (!node || !node->is_table()) {
+            file.path = files.path(names[i], folder);
+            continue;
         }
+        Reading inside{node->as_table(), readSource(*node->as_table(), "file", file.source)};
+        file.path = inside.path("file", folder);
+        files.ok = files.ok && inside.ok;
     }
+    job.mapResult.path = files.path("map_result", folder);
+    if (const toml::node* targets = files.node("targets"))
+        files.ok = readTargets(*targets, job) && files.ok;
     return files.ok;
 }
 
@@ -205,14 +281,75 @@ bool isPattern(QString text)
     return text.size() < length && !text.contains(QLatin1Char('{'));
 }
 
+bool readRegion(const toml::node* node, Region& region)
+{
+    if (!node)
+        return true;
+    if (!node->is_table())
+        return false;
+    const toml::table& table = *node->as_table();
+    if (!onlyKeys(table, {QStringLiteral("x"), QStringLiteral("y"), QStringLiteral("width"),
+                          QStringLiteral("height")}))
+        return false;
+    constexpr int64_t most = 2147483647;
+    if (!isWhole(table.get("x"), 0, most) || !isWhole(table.get("y"), 0, most) ||
+        !isWhole(table.get("width"), 1, most) || !isWhole(table.get("height"), 1, most))
+        return false;
+    region = {wholeOf(table.get("x")), wholeOf(table.get("y")), wholeOf(table.get("width")),
+              wholeOf(table.get("height"))};
+    return region.width > 0 && region.height > 0;
+}
+
+bool readStack(const toml::table& table, const QString& folder, JobStack& stack)
+{
+    Reading reading{&table, true};
+    StackSource& source = stack.source;
+    const QStringList kinds =
+        QStringLiteral("fxi exchange mistral nxdata tiff img his").split(QLatin1Char(' '));
+    source.path = reading.path("stack", folder);
+    if (const auto kind = reading.word("kind", kinds))
+        source.kind = kinds[*kind];
+    source.data = reading.path("data", folder);
+    source.energies = reading.path("energies", folder);
+    source.flat = reading.path("flat", folder);
+    source.reference = reading.path("reference", folder);
+    const StackValues values[] = {StackValues::MuT, StackValues::Transmission, StackValues::Counts};
+    if (const auto value =
+            reading.word("values", {QStringLiteral("mu-t"), QStringLiteral("transmission"),
+                                    QStringLiteral("counts")}))
+        source.values = values[*value];
+    const toml::node* dark = reading.node("dark");
+    if (dark && dark->is_number())
+        source.darkLevel = realOf(dark, 0);
+    else
+        source.dark = reading.path("dark", folder);
+    for (const char* const key : {"pixel_size", "tilt_ev_per_row", "row0", "shift"})
+        reading.ok = reading.ok && isReal(reading.node(key));
+    if (!reading.ok || !isReal(dark && dark->is_number() ? dark : nullptr))
+        return false;
+    source.pixelSize = realOf(reading.node("pixel_size"), 0);
+    source.shift = realOf(reading.node("shift"), 0);
+    stack.tilt = realOf(reading.node("tilt_ev_per_row"), 0);
+    stack.row0 = realOf(reading.node("row0"), 0);
+    return (!reading.node("pixel_size") || source.pixelSize > 0) &&
+           readRegion(reading.node("region"), stack.region);
+}
+
 bool readMap(const toml::table& table, const QString& folder, Job& job)
 {
-    Reading reading{&table, onlyKeys(table, {QStringLiteral("name"), QStringLiteral("images"),
-                                             QStringLiteral("pattern")})};
+    QStringList keys{QStringLiteral("name"), QStringLiteral("images"), QStringLiteral("pattern")};
+    if (table.contains("stack"))
+        keys = QStringLiteral("name stack kind data energies values flat dark reference pixel_size "
+                              "tilt_ev_per_row row0 shift region")
+                   .split(QLatin1Char(' '));
+    Reading reading{&table, onlyKeys(table, keys)};
     JobMap map;
     const toml::node* name = reading.node("name");
     map.name = name && name->is_string() ? fromUtf8(**name->as_string()) : QString();
-    if (isNoName(map.name) || table.contains("images") == table.contains("pattern"))
+    if (isNoName(map.name) ||
+        table.contains("images") + table.contains("pattern") + table.contains("stack") != 1)
+        return false;
+    if (table.contains("stack") && !readStack(table, folder, map.stack.emplace()))
         return false;
     for (const JobMap& other : job.maps)
         if (other.name == map.name)
