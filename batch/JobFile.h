@@ -58,7 +58,7 @@ struct JobMap {
     JobPlace place;
     std::vector<JobFilePath> images; ///< one for each [[point]], an empty path for none; or
     JobFilePath pattern;             ///< "area_{row}.txt", as it stands in the job; or
-    std::optional<JobStack> stack;
+    std::optional<JobStack> stack = {};
 };
 
 /// The boxes of a histogram.

@@ -11,7 +11,7 @@ struct MapJob {
     JobPlace place;
     /// One for each [[point]], an empty path for none; a row without an image is not used.
     std::vector<JobFilePath> images; ///< of a stack, its files
-    std::optional<JobStack> stack;
+    std::optional<JobStack> stack = {};
 };
 
 /// The maps of a job in its order, every image a file that is there. A pattern gives an image to
