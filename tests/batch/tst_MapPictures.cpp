@@ -257,7 +257,8 @@ void TestMapPictures::mapOfAJobHasItsPictures_data()
     QTest::newRow("pictures") << QByteArray("pictures = true") << 4 << 1 + 2 + 6;
     QTest::newRow("pictures alone") << QByteArray("pictures = true\nmap_files = false") << 4 << 6;
     QTest::newRow("three points") << QByteArray("pictures = true") << 3 << 1 + 2 + 2;
-    QTest::newRow("none") << QByteArray("pictures = false") << 4 << 1 + 2;
+    QTest::newRow("report") << QByteArray("pictures = false") << 4 << 1 + 2 + 6;
+    QTest::newRow("none") << QByteArray("pictures = false\nreport = false") << 4 << 1 + 2;
 }
 
 void TestMapPictures::mapOfAJobHasItsPictures()
@@ -290,7 +291,7 @@ void TestMapPictures::mapOfAJobHasItsPictures()
     QCOMPARE(outcome.files.size(), files);
     for (const QString& path : outcome.files)
         QVERIFY2(QFileInfo(path).size() > 100, qPrintable(path));
-    QCOMPARE(readOutFromBytes(outcome.readOut).has_value(), output.contains("true"));
+    QCOMPARE(readOutFromBytes(outcome.readOut).has_value(), !output.contains("report = false"));
 }
 
 QTEST_MAIN(TestMapPictures)
