@@ -118,8 +118,7 @@ QByteArrayList targetColumns()
                            "sbys",    "mean",      "ls_a",      "ls_b",          "ls_a_nb",
                            "ls_b_nb", "vic2",      "edge_jump", "edge_jump_noc", "lcf_w1",
                            "lcf_w2",  "lcf_const", "lcf_a",     "lcf_valence",   "lcf_r_factor"};
-    return columns << figureColumns() << "refusal"
-                   << "warnings";
+    return columns << "refusal" << figureColumns() << "warnings";
 }
 
 QByteArrayList targetFields(const TargetRow& row)
@@ -143,6 +142,6 @@ QByteArrayList targetFields(const TargetRow& row)
           ofFit([](const LinearCombination& fit) { return fit.share1(); }), row.fitValence,
           ofFit([](const LinearCombination& fit) { return fit.rFactor; })})
         fields += csv::number(number);
-    return fields << figureFields(row.figures) << row.refusal.toUtf8()
+    return fields << row.refusal.toUtf8() << figureFields(row.figures)
                   << row.warnings.join(QStringLiteral("; ")).toUtf8();
 }

@@ -63,12 +63,13 @@ void tst_Targets::aRowForEachTarget()
     const QByteArray table = results();
     QCOMPARE(
         table.left(table.indexOf('\n') + 1),
-        QByteArray("target,method,a,valence,t_ts,sbys,mean,ls_a,ls_b,ls_a_nb,ls_b_nb,vic2,"
-                   "edge_jump,edge_jump_noc,lcf_w1,lcf_w2,lcf_const,lcf_a,lcf_valence,"
-                   "lcf_r_factor,sigma_a,sigma_valence,sigma_t_ts,sigma_a_ref,sigma_valence_ref,"
-                   "sigma_t_ts_ref,valence_low,valence_high,lcf_sigma_a,lcf_sigma_valence,"
-                   "lcf_sigma_a_ref,lcf_chi2,noise,gain,closure_ref1,closure_ref2,"
-                   "dvalence_shift,dvalence_leak,shift,sigma_shift,refusal,warnings\r\n"));
+        QByteArray(
+            "target,method,a,valence,t_ts,sbys,mean,ls_a,ls_b,ls_a_nb,ls_b_nb,vic2,"
+            "edge_jump,edge_jump_noc,lcf_w1,lcf_w2,lcf_const,lcf_a,lcf_valence,"
+            "lcf_r_factor,refusal,sigma_a,sigma_valence,sigma_t_ts,sigma_a_ref,sigma_valence_ref,"
+            "sigma_t_ts_ref,valence_low,valence_high,lcf_sigma_a,lcf_sigma_valence,"
+            "lcf_sigma_a_ref,lcf_chi2,noise,gain,closure_ref1,closure_ref2,"
+            "dvalence_shift,dvalence_leak,shift,sigma_shift,warnings\r\n"));
     QCOMPARE(table.count("\r\n"), 4);
     QCOMPARE(table.count('\n'), 4);
     // Sorted by the bytes of the paths; what was mixed comes back.
