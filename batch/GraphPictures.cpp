@@ -6,6 +6,7 @@
 #include "results/FourPointGraph.h"
 #include "results/LcfGraph.h"
 #include "results/MutsGraph.h"
+#include "system/SafeFile.h"
 
 #include <QImage>
 
@@ -22,6 +23,7 @@ public:
     Pictures(const GraphPictureOptions& options, const QString& folder)
         : words(options.language), m_folder(options.folder + QStringLiteral("/pictures/") + folder)
     {
+        dropUnfinishedFiles(m_folder);
     }
 
     void add(const QString& name, const QImage& image)

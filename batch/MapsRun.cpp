@@ -7,6 +7,7 @@
 #include "results/ResultFile.h"
 #include "results/ResultText.h"
 #include "system/OrderedHandOver.h"
+#include "system/SafeFile.h"
 #include "system/Signals.h"
 
 #include <QDir>
@@ -33,6 +34,7 @@ public:
         calculate();
         if (m_outcome.row.refusal.isEmpty()) {
             describe();
+            dropUnfinishedFiles(mapFolder(m_job, m_map));
             if (m_job.mapFiles)
                 writeFiles();
             if (m_job.drawsMaps() && m_outcome.row.refusal.isEmpty())

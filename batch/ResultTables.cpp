@@ -29,6 +29,7 @@ public:
     ResultsWritten write()
     {
         m_facts.targets = ReportTargets(targetColumns());
+        dropUnfinishedFiles(m_folder.path());
         if (!m_job.targets.empty())
             writeTargets();
         if (!m_job.maps.empty())

@@ -1,5 +1,6 @@
 #include "system/SafeFile.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryFile>
@@ -16,6 +17,8 @@ namespace
 
 constexpr mode_t permissionBits = 07777;
 constexpr mode_t readAndWriteForAll = 0666;
+
+constexpr char besideName[] = ".drovik-XXXXXX"; ///< six letters take the place of those at its end
 
 /// Without a name until it asks for one, where the file system knows how: then nothing is left of
 /// it when the program ends before.
@@ -107,7 +110,7 @@ bool SafeFile::open()
 /// The name owes nothing to that of the file, which may be as long as names can be.
 bool SafeFile::openBeside(const QString& folder)
 {
-    auto file = std::make_unique<FileBeside>(folder + QStringLiteral("/.drovik-XXXXXX"));
+    auto file = std::make_unique<FileBeside>(folder + QLatin1Char('/') + QLatin1String(besideName));
     if (!file->open(QIODevice::WriteOnly | QIODevice::Text))
         return false;
     m_beside = file.get();
@@ -174,4 +177,13 @@ bool SafeFile::putInPlace()
         return false;
     m_beside->setAutoRemove(false);
     return true;
+}
+
+void dropUnfinishedFiles(const QString& folder)
+{
+    QString pattern = QLatin1String(besideName);
+    pattern.replace(QLatin1Char('X'), QLatin1Char('?'));
+    QDir place(folder);
+    for (const QString& name : place.entryList({pattern}, QDir::Files | QDir::Hidden))
+        place.remove(name);
 }

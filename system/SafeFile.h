@@ -60,3 +60,7 @@ private:
     std::unique_ptr<QFileDevice> m_file;
     QTemporaryFile* m_beside = nullptr; ///< m_file where it is not written directly
 };
+
+/// Removes what SafeFiles of killed programs have left beside their places. For folders in which
+/// nobody else writes meanwhile.
+void dropUnfinishedFiles(const QString& folder);

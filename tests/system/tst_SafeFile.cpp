@@ -71,6 +71,7 @@ private slots:
     void replacesOnlyWhenWhole();
     void givenUp();
     void killedInTheMiddle();
+    void leftoversAreDropped();
     void twoWritersNeverMix();
     void permissionsStay_data();
     void permissionsStay();
@@ -160,6 +161,18 @@ void tst_SafeFile::killedInTheMiddle()
     QVERIFY(WIFSIGNALED(status));
     QCOMPARE(answer, 'y');
     QCOMPARE(contents(in("a.dat")), QByteArray("earlier"));
+}
+
+void tst_SafeFile::leftoversAreDropped()
+{
+    for (const char* name : {".drovik-aB3xyZ", ".drovik-note", ".drovik-aB3xyZ7", "a.dat"})
+        create(in(name), "");
+    QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral(".drovik-folder")));
+    dropUnfinishedFiles(m_dir->path());
+    QCOMPARE(names(),
+             QStringList({QStringLiteral(".drovik-aB3xyZ7"), QStringLiteral(".drovik-folder"),
+                          QStringLiteral(".drovik-note"), QStringLiteral("a.dat")}));
+    dropUnfinishedFiles(in("nowhere"));
 }
 
 void tst_SafeFile::twoWritersNeverMix()
