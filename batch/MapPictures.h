@@ -30,9 +30,10 @@ struct MapPictureInput {
 /// @param folder    is made if need be
 /// @param name      may stand in a file's name
 /// @param language  "en" or "ja"
+/// @param workers   end before the application, since each thread that paints keeps fonts
 PictureFiles drawMapPictures(const QString& folder, const QString& name,
                              const MapPictureInput& input, const QString& language,
-                             Workers& workers = Workers::shared());
+                             Workers& workers);
 
 /// Where a map lies in its picture: "WIDTH HEIGHT px0 py0 px1 py1 rx0 ry0 rx1 ry1" of its
 /// coordinates. It stands in the PNG file under this key, for whoever shows what lies under the

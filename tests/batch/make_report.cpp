@@ -91,7 +91,9 @@ ReportMap map(const QString& folder, const QString& language)
     ReportMap found;
     found.fields = {"area 1", "4ps",   "24",    "16",   "1", "2.46", "2.48",
                     "0.28",   "0.475", "0.475", "0.23", "0", "16",   ""};
-    found.pictures = drawMapPictures(folder, QStringLiteral("area"), input, language).written;
+    Workers workers(2);
+    found.pictures =
+        drawMapPictures(folder, QStringLiteral("area"), input, language, workers).written;
     found.readOut = mapReadOut(input);
     return found;
 }

@@ -124,7 +124,9 @@ void TestGraphPictures::paintAll(const QString& language)
     const MapPictureInput input{
         results,  ofValence, ofThickness, settings.valenceHistogram, settings.thicknessHistogram,
         valences, true,      nullptr};
-    QCOMPARE(drawMapPictures(options.folder, QStringLiteral("map"), input, language).written.size(),
+    Workers workers(2);
+    QCOMPARE(drawMapPictures(options.folder, QStringLiteral("map"), input, language, workers)
+                 .written.size(),
              6);
 }
 

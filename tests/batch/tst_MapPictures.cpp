@@ -114,9 +114,10 @@ void TestMapPictures::allPicturesAreWritten()
 {
     const QTemporaryDir folder;
     const Sample sample(6, 4);
+    Workers workers(2);
     const PictureFiles files =
         drawMapPictures(folder.filePath(QStringLiteral("maps/a")), QStringLiteral("a"),
-                        sample.input(), QStringLiteral("en"));
+                        sample.input(), QStringLiteral("en"), workers);
     QCOMPARE(files.failed, QStringList());
     QCOMPARE(names(files.written).join(QLatin1Char(' ')),
              QStringLiteral("a-valence.png a-thickness.png a-valence-by-thickness.png "
@@ -130,8 +131,9 @@ void TestMapPictures::withoutThicknessTwoArePainted()
 {
     const QTemporaryDir folder;
     const Sample sample(6, 4);
+    Workers workers(2);
     const PictureFiles files = drawMapPictures(folder.path(), QStringLiteral("a"),
-                                               sample.input(false), QStringLiteral("en"));
+                                               sample.input(false), QStringLiteral("en"), workers);
     QCOMPARE(names(files.written).join(QLatin1Char(' ')),
              QStringLiteral("a-valence.png a-histogram-valence.png"));
 }
@@ -140,9 +142,10 @@ void TestMapPictures::coloursAreAtTheirPositions()
 {
     const QTemporaryDir folder;
     const Sample sample(6, 4);
-    const QStringList paths =
-        drawMapPictures(folder.path(), QStringLiteral("a"), sample.input(), QStringLiteral("ja"))
-            .written;
+    Workers workers(2);
+    const QStringList paths = drawMapPictures(folder.path(), QStringLiteral("a"), sample.input(),
+                                              QStringLiteral("ja"), workers)
+                                  .written;
     // Valence 2.5 is the middle of 1.5 to 3.5: entry 128 of the colours. t/ts 0.5 is the middle of
     // -0.2 to 1.2.
     QCOMPARE(at(paths[0], 5.0 + 0.5 * 5, 0.5), qRgb(33, 145, 140));
@@ -173,9 +176,10 @@ void TestMapPictures::aFolderThatCannotBeMadeIsTold()
     QFile file(folder.filePath(QStringLiteral("taken")));
     QVERIFY(file.open(QIODevice::WriteOnly));
     const Sample sample(2, 2);
+    Workers workers(2);
     const PictureFiles files =
         drawMapPictures(folder.filePath(QStringLiteral("taken/a")), QStringLiteral("a"),
-                        sample.input(), QStringLiteral("en"));
+                        sample.input(), QStringLiteral("en"), workers);
     QCOMPARE(files.written, QStringList());
     QCOMPARE(files.failed.size(), 6);
 }
@@ -285,7 +289,8 @@ void TestMapPictures::mapOfAJobHasItsPictures()
     const auto maps = mapList(*job, error);
     const auto common = readJobData(*job, error);
     QVERIFY2(maps && common, qPrintable(error.reason));
-    const MapOutcome outcome = analyseMap(*job, *common, maps->front(), Workers::shared());
+    Workers workers(2);
+    const MapOutcome outcome = analyseMap(*job, *common, maps->front(), workers);
     QCOMPARE(outcome.failure, QString());
     QCOMPARE(outcome.row.refusal, QString());
     QCOMPARE(outcome.files.size(), files);
