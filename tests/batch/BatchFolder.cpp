@@ -104,7 +104,8 @@ void BatchFolder::start(QProcess& process, const QStringList& arguments,
 
 BatchOutput BatchFolder::outputOf(QProcess& process)
 {
-    if (!process.waitForFinished())
+    constexpr int longestRun = 120000; // ms; sanitizers on a busy machine take their time
+    if (!process.waitForFinished(longestRun))
         return {};
     const int status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     return {status, process.readAllStandardOutput(),
