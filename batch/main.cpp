@@ -1,3 +1,4 @@
+#include "batch/CommandLine.h"
 #include "batch/Console.h"
 #include "batch/JobFacts.h"
 #include "batch/JobRun.h"
@@ -82,114 +83,12 @@ int rankJob(const QString& path, const Job& job)
     return static_cast<int>(ExitStatus::Done);
 }
 
-/// What the command line asks for.
-struct Options {
-    bool help = false;
-    bool version = false;
-    bool showTemplate = false;
-    bool rank = false;
-    bool merge = false;
-    QString replay;    ///< path of a record
-    QStringList names; ///< all that is no option
-    QString job;
-    RunOptions run;
-};
-
-/// @return why the command line cannot be understood; empty where it can
-QString readOptions(QCommandLineParser& parser, Options& options)
-{
-    parser.setApplicationDescription(QStringLiteral(
-        "Valence from X-ray absorption spectra: runs a job without a window.\n\n"
-        "Exit status: 0 all done, 1 some calculations were refused or found no finite number and "
-        "the rest is done, 2 a bad job or an unreadable file and nothing was written, 3 the disk "
-        "or a file failed."));
-    const QCommandLineOption help = parser.addHelpOption();
-    const QCommandLineOption version = parser.addVersionOption();
-    const QCommandLineOption check(QStringLiteral("check"),
-                                   QStringLiteral("Only reads the job and its files."));
-    const QCommandLineOption list(
-        QStringLiteral("list"), QStringLiteral("Prints the targets of the job, one on each line."));
-    const QCommandLineOption zero(QStringLiteral("0"),
-                                  QStringLiteral("With --list: ends each with NUL."));
-    const QCommandLineOption example(
-        QStringLiteral("template"),
-        QStringLiteral("Prints a job with every key and what it means."));
-    const QCommandLineOption threads(
-        QStringLiteral("jobs"),
-        QStringLiteral("Threads; unless given, the processors that may be used."),
-        QStringLiteral("N"));
-    const QCommandLineOption quiet(QStringLiteral("quiet"),
-                                   QStringLiteral("No progress, no names of written files."));
-    const QCommandLineOption verbose(QStringLiteral("verbose"),
-                                     QStringLiteral("Tells what becomes of each target."));
-    const QCommandLineOption again(
-        QStringLiteral("again"), QStringLiteral("Also calculates what is in the record already."));
-    const QCommandLineOption shard(
-        QStringLiteral("shard"),
-        QStringLiteral("Only every N-th of the list, from the K-th, into a record of its own."),
-        QStringLiteral("K/N"));
-    const QCommandLineOption merge(
-        QStringLiteral("merge"),
-        QStringLiteral("Joins the records of all shards and writes the results."));
-    const QCommandLineOption replay(
-        QStringLiteral("replay"),
-        QStringLiteral("Calculates what is in a record again and tells what differs."),
-        QStringLiteral("RECORD"));
-    const QCommandLineOption watch(
-        QStringLiteral("watch"),
-        QStringLiteral("Goes on with new files of the job, until a signal ends it."));
-    const QCommandLineOption rank(
-        QStringLiteral("rank"),
-        QStringLiteral("Prints which energies to measure, the best first, from the references."));
-    parser.addOptions({merge, replay, watch, rank, check, list, zero, example, threads, quiet,
-                       verbose, again, shard});
-    parser.addPositionalArgument(QStringLiteral("JOB.toml"),
-                                 QStringLiteral("Spectra, points and conditions."));
-    if (!parser.parse(QCoreApplication::arguments()))
-        return parser.errorText();
-    options.help = parser.isSet(help);
-    options.version = parser.isSet(version);
-    options.showTemplate = parser.isSet(example);
-    options.rank = parser.isSet(rank);
-    options.run.checkOnly = parser.isSet(check);
-    options.run.listOnly = parser.isSet(list);
-    options.run.listWithNul = parser.isSet(zero);
-    options.run.quiet = parser.isSet(quiet);
-    if (parser.isSet(threads)) {
-        options.run.threads = parser.value(threads).toUInt();
-        if (options.run.threads < 1 || options.run.threads > mostThreads)
-            return QStringLiteral("--jobs takes a number from 1 to %1.").arg(mostThreads);
-    }
-    options.run.verbose = parser.isSet(verbose);
-    options.run.again = parser.isSet(again);
-    options.run.watch = parser.isSet(watch);
-    options.merge = parser.isSet(merge);
-    options.replay = parser.value(replay);
-    if (options.merge + parser.isSet(shard) + parser.isSet(replay) + options.run.watch > 1)
-        return QStringLiteral("--shard, --merge, --replay and --watch exclude one another.");
-    if (parser.isSet(shard)) {
-        const std::optional<Shard> given = Shard::fromText(parser.value(shard));
-        if (!given)
-            return QStringLiteral("--shard takes K/N, two numbers with 1 <= K <= N <= %1.")
-                .arg(Shard::most);
-        options.run.shard = *given;
-    }
-    const QStringList jobs = parser.positionalArguments();
-    options.job = jobs.value(0);
-    options.names = jobs;
-    if (!options.replay.isEmpty())
-        return {};
-    if (jobs.size() != 1 && !options.help && !options.version && !options.showTemplate)
-        return QStringLiteral("One job file is expected: drovik-batch JOB.toml");
-    return {};
-}
-
 /// @param application  of the program; may be replaced by one that paints
 int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
 {
     QCommandLineParser parser;
-    Options options;
-    if (const QString wrong = readOptions(parser, options); !wrong.isEmpty())
+    CommandLine options;
+    if (const QString wrong = readCommandLine(parser, options); !wrong.isEmpty())
         return complain(wrong);
     if (options.help)
         parser.showHelp(0);
