@@ -103,19 +103,12 @@ bool SpectrumReader::hasRoom() const
     return m_points.size() < m_points.capacity() || 3 * m_points.capacity() * bytes <= m_memory;
 }
 
-ReadOutcome readSpectrum(const ByteSource& file, SpectrumPoints& points, std::size_t memory,
-                         std::vector<Readings>* readings)
+namespace
 {
-    if (memory == 0)
-        memory =
-            file.size() > smallFile ? availableMemory() : std::numeric_limits<std::size_t>::max();
-    if (file.size() > largestSpectrum || static_cast<std::size_t>(file.size()) > memory)
-        return ReadOutcome::TooLarge;
-    const TextBytes text(file, memory);
-    if (text.outcome() != ReadOutcome::Read)
-        return text.outcome();
-    std::vector<Readings> found;
-    SpectrumReader reader(memory, readings != nullptr ? &found : nullptr);
+
+/// All lines of a text.
+ReadOutcome readAll(const TextBytes& text, SpectrumReader& reader)
+{
     LineReader lines(text.bytes(), pieceBytes);
     LineRange all;
     all.begin = text.start();
@@ -129,9 +122,6 @@ ReadOutcome readSpectrum(const ByteSource& file, SpectrumPoints& points, std::si
                 return ReadOutcome::TooLarge;
             break;
         case LinesResult::End:
-            points = reader.takePoints();
-            if (readings != nullptr)
-                *readings = points.empty() ? std::vector<Readings>() : std::move(found);
             return ReadOutcome::Read;
         case LinesResult::TooLarge:
             return ReadOutcome::TooLarge;
@@ -139,6 +129,30 @@ ReadOutcome readSpectrum(const ByteSource& file, SpectrumPoints& points, std::si
             return ReadOutcome::Unreadable;
         }
     }
+}
+
+} // namespace
+
+ReadOutcome readSpectrum(const ByteSource& file, SpectrumPoints& points, std::size_t memory,
+                         std::vector<Readings>* readings)
+{
+    if (memory == 0)
+        memory =
+            file.size() > smallFile ? availableMemory() : std::numeric_limits<std::size_t>::max();
+    if (file.size() > largestSpectrum || static_cast<std::size_t>(file.size()) > memory)
+        return ReadOutcome::TooLarge;
+    const TextBytes text(file, memory);
+    if (text.outcome() != ReadOutcome::Read)
+        return text.outcome();
+    std::vector<Readings> found;
+    SpectrumReader reader(memory, readings != nullptr ? &found : nullptr);
+    const ReadOutcome outcome = readAll(text, reader);
+    if (outcome != ReadOutcome::Read)
+        return outcome;
+    points = reader.takePoints();
+    if (readings != nullptr)
+        *readings = points.empty() ? std::vector<Readings>() : std::move(found);
+    return ReadOutcome::Read;
 }
 
 ReadOutcome readSpectrum(const QString& path, SpectrumPoints& points)
