@@ -60,6 +60,7 @@ std::vector<bool> keptMaps(RunRecord& record, const PreparedJob& prepared, Worke
     const std::vector<MapJob>& maps = prepared.list.maps;
     const Digest common = keyOfMaps(prepared.text, prepared.common);
     std::vector<std::optional<RecordedRow>> rows;
+    rows.reserve(maps.size());
     for (const MapJob& map : maps)
         rows.push_back(record.row(RowKind::Map, map.name.toUtf8()));
     std::vector<char> kept(maps.size(), 0);

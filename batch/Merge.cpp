@@ -71,7 +71,7 @@ QString Merge::take(const QString& path)
     auto run = shard.lastRun();
     if (!run)
         return {}; // broken off before its first row
-    if (const QString why = whyOfAnother(*run, path); !why.isEmpty())
+    if (QString why = whyOfAnother(*run, path); !why.isEmpty())
         return why;
     if (const auto part = Shard::fromText(QString::fromUtf8(run->shard)))
         m_counts.insert(part->count);
@@ -132,7 +132,7 @@ bool Merge::isPresent(RowKind kind, const RecordedRow& row) const
 /// "scans/5.dat: in no record", with the shard that it belongs to if all are of one division.
 QString Merge::gap(const QString& name, std::size_t place) const
 {
-    const QString text = QStringLiteral("%1: in no record").arg(name);
+    QString text = QStringLiteral("%1: in no record").arg(name);
     if (m_counts.size() != 1)
         return text;
     const unsigned count = *m_counts.begin();
