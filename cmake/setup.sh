@@ -15,7 +15,6 @@ check_packages=(
     libbenchmark-dev libfast-float-dev libfmt-dev libtbb-dev
     librsvg2-bin poppler-utils
     xvfb xauth xdotool
-    python3-h5py python3-tifffile
     chromium chromium-driver python3-selenium
     clang clang-tidy libclang-rt-14-dev lld cppcheck gcovr pkg-config
 )

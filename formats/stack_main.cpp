@@ -1,5 +1,4 @@
 #include "formats/Hdf5Reader.h"
-#include "formats/Hdf5Writer.h"
 #include "formats/StackFault.h"
 #include "formats/TiffReader.h"
 
@@ -49,10 +48,6 @@ std::string answer(const StackRequest& request)
         return describeTiff(request);
     if (verb == "planes-tiff")
         return planesOfTiff(request);
-    if (verb == "write")
-        return writeHdf5(request);
-    if (verb == "join")
-        return joinHdf5(request);
     throw StackFault("is asked for what is not known");
 }
 
