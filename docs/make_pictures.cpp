@@ -1,5 +1,6 @@
 #include "app/Body.h"
 #include "app/FourPs.h"
+#include "app/MapWindow.h"
 #include "app/PanelSettings.h"
 #include "batch/JobSettings.h"
 #include "display/PopBase.h"
@@ -12,12 +13,13 @@
 #include <cstdio>
 
 // Makes a picture of the guide: runs jobs in the real panel, one after the other, and saves the
-// main window, the graph window or a graph.
+// main window, the graph window, the map or a graph.
 
 namespace
 {
 
 constexpr QSize graphWindow(1200, 960);
+constexpr QSize mapWindow(700, 640);
 constexpr QSize singleGraph(560, 420);
 constexpr int longestPalette = 256;
 
@@ -76,13 +78,24 @@ bool saveGraph(const FourPs* panel, int position, const QString& path)
     return saved;
 }
 
-/// @param what  "window", "graphs" or the name of a graph; nothing is saved for any other
+bool saveMap(FourPs* panel, const QString& path)
+{
+    MapWindow& map = panel->mapWindow();
+    map.resize(mapWindow);
+    map.show();
+    QApplication::processEvents();
+    return map.grab().save(path, "PNG", 0); // a palette would take steps out of the colour bar
+}
+
+/// @param what  "window", "graphs", "map" or the name of a graph; nothing is saved for any other
 bool savePicture(const QString& what, Body& body, const QString& path)
 {
     if (what == QLatin1String("window"))
         return saveWindow(body, path);
     if (what == QLatin1String("graphs"))
         return saveGraphs(body.panel(), path);
+    if (what == QLatin1String("map"))
+        return saveMap(body.panel(), path);
     const int position = graphNames.indexOf(what);
     return position >= 0 && saveGraph(body.panel(), position, path);
 }
@@ -119,12 +132,17 @@ int main(int argc, char* argv[])
     const QApplication application(argc, argv);
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() < 5) {
-        std::fprintf(stderr, "drovik-pictures PICTURE.png window|graphs|GRAPH en|ja JOB...\n");
+        std::fprintf(stderr, "drovik-pictures PICTURE.png window|graphs|map|GRAPH en|ja JOB...\n");
         return 2;
     }
     QTranslator catalogue;
-    if (arguments[3] == QLatin1String("ja") && catalogue.load(QStringLiteral(":velk_ja_JP")))
-        QApplication::installTranslator(&catalogue);
+    QTranslator extras;
+    if (arguments[3] == QLatin1String("ja")) {
+        for (const auto& [translator, name] :
+             {std::pair(&catalogue, ":velk_ja_JP"), std::pair(&extras, ":/extras/extras_ja.qm")})
+            if (translator->load(QString::fromLatin1(name)))
+                QApplication::installTranslator(translator);
+    }
     Body body;
     for (const QString& job : arguments.mid(4)) {
         if (!load(job, body.panel()))
