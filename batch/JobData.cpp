@@ -148,6 +148,21 @@ void prepareInput(JobData& data)
     data.input.table = pointTable(data.settings.points, data.input.spectra, data.input.conditions);
 }
 
+/// What targets and maps share: all but 2D data, digests of files and the input of calculations.
+JobData withoutFiles(const JobData& common)
+{
+    JobData data;
+    data.settings = common.settings;
+    data.spectra = common.spectra;
+    data.noise = common.noise;
+    data.noises = common.noises;
+    data.gains = common.gains;
+    data.uncertainty = common.uncertainty;
+    data.readAs = common.readAs;
+    data.warnings = common.warnings;
+    return data;
+}
+
 } // namespace
 
 std::vector<MapSource> JobData::mapSources() const
@@ -161,15 +176,7 @@ std::vector<MapSource> JobData::mapSources() const
 std::optional<JobData> withTarget(const JobData& common, const ByteSource& bytes,
                                   const QString& name, QString& error)
 {
-    JobData data;
-    data.settings = common.settings;
-    data.spectra = common.spectra;
-    data.noise = common.noise;
-    data.noises = common.noises;
-    data.gains = common.gains;
-    data.uncertainty = common.uncertainty;
-    data.readAs = common.readAs;
-    data.warnings = common.warnings;
+    JobData data = withoutFiles(common);
     if (!takeSpectrum(bytes, name, SpectrumSet::Target, data, error))
         return std::nullopt;
     prepareInput(data);
@@ -179,12 +186,7 @@ std::optional<JobData> withTarget(const JobData& common, const ByteSource& bytes
 std::optional<JobData> withImages(const JobData& common, const std::vector<JobFilePath>& images,
                                   JobError& error, Workers& workers)
 {
-    JobData data;
-    data.settings = common.settings;
-    data.spectra = common.spectra;
-    data.noise = common.noise;
-    data.noises = common.noises;
-    data.warnings = common.warnings;
+    JobData data = withoutFiles(common);
     for (std::size_t i = 0; i < data.settings.points.size(); ++i)
         data.settings.points[i].use &= i < images.size() && !images[i].path.isEmpty();
     if (auto wrong = readImages(images, data, workers)) {
@@ -201,12 +203,7 @@ std::optional<JobData> withStack(const JobData& common, const MapJob& map, JobEr
     const JobStack& given = *map.stack;
     FileFault fault;
     const std::unique_ptr<Stack> stack = openStack(given.source, fault);
-    JobData data;
-    data.settings = common.settings;
-    data.spectra = common.spectra;
-    data.noise = common.noise;
-    data.noises = common.noises;
-    data.warnings = common.warnings;
+    JobData data = withoutFiles(common);
     std::vector<std::size_t> rows;
     std::vector<double> energies;
     for (std::size_t i = 0; i < data.settings.points.size(); ++i)
