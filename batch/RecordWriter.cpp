@@ -1,6 +1,7 @@
 #include "batch/RecordWriter.h"
 
 #include <algorithm>
+#include <new>
 
 namespace
 {
@@ -53,10 +54,18 @@ void RecordWriter::loop()
     try {
         writeAll();
     } catch (const RecordFailure& failure) {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_failure = failure;
-        m_room.notify_all();
+        fail(failure);
+    } catch (const std::bad_alloc&) { // would end the program, being in a thread of its own
+        fail({RecordFailure::Kind::Disk,
+              QStringLiteral("there is not enough memory for %1").arg(m_record.path())});
     }
+}
+
+void RecordWriter::fail(const RecordFailure& failure)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_failure = failure;
+    m_room.notify_all();
 }
 
 void RecordWriter::writeAll()

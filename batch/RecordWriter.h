@@ -33,6 +33,7 @@ private:
     using Rows = std::vector<std::pair<RowKind, RecordedRow>>;
 
     void loop();
+    void fail(const RecordFailure& failure);
     void writeAll();
     bool waitForRows();
     bool putRows(std::int64_t run, Clock::time_point until);
