@@ -2,12 +2,12 @@
 
 #include "analysis/TiltedMap.h"
 #include "batch/Digest.h"
-#include "batch/JobFile.h"
-#include "batch/JobSettings.h"
 #include "batch/MapJob.h"
 #include "batch/NoiseSettings.h"
 #include "input/AXafsData.h"
 #include "input/MapData.h"
+#include "jobs/JobFile.h"
+#include "jobs/JobSettings.h"
 
 #include <array>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "batch/MapJob.h"
 
-#include "batch/MapPattern.h"
+#include "jobs/MapPattern.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -4,7 +4,7 @@
 #include "analysis/LcfUncertainty.h"
 #include "analysis/SystematicErrors.h"
 #include "analysis/TargetUncertainty.h"
-#include "batch/JobFile.h"
+#include "jobs/JobFile.h"
 
 #include <memory>
 #include <optional>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "batch/JobFile.h"
 #include "batch/MapJob.h"
+#include "jobs/JobFile.h"
 
 #include <QStringList>
 

@@ -2,8 +2,8 @@
 
 #include "batch/JobKey.h"
 #include "batch/OutputCheck.h"
-#include "batch/TargetList.h"
 #include "batch/TargetRow.h"
+#include "jobs/TargetList.h"
 
 #include <QDateTime>
 #include <QDir>

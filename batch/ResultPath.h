@@ -1,6 +1,6 @@
 #pragma once
 
-#include "batch/JobFile.h"
+#include "jobs/JobFile.h"
 
 /// Whether the map's result file may be written as the job names it. Nothing that the job reads is
 /// ever written over, under whatever name, and neither by a histogram file beside the result.

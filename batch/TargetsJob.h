@@ -1,10 +1,10 @@
 #pragma once
 
 #include "batch/ExitStatus.h"
-#include "batch/JobFile.h"
 #include "batch/PreparedJob.h"
 #include "batch/RunFolder.h"
 #include "batch/RunRecord.h"
+#include "jobs/JobFile.h"
 
 #include <functional>
 

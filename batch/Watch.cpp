@@ -1,8 +1,8 @@
 #include "batch/Watch.h"
 
 #include "batch/ExitStatus.h"
-#include "batch/TargetList.h"
 #include "batch/WatchedFiles.h"
+#include "jobs/TargetList.h"
 #include "system/Signals.h"
 
 #include <QDir>

@@ -2,13 +2,13 @@
 #include "batch/Console.h"
 #include "batch/JobFacts.h"
 #include "batch/JobRun.h"
-#include "batch/JobTemplate.h"
 #include "batch/Merge.h"
 #include "batch/PictureApplication.h"
 #include "batch/RankTable.h"
 #include "batch/Replay.h"
 #include "batch/ResultPath.h"
 #include "batch/TargetsJob.h"
+#include "jobs/JobTemplate.h"
 #include "system/Signals.h"
 
 #include <QCommandLineParser>

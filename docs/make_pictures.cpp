@@ -2,8 +2,8 @@
 #include "app/FourPs.h"
 #include "app/MapWindow.h"
 #include "app/PanelSettings.h"
-#include "batch/JobSettings.h"
 #include "display/PopBase.h"
+#include "jobs/JobSettings.h"
 
 #include <QApplication>
 #include <QHash>

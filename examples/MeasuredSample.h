@@ -1,7 +1,7 @@
 #pragma once
 
-#include "batch/JobFile.h"
 #include "examples/MixedSample.h"
+#include "jobs/JobFile.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 #include "batch/MapsRun.h"
-#include "batch/TargetList.h"
 #include "batch/TargetRow.h"
 #include "examples/NightSample.h"
+#include "jobs/TargetList.h"
 #include "system/InputFile.h"
 #include "tests/support/Files.h"
 

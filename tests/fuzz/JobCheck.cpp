@@ -1,4 +1,4 @@
-#include "batch/JobFile.h"
+#include "jobs/JobFile.h"
 #include "tests/fuzz/LiteralJob.h"
 #include "tests/fuzz/ReaderChecks.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "batch/KeyReader.h"
+#include "jobs/KeyReader.h"
 
 /// The keys of a [[map]] that is made from a stack of images, and of its region.
 KeyReader::Keys stackKeys(KeyReader& reader, JobStack& stack);

@@ -1,7 +1,7 @@
-#include "batch/JobFile.h"
+#include "jobs/JobFile.h"
 
-#include "batch/JobReader.h"
-#include "batch/Nesting.h"
+#include "jobs/JobReader.h"
+#include "jobs/Nesting.h"
 #include "system/InputFile.h"
 #include "text/TextBytes.h"
 

@@ -1,12 +1,12 @@
-#include "batch/JobReader.h"
+#include "jobs/JobReader.h"
 
 #include "analysis/PointTable.h"
-#include "batch/JobSettings.h"
-#include "batch/MapName.h"
-#include "batch/MapPattern.h"
-#include "batch/SpectrumKeys.h"
-#include "batch/StackKeys.h"
-#include "batch/TargetList.h"
+#include "jobs/JobSettings.h"
+#include "jobs/MapName.h"
+#include "jobs/MapPattern.h"
+#include "jobs/SpectrumKeys.h"
+#include "jobs/StackKeys.h"
+#include "jobs/TargetList.h"
 #include "text/NumberText.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "batch/MapName.h"
+#include "jobs/MapName.h"
 
 #include <QFile>
 

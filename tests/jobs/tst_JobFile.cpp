@@ -1,5 +1,5 @@
-#include "batch/JobFile.h"
-#include "batch/JobSettings.h"
+#include "jobs/JobFile.h"
+#include "jobs/JobSettings.h"
 
 #include <QTemporaryDir>
 #include <QTextCodec>

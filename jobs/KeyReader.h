@@ -1,6 +1,6 @@
 #pragma once
 
-#include "batch/JobFile.h"
+#include "jobs/JobFile.h"
 
 #include <toml++/toml.h>
 

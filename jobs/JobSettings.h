@@ -1,8 +1,8 @@
 #pragma once
 
 #include "analysis/Settings.h"
-#include "batch/JobFile.h"
 #include "input/AnalysisFiles.h"
+#include "jobs/JobFile.h"
 
 /// What a job sets; what it does not give is as in the window at its start.
 Settings settingsOf(const Job& job);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "batch/KeyReader.h"
+#include "jobs/KeyReader.h"
 
 /// Takes a spectrum: the path of a file, or a table with the file and how it is read,
 /// { file = "b.txt", format = "columns", columns = { energy = 1, i0 = 2, i = 3 }, unit = "keV" }.

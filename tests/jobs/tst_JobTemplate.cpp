@@ -1,7 +1,7 @@
-#include "batch/JobTemplate.h"
+#include "jobs/JobTemplate.h"
 
-#include "batch/JobFile.h"
-#include "batch/JobSettings.h"
+#include "jobs/JobFile.h"
+#include "jobs/JobSettings.h"
 
 #include <QRegularExpression>
 #include <QtTest>

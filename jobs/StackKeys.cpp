@@ -1,4 +1,4 @@
-#include "batch/StackKeys.h"
+#include "jobs/StackKeys.h"
 
 #include "text/TextBytes.h"
 

@@ -1,4 +1,4 @@
-#include "batch/SpectrumKeys.h"
+#include "jobs/SpectrumKeys.h"
 
 #include <cmath>
 

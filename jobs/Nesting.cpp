@@ -1,4 +1,4 @@
-#include "batch/Nesting.h"
+#include "jobs/Nesting.h"
 
 #include <algorithm>
 

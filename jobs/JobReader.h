@@ -1,7 +1,7 @@
 #pragma once
 
 #include "analysis/HistogramCounts.h"
-#include "batch/KeyReader.h"
+#include "jobs/KeyReader.h"
 
 #include <QSet>
 

@@ -1,4 +1,4 @@
-#include "batch/JobTemplate.h"
+#include "jobs/JobTemplate.h"
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "batch/JobSettings.h"
+#include "jobs/JobSettings.h"
 
 #include "text/NumberText.h"
 

@@ -1,4 +1,4 @@
-#include "batch/KeyReader.h"
+#include "jobs/KeyReader.h"
 
 #include "text/NearestName.h"
 #include "text/TextBytes.h"

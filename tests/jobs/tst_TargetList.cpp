@@ -1,4 +1,4 @@
-#include "batch/TargetList.h"
+#include "jobs/TargetList.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "batch/MapPattern.h"
+#include "jobs/MapPattern.h"
 
 namespace
 {
