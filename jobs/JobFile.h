@@ -5,6 +5,7 @@
 #include "formats/Stack.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QString>
 #include <QStringList>
 
@@ -124,6 +125,10 @@ struct Job {
     QString rankThickness; ///< t/ts of its target
 
     JobFilePath mapResult; ///< result file of the map
+
+    /// Numbers as they stand in the job, "8350.0", by key, "edge.energy"; only where the field has
+    /// another text. A row has its own.
+    QHash<QString, QString> typed;
 
     bool calculateTarget = true;
     bool calculateLcf = true;

@@ -39,6 +39,7 @@ QStringList JobReader::names()
 void JobReader::read(const toml::table& root)
 {
     readTable(root, QString(), keys());
+    job.typed = typed;
     if (error)
         return; // what is misspelt is missing elsewhere
     const Settings settings = settingsOf(job);
@@ -166,12 +167,9 @@ KeyReader::Keys JobReader::histogramKeys(JobHistogram& histogram)
 KeyReader::Handler JobReader::energy(JobPoint& point)
 {
     return [this, &point](const toml::node& node, const QString& key) {
-        number(point.energy, point.place)(node, key);
-        // Another base, or marks between the digits, are no text that names a file.
-        const QString text = textAt(node.source());
-        bool isNumber = false;
-        const bool same = text.toDouble(&isNumber) == numberFromText(point.energy);
-        point.energyText = isNumber && same ? text : point.energy;
+        point.place = placeOf(node.source(), key);
+        takeNumber(node, key, point.energy);
+        point.energyText = asTyped(node, point.energy);
     };
 }
 

@@ -1,6 +1,7 @@
 #include "jobs/KeyReader.h"
 
 #include "text/NearestName.h"
+#include "text/NumberText.h"
 #include "text/TextBytes.h"
 
 #include <QDir>
@@ -94,16 +95,31 @@ void KeyReader::readTables(const toml::node& node, const QString& path,
         read(*table.as_table());
 }
 
-/// The text that types the number into a line edit, with all its digits.
+void KeyReader::takeNumber(const toml::node& node, const QString& key, QString& text)
+{
+    if (const auto whole = node.value_exact<int64_t>())
+        text = QString::number(static_cast<qlonglong>(*whole));
+    else if (const auto real = node.value_exact<double>(); real && std::isfinite(*real))
+        text = QString::number(*real, 'g', QLocale::FloatingPointShortest);
+    else
+        fail(node, key, QStringLiteral("must be a finite number"));
+}
+
+// Another base, or marks between the digits, are no text that a line edit or a file's name has.
+QString KeyReader::asTyped(const toml::node& node, const QString& text) const
+{
+    const QString stands = textAt(node.source());
+    bool isNumber = false;
+    const bool same = stands.toDouble(&isNumber) == numberFromText(text);
+    return isNumber && same ? stands : text;
+}
+
 KeyReader::Handler KeyReader::number(QString& text)
 {
     return [this, &text](const toml::node& node, const QString& key) {
-        if (const auto whole = node.value_exact<int64_t>())
-            text = QString::number(static_cast<qlonglong>(*whole));
-        else if (const auto real = node.value_exact<double>(); real && std::isfinite(*real))
-            text = QString::number(*real, 'g', QLocale::FloatingPointShortest);
-        else
-            fail(node, key, QStringLiteral("must be a finite number"));
+        takeNumber(node, key, text);
+        if (const QString stands = asTyped(node, text); stands != text)
+            typed[key] = stands;
     };
 }
 

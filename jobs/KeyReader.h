@@ -2,6 +2,8 @@
 
 #include "jobs/JobFile.h"
 
+#include <QHash>
+
 #include <toml++/toml.h>
 
 #include <functional>
@@ -27,6 +29,7 @@ public:
     KeyReader(const QByteArray& text, QString folder);
 
     std::optional<JobError> error;
+    QHash<QString, QString> typed; ///< numbers that stand otherwise than in their fields, by key
 
     static JobPlace placeOf(const toml::source_region& source, const QString& key);
     void fail(const JobPlace& place, const QString& reason);
@@ -40,6 +43,10 @@ public:
 
     Handler number(QString& text);
     Handler number(QString& text, JobPlace& place);
+    /// Sets the text that types the number into a line edit, with all its digits.
+    void takeNumber(const toml::node& node, const QString& key, QString& text);
+    /// The number as it stands in the text where that can be typed, or its text.
+    QString asTyped(const toml::node& node, const QString& text) const;
     Handler wholeNumber(QString& text);
     Handler flag(std::optional<bool>& value);
     Handler flag(bool& value);
