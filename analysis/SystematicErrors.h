@@ -41,13 +41,29 @@ struct SystematicErrors {
 /// @param spread  of the target's thickness over its mean
 SystematicErrors systematicErrors(const AnalysisInput& input, double spread = 0.0);
 
-/// What the table of many targets tells of each: the point method alone, and faults of the target.
-struct TargetChanges {
-    std::optional<double> shift;   ///< change of the fraction for usualShift
-    std::optional<double> leakage; ///< for usualLeakage
+/// References whose energies are usualShift higher: they serve all targets of a table.
+struct ShiftedReferences {
+    std::optional<FittedSpectrum> ref1;
+    std::optional<FittedSpectrum> ref2;
 };
 
-TargetChanges targetChanges(const AnalysisInput& input);
+ShiftedReferences shiftedReferences(const SpectrumSet& spectra);
+
+/// What is told of each of many targets: changes of the fraction that the point method finds.
+struct TargetChanges {
+    std::optional<double> shift;      ///< target shifted by usualShift
+    std::optional<double> ref1Shift;  ///< Ref 1 shifted by usualShift
+    std::optional<double> ref2Shift;  ///< Ref 2, likewise
+    std::optional<double> leakage;    ///< usualLeakage in the target
+    std::optional<double> thickness;  ///< the target's thickness uneven; none for a spread of 0
+    std::optional<double> threePoint; ///< by three of more points: V point and the first two others
+    std::optional<double> fourPoint;  ///< by four of more points, exactly
+};
+
+/// @param shifted  of the references of the input
+/// @param spread   of the target's thickness over its mean
+TargetChanges targetChanges(const AnalysisInput& input, const ShiftedReferences& shifted,
+                            double spread = 0.0);
 
 /// Each reference in the target's place: a method whose assumptions hold finds 1 and 0. It finds
 /// wrong crossings and thickness ratios; an error of the target alone it cannot see.

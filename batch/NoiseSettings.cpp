@@ -20,6 +20,7 @@ NoiseSettings noiseSettingsOf(const Job& job)
     takeIfGiven(job.gain, settings.gains.transmitted);
     takeIfGiven(job.gain0, settings.gains.incident);
     takeIfGiven(job.level, settings.level);
+    takeIfGiven(job.uneven, settings.uneven);
     return settings;
 }
 
@@ -56,5 +57,6 @@ std::shared_ptr<const CommonUncertainty> commonUncertainty(const AnalysisInput& 
     if (input.spectra.isValid(SpectrumSet::Ref2))
         common->ref2.emplace(*input.spectra[SpectrumSet::Ref2]);
     common->closure = closureOf(input);
+    common->shifted = shiftedReferences(input.spectra);
     return common;
 }

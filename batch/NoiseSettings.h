@@ -10,11 +10,12 @@
 #include <optional>
 #include <vector>
 
-/// What a job says of the noise, in numbers.
+/// What a job says of the noise, and of what no noise shows, in numbers.
 struct NoiseSettings {
     NoiseModel model = NoiseModel::Scatter;
     DetectorGains gains;
     double level = 0.683; ///< of the valence's interval
+    double uneven = 0.0;  ///< spread of the targets' thickness over its mean
 };
 
 NoiseSettings noiseSettingsOf(const Job& job);
@@ -35,6 +36,7 @@ struct CommonUncertainty {
     std::optional<MeasuredSums> ref1;
     std::optional<MeasuredSums> ref2;
     Closure closure;
+    ShiftedReferences shifted;
 };
 
 /// @param input  of the job without a target; its spectra must live as long

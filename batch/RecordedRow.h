@@ -23,7 +23,7 @@ struct RecordedRow {
     double seconds = 0.0;        ///< that the calculation took
     QByteArrayList fields;       ///< of its row in results.csv or maps.csv; the first is its name
     QByteArray messages;         ///< lines that the calculation left behind
-    QByteArray readOut;          ///< of a map, for the report
+    QByteArray readOut;          ///< for the report: of a map, or UnseenErrors of a target
     std::vector<RecordedFile> inputs;  ///< images of a map
     std::vector<RecordedFile> outputs; ///< written for it
 

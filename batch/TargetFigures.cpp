@@ -3,6 +3,7 @@
 #include "text/Csv.h"
 #include "text/NumberText.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -36,6 +37,76 @@ LcfUncertainty fitUncertainty(const JobData& data, const MeasuredSums& target,
                           data.noises, data.noise.level);
 }
 
+double changeOfValence(double ofA, const ReferenceValences& valences)
+{
+    return ofA * (valences.ref1 - valences.ref2);
+}
+
+UnseenErrors pointErrors(const JobData& data, const TargetResult& result)
+{
+    const CommonUncertainty& common = *data.uncertainty;
+    const TargetChanges changes = targetChanges(data.input, common.shifted, data.noise.uneven);
+    const auto inValence = [&](const Number& change) {
+        return change ? known(changeOfValence(*change, data.input.valences)) : Number();
+    };
+    UnseenErrors unseen;
+    unseen.targetShift = inValence(changes.shift);
+    unseen.ref1Shift = inValence(changes.ref1Shift);
+    unseen.ref2Shift = inValence(changes.ref2Shift);
+    unseen.leakage = inValence(changes.leakage);
+    unseen.thickness = inValence(changes.thickness);
+    unseen.threePoint = inValence(changes.threePoint);
+    unseen.fourPoint = inValence(changes.fourPoint);
+    unseen.closure = inValence(common.closure.errorAt(result.a));
+    return unseen;
+}
+
+/// mu-t as it was measured, before lines and blank are subtracted.
+Number largestMut(const JobData& data)
+{
+    Number largest;
+    for (const PointRow& row : data.input.table) {
+        if (!row.use || row.energy == 0.0)
+            continue;
+        const auto mut =
+            mutLess(*data.spectra[SpectrumSet::Target], SubtractedLine::None, row.energy);
+        if (mut && std::isfinite(*mut))
+            largest = std::max(*mut, largest.value_or(*mut));
+    }
+    return largest;
+}
+
+UnseenErrors unseenErrors(const JobData& data, const TargetResult* result,
+                          const LinearCombination* fit)
+{
+    UnseenErrors unseen;
+    if (result != nullptr)
+        unseen = pointErrors(data, *result);
+    if (result != nullptr && fit != nullptr)
+        unseen.fit = known(fit->valence(data.input.valences) - result->valence);
+    if (fit != nullptr)
+        unseen.fitWeights = known(fit->p1 + fit->p2);
+    unseen.largestMut = largestMut(data);
+    unseen.edgeJump = known(data.spectra[SpectrumSet::Target]->edgeJump());
+    return unseen;
+}
+
+/// What takes the noise to tell.
+void addNoise(const TargetFigures& figures, const TargetResult* result, UnseenErrors& unseen)
+{
+    if (const auto& point = figures.point; point && result != nullptr)
+        if (const double outside =
+                sigmasOutside(result->a, std::hypot(point->sigmaA, point->sigmaARef));
+            outside > 0.0)
+            unseen.sigmasOutside = known(outside);
+    if (const auto& fit = figures.fit) {
+        unseen.fitChiSquare = known(fit->reducedChiSquare);
+        unseen.fitBias = known(changeOfValence(fit->biasA, figures.valences));
+        unseen.fitBiasInSigma =
+            known(std::abs(fit->biasA) / std::hypot(fit->sigmaA, fit->sigmaARef));
+    }
+}
+
 /// Of readings that the job takes for photons, the gain is doubted; of others it is a figure.
 void doubt(const TargetFigures& figures, NoiseModel model, QStringList& doubts)
 {
@@ -63,8 +134,7 @@ TargetFigures targetFigures(const JobData& data, const TargetResult* result,
     if (!data.uncertainty)
         return figures;
     figures.closure = data.uncertainty->closure;
-    if (result != nullptr)
-        figures.changes = targetChanges(data.input);
+    figures.unseen = unseenErrors(data, result, fit);
     if (data.noise.model == NoiseModel::None)
         return figures;
     if (const auto& noise = data.noises[SpectrumSet::Target])
@@ -79,6 +149,7 @@ TargetFigures targetFigures(const JobData& data, const TargetResult* result,
     const CommonUncertainty& common = *data.uncertainty;
     if (fit != nullptr && common.ref1 && common.ref2)
         figures.fit = fitUncertainty(data, target, *fit);
+    addNoise(figures, result, figures.unseen);
     doubt(figures, data.noise.model, figures.doubts);
     return figures;
 }
@@ -104,10 +175,6 @@ QByteArrayList figureFields(const TargetFigures& figures)
         return figures.fit ? known(value(*figures.fit)) : Number();
     };
     const auto interval = figures.point ? figures.point->valence(figures.valences) : std::nullopt;
-    const double perA = figures.valences.ref1 - figures.valences.ref2;
-    const auto inValence = [&](const Number& change) {
-        return change ? known(*change * perA) : Number();
-    };
     using Point = TargetUncertainty;
     using Fit = LcfUncertainty;
     QByteArrayList fields;
@@ -128,8 +195,8 @@ QByteArrayList figureFields(const TargetFigures& figures)
           figures.gain,
           figures.closure.ref1.point,
           figures.closure.ref2.point,
-          inValence(figures.changes.shift),
-          inValence(figures.changes.leakage),
+          figures.unseen.targetShift,
+          figures.unseen.leakage,
           Number(),
           Number()})
         fields += csv::number(number);

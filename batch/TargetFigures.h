@@ -1,6 +1,7 @@
 #pragma once
 
 #include "batch/JobData.h"
+#include "batch/UnseenErrors.h"
 
 #include <QByteArrayList>
 #include <QStringList>
@@ -17,14 +18,14 @@ struct TargetFigures {
     std::optional<double> noise; ///< of the target's mu-t before the edge
     std::optional<double> gain;
     Closure closure;
-    TargetChanges changes; ///< of the fraction
+    UnseenErrors unseen;
     QStringList doubts;
 };
 
 /// @param data    with the target
 /// @param result  null where the method was refused
 /// @param fit     null where it was
-/// @return nothing but closure and changes where the job wants no noise
+/// @return nothing but closure and what counting does not see where the job wants no noise
 TargetFigures targetFigures(const JobData& data, const TargetResult* result,
                             const LinearCombination* fit);
 

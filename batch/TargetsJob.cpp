@@ -107,6 +107,9 @@ private:
         if (!row.notWritten.isEmpty())
             return fail(row.notWritten);
         tell(row.target, row.refusal, {}, row.warnings, step.seconds);
+        if (m_options.verbose)
+            for (const QString& line : unseenLines(row.figures.unseen))
+                say(row.target, line);
         const auto recorded = recordedTarget(m_targets, step);
         return recorded ? writer.put(RowKind::Target, *recorded) : fail(row.target);
     }

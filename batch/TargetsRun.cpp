@@ -87,6 +87,7 @@ std::optional<RecordedRow> recordedTarget(const TargetsRun& targets, const Targe
     row.good = step.row.isGood();
     row.seconds = step.seconds;
     row.fields = targetFields(step.row);
+    row.readOut = unseenText(step.row.figures.unseen);
     for (const QString& path : step.row.pictures) {
         const auto file = writtenFile(path, targets.job.output.path);
         if (!file)

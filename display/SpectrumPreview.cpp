@@ -87,6 +87,5 @@ void drawSpectrumPreview(QPainter& painter, GraphFrame& frame, const FittedSpect
     drawEnergies(painter, coord, edgeColor, y, {data->edge});
     drawCurves(painter, coord, *data);
     drawGraphFrame(painter, coord, true);
-    if (!captions.edgeJump.isEmpty())
-        putEdgeJumps(painter, coord, *data, captions);
+    putEdgeJumps(painter, coord, *data, captions);
 }

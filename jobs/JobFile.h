@@ -121,6 +121,7 @@ struct Job {
     QString gain;          ///< variance over reading of the detector behind the sample
     QString gain0;         ///< of that before the sample
     QString level;         ///< of the valence's interval
+    QString uneven;        ///< spread of the targets' thickness over its mean
     QString rankCounts;    ///< photons a point, for the ranking of energies
     QString rankThickness; ///< t/ts of its target
 

@@ -76,6 +76,7 @@ KeyReader::Keys JobReader::keys()
         {"point", call(&JobReader::readPoints), pointKeys(m_anyPoint)},
         {"conditions", {}, conditionKeys()},
         {"noise", {}, noiseKeys()},
+        {"systematics", {}, {{"uneven", belowOne(job.uneven)}}},
         {"rank", {}, {{"counts", positive(job.rankCounts)}, {"t_ts", positive(job.rankThickness)}}},
         {"map", maps, mapKeys(m_anyMap)},
         {"histogram",
@@ -122,20 +123,24 @@ KeyReader::Handler JobReader::positive(QString& text)
     };
 }
 
-KeyReader::Keys JobReader::noiseKeys()
+KeyReader::Handler JobReader::belowOne(QString& text)
 {
-    const Handler level = [this](const toml::node& node, const QString& key) {
-        positive(job.level)(node, key);
-        if (!job.level.isEmpty() && !(numberFromText(job.level) < 1.0))
+    return [this, &text](const toml::node& node, const QString& key) {
+        positive(text)(node, key);
+        if (!text.isEmpty() && !(numberFromText(text) < 1.0))
             fail(node, key, QStringLiteral("must be below 1"));
     };
+}
+
+KeyReader::Keys JobReader::noiseKeys()
+{
     return {{"model", choice<NoiseModel>([this](NoiseModel model) { job.noise = model; },
                                          {{"scatter", NoiseModel::Scatter},
                                           {"counts", NoiseModel::Counts},
                                           {"none", NoiseModel::None}})},
             {"gain", positive(job.gain)},
             {"gain0", positive(job.gain0)},
-            {"level", level}};
+            {"level", belowOne(job.level)}};
 }
 
 KeyReader::Keys JobReader::outputKeys()

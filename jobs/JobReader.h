@@ -22,6 +22,7 @@ private:
     Keys fileKeys();
     Keys conditionKeys();
     Handler positive(QString& text);
+    Handler belowOne(QString& text);
     Keys noiseKeys();
     Keys outputKeys();
     Keys histogramKeys(JobHistogram& histogram);

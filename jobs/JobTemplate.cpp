@@ -58,6 +58,11 @@ gain = 1.0
 gain0 = 1.0
 level = 0.683
 
+# By how much the thickness of the targets varies under the beam: its standard deviation over the
+# thickness. What this does to the valence is told by itself.
+[systematics]
+uneven = 0.05
+
 # For drovik-batch --rank: photons before the sample at each energy, and the target's t/ts.
 [rank]
 counts = 1e8

@@ -276,6 +276,8 @@ void writeConditions(const Job& job, JobText& to)
     to.number("gain", job.gain);
     to.number("gain0", job.gain0);
     to.number("level", job.level);
+    to.begin("[systematics]", "systematics");
+    to.number("uneven", job.uneven);
 }
 
 void writePoint(const JobPoint& point, JobText& to)

@@ -71,6 +71,8 @@ private slots:
     void leakageAddsLight();
     void unevenThicknessTakesTheSquare();
     void changesAreThoseOfTheLiteralMethod();
+    void changesOfManyTargetsAreTheSame();
+    void fewerPointsAreComparedWithAll();
     void smallChangesAreNoRounding();
     void missingSpectraHaveNoChanges();
     void referencesCloseWhereTheMethodHolds();
@@ -144,6 +146,44 @@ void tst_SystematicErrors::changesAreThoseOfTheLiteralMethod()
     QVERIFY(near(*errors.thickness.point, change(spread), 1e-12));
     QVERIFY(errors.targetShift.fit.has_value());
     QVERIFY(!systematicErrors(input).thickness.point);
+}
+
+void tst_SystematicErrors::changesOfManyTargetsAreTheSame()
+{
+    const auto made = sample();
+    const AnalysisInput input = SimulatedSample::input(made.smooth(), 3, exactConditions());
+    const SystematicErrors errors = systematicErrors(input, 0.1);
+    const TargetChanges changes = targetChanges(input, shiftedReferences(input.spectra), 0.1);
+    QCOMPARE(changes.shift, errors.targetShift.point);
+    QCOMPARE(changes.ref1Shift, errors.ref1Shift.point);
+    QCOMPARE(changes.ref2Shift, errors.ref2Shift.point);
+    QCOMPARE(changes.leakage, errors.leakage.point);
+    QCOMPARE(changes.thickness, errors.thickness.point);
+    QVERIFY(!changes.threePoint);
+    QVERIFY(!changes.fourPoint);
+    QVERIFY(!targetChanges(input, {}).ref1Shift);
+    QVERIFY(!targetChanges(input, {}).thickness);
+}
+
+/// Three points take the first two beside the V point, as if the others were not in use.
+void tst_SystematicErrors::fewerPointsAreComparedWithAll()
+{
+    const auto made = sample();
+    const auto& spectra = made.smooth();
+    Conditions conditions = exactConditions();
+    conditions.thickness = ThicknessType::EdgeJumps; // not exact, so that the methods differ
+    for (const int rows : {4, 6}) {
+        const AnalysisInput input = SimulatedSample::input(spectra, rows, conditions);
+        const double a = *fractionsOf(input).point;
+        const TargetChanges changes = targetChanges(input, {});
+        QVERIFY(near(*changes.threePoint, literalThreePoint(spectra, {}) - a, 1e-12));
+        QCOMPARE(changes.fourPoint.has_value(), rows > 4);
+        if (rows > 4)
+            QVERIFY(near(*changes.fourPoint,
+                         *fractionsOf(SimulatedSample::input(spectra, 4, conditions)).point - a,
+                         1e-12));
+        QVERIFY(std::abs(*changes.threePoint) > 1e-5);
+    }
 }
 
 /// Six digits of a mu-t would move the fraction by some 1e-5.

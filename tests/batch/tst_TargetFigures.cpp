@@ -48,6 +48,8 @@ private slots:
     void countsTakeTheReadingsForPhotons();
     void gainThatIsNoneIsDoubted();
     void noneLeavesThemOut();
+    void verboseTellsWhatCountingDoesNotSee();
+    void unseenErrorsComeBackFromTheRecord();
     void levelWidensTheInterval();
     void keysAreChecked_data();
     void keysAreChecked();
@@ -182,6 +184,55 @@ void tst_TargetFigures::noneLeavesThemOut()
         QCOMPARE(row[name], with[name]);
 }
 
+/// Each on a line of its own, the changes with their signs.
+void tst_TargetFigures::verboseTellsWhatCountingDoesNotSee()
+{
+    m_folder.writeJob("[systematics]\nuneven = 0.05\n");
+    const BatchOutput output =
+        m_folder.run({QStringLiteral("--again"), QStringLiteral("--verbose")});
+    const auto job = data({});
+    const SystematicErrors errors = systematicErrors(job->input, 0.05);
+    const auto line = [](const char* before, double change) {
+        const QString number = QString::number(change, 'g', 3);
+        return QStringLiteral("scans/35.dat: ") + QLatin1String(before) +
+               (change > 0.0 ? QStringLiteral("+") : QString()) + number;
+    };
+    const QString absolute = QStringLiteral(", if mu-t is absolute");
+    const QStringList lines = output.errors.split(QLatin1Char('\n'));
+    for (const QString& expected :
+         {line("target 0.1 eV higher: valence ", -*errors.targetShift.point),
+          line("Ref 1 0.1 eV higher: valence ", -*errors.ref1Shift.point),
+          line("Ref 2 0.1 eV higher: valence ", -*errors.ref2Shift.point),
+          line("1 % of the light past the target: valence ", -*errors.leakage.point) + absolute,
+          line("uneven thickness: valence ", -*errors.thickness.point) + absolute})
+        QVERIFY2(lines.contains(expected),
+                 qPrintable(expected + QLatin1Char('\n') + output.errors));
+    for (const char* begin :
+         {"three points: valence ", "linear combination fit: valence ", "closure: valence off by ",
+          "weights of the fit: sum ", "fit: reduced chi-square ",
+          "noise of the references: valence of the fit ", "largest mu-t ", "edge jump "})
+        QCOMPARE(lines.filter(QStringLiteral("scans/35.dat: ") + QLatin1String(begin)).size(), 1);
+    QCOMPARE(lines.filter(QStringLiteral("outside")).size(), 0);
+    m_folder.writeJob();
+    QVERIFY(
+        !m_folder.run({QStringLiteral("--again")}).errors.contains(QStringLiteral("eV higher")));
+}
+
+void tst_TargetFigures::unseenErrorsComeBackFromTheRecord()
+{
+    UnseenErrors errors;
+    errors.targetShift = 0.1;
+    errors.sigmasOutside = 2.0 / 3.0;
+    errors.edgeJump = -1e-300;
+    const UnseenErrors back = unseenFromText(unseenText(errors));
+    QCOMPARE(back.targetShift, errors.targetShift);
+    QCOMPARE(back.sigmasOutside, errors.sigmasOutside);
+    QCOMPARE(back.edgeJump, errors.edgeJump);
+    QCOMPARE(unseenText(back), unseenText(errors));
+    QCOMPARE(unseenLines(back).size(), 3);
+    QVERIFY(unseenLines(unseenFromText("0.1,0.2")).isEmpty());
+}
+
 void tst_TargetFigures::levelWidensTheInterval()
 {
     const auto one = rowOf({});
@@ -203,6 +254,8 @@ void tst_TargetFigures::keysAreChecked_data()
     QTest::newRow("gain0") << QByteArray("[noise]\ngain0 = -1.0\n") << "must be above 0";
     QTest::newRow("level 0") << QByteArray("[noise]\nlevel = 0.0\n") << "must be above 0";
     QTest::newRow("level 1") << QByteArray("[noise]\nlevel = 1\n") << "must be below 1";
+    QTest::newRow("uneven 0") << QByteArray("[systematics]\nuneven = 0\n") << "must be above 0";
+    QTest::newRow("uneven 1") << QByteArray("[systematics]\nuneven = 1.0\n") << "must be below 1";
     QTest::newRow("counts") << QByteArray("[rank]\ncounts = 0\n") << "must be above 0";
     QTest::newRow("t_ts") << QByteArray("[rank]\nt_ts = -0.5\n") << "must be above 0";
 }

@@ -212,12 +212,16 @@ bool readNoise(const toml::table& root, Job& job)
     job.gain = noise.number("gain");
     job.gain0 = noise.number("gain0");
     job.level = noise.number("level");
+    Reading systematics = section(root, "systematics", "uneven");
+    job.uneven = systematics.number("uneven");
     Reading rank = section(root, "rank", "counts t_ts");
     job.rankCounts = rank.number("counts");
     job.rankThickness = rank.number("t_ts");
-    return noise.ok && rank.ok && isPositive(job.gain) && isPositive(job.gain0) &&
-           isPositive(job.level) && (job.level.isEmpty() || job.level.toDouble() < 1) &&
-           isPositive(job.rankCounts) && isPositive(job.rankThickness);
+    return noise.ok && rank.ok && systematics.ok && isPositive(job.uneven) &&
+           (job.uneven.isEmpty() || job.uneven.toDouble() < 1) && isPositive(job.gain) &&
+           isPositive(job.gain0) && isPositive(job.level) &&
+           (job.level.isEmpty() || job.level.toDouble() < 1) && isPositive(job.rankCounts) &&
+           isPositive(job.rankThickness);
 }
 
 bool readOutput(const toml::table& root, const QString& folder, Job& job)
@@ -531,7 +535,7 @@ bool readJob(const QByteArray& text, const QString& folder, Job& job)
         QStringLiteral("files"),  QStringLiteral("edge"),       QStringLiteral("valences"),
         QStringLiteral("point"),  QStringLiteral("conditions"), QStringLiteral("calculate"),
         QStringLiteral("output"), QStringLiteral("map"),        QStringLiteral("histogram"),
-        QStringLiteral("noise"),  QStringLiteral("rank")};
+        QStringLiteral("noise"),  QStringLiteral("rank"),       QStringLiteral("systematics")};
     return onlyKeys(root, keys) && readFiles(root, folder, job) && readNumbers(root, job) &&
            readConditions(root, job) && readPoints(root, folder, job) && readCalculate(root, job) &&
            readNoise(root, job) && readOutput(root, folder, job) && readHistograms(root, job) &&
