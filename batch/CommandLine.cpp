@@ -25,6 +25,8 @@ void describe(QCommandLineParser& parser)
         option("replay", "Calculates what is in a record again and tells what differs.", "RECORD"),
         option("watch", "Goes on with new files of the job, until a signal ends it."),
         option("rank", "Prints which energies to measure, the best first, from the references."),
+        option("inspect", "Tells what a file holds: format, energies, size, noise, edge.", "FILE"),
+        option("picture", "With --inspect: draws it.", "FILE.png"),
         option("check", "Only reads the job and its files."),
         option("list", "Prints the targets of the job, one on each line."),
         option("0", "With --list: ends each with NUL."),
@@ -76,6 +78,8 @@ QString readCommandLine(QCommandLineParser& parser, CommandLine& asked)
     asked.rank = isSet("rank");
     asked.merge = isSet("merge");
     asked.replay = parser.value(QStringLiteral("replay"));
+    asked.inspect = parser.value(QStringLiteral("inspect"));
+    asked.picture = parser.value(QStringLiteral("picture"));
     asked.run.checkOnly = isSet("check");
     asked.run.listOnly = isSet("list");
     asked.run.listWithNul = isSet("0");
@@ -87,8 +91,12 @@ QString readCommandLine(QCommandLineParser& parser, CommandLine& asked)
         return QStringLiteral("--shard, --merge, --replay and --watch exclude one another.");
     if (QString wrong = readNumbers(parser, asked.run); !wrong.isEmpty())
         return wrong;
+    if (isSet("picture") && !isSet("inspect"))
+        return QStringLiteral("--picture goes with --inspect.");
     asked.names = parser.positionalArguments();
     asked.job = asked.names.value(0);
+    if (isSet("inspect"))
+        return asked.names.isEmpty() ? QString() : QStringLiteral("--inspect takes one file.");
     const bool needsJob =
         asked.replay.isEmpty() && !asked.help && !asked.version && !asked.showTemplate;
     if (needsJob && asked.names.size() != 1)

@@ -14,6 +14,8 @@ struct CommandLine {
     bool showTemplate = false;
     bool rank = false;
     bool merge = false;
+    QString inspect;   ///< path of a file
+    QString picture;   ///< of it
     QString replay;    ///< path of a record
     QStringList names; ///< all that is no option
     QString job;

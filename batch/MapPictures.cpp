@@ -1,7 +1,6 @@
 #include "batch/MapPictures.h"
 
 #include "batch/MapReadOut.h"
-#include "batch/OutputWords.h"
 #include "results/HistogramGraph.h"
 #include "results/MapPicture.h"
 #include "results/ThicknessGraph.h"
@@ -16,27 +15,6 @@ namespace
 {
 
 constexpr const char* panel = "FourPs";
-
-MapCaptions captionsOf(const OutputWords& words, const QString& title)
-{
-    MapCaptions captions;
-    captions.title = title;
-    captions.valence = words("Valence");
-    captions.thickness = words("t/ts");
-    captions.missing = words("no result: %1");
-    captions.below = words("below %1: %2");
-    captions.above = words("above %1: %2");
-    captions.thinner = words("t/ts below %1, shown palest: %2");
-    captions.thicker = words("t/ts above %1, shown fullest: %2");
-    captions.hidden = words("covered by other pixels: %1");
-    captions.reduced = words("a dot shows one of %1 x %2 pixels");
-    captions.stretched = words("the axes have different scales");
-    captions.first = words("Position 1 (units of the stage)");
-    captions.second = words("Position 2 (units of the stage)");
-    captions.column = words("Column");
-    captions.row = words("Row");
-    return captions;
-}
 
 AxisEnds ends(const HistogramSettings& settings)
 {
@@ -54,7 +32,7 @@ class MapPainter
 {
 public:
     MapPainter(const QString& name, const MapPictureInput& input, const QString& language)
-        : m_input(input), m_words(language), m_captions(captionsOf(m_words, name)),
+        : m_input(input), m_words(language), m_captions(mapCaptions(m_words, name)),
           m_pixels(mapPixels(input.results, input.valences, input.missing)),
           m_grid(std::make_shared<const MapGrid>(m_pixels)),
           m_ranges{boxes(input.valenceHistogram, input.valenceSettings),
@@ -135,6 +113,27 @@ constexpr std::array<Kind, 6> kinds{{
 }};
 
 } // namespace
+
+MapCaptions mapCaptions(const OutputWords& words, const QString& title)
+{
+    MapCaptions captions;
+    captions.title = title;
+    captions.valence = words("Valence");
+    captions.thickness = words("t/ts");
+    captions.missing = words("no result: %1");
+    captions.below = words("below %1: %2");
+    captions.above = words("above %1: %2");
+    captions.thinner = words("t/ts below %1, shown palest: %2");
+    captions.thicker = words("t/ts above %1, shown fullest: %2");
+    captions.hidden = words("covered by other pixels: %1");
+    captions.reduced = words("a dot shows one of %1 x %2 pixels");
+    captions.stretched = words("the axes have different scales");
+    captions.first = words("Position 1 (units of the stage)");
+    captions.second = words("Position 2 (units of the stage)");
+    captions.column = words("Column");
+    captions.row = words("Row");
+    return captions;
+}
 
 QString plotAreaText(const ChCoord& coord, QSize canvas)
 {

@@ -3,8 +3,10 @@
 #include "analysis/HistogramCounts.h"
 #include "analysis/MapCalculation.h"
 #include "analysis/TargetResult.h"
+#include "batch/OutputWords.h"
 #include "batch/PictureFile.h"
 #include "results/MapGrid.h"
+#include "results/MapLegend.h"
 #include "system/Workers.h"
 
 #include <QByteArray>
@@ -34,6 +36,9 @@ struct MapPictureInput {
 PictureFiles drawMapPictures(const QString& folder, const QString& name,
                              const MapPictureInput& input, const QString& language,
                              Workers& workers);
+
+/// The words of a map's picture.
+MapCaptions mapCaptions(const OutputWords& words, const QString& title);
 
 /// Where a map lies in its picture: "WIDTH HEIGHT px0 py0 px1 py1 rx0 ry0 rx1 ry1" of its
 /// coordinates. It stands in the PNG file under this key, for whoever shows what lies under the

@@ -1,5 +1,6 @@
 #include "batch/CommandLine.h"
 #include "batch/Console.h"
+#include "batch/InspectFile.h"
 #include "batch/JobFacts.h"
 #include "batch/JobRun.h"
 #include "batch/Merge.h"
@@ -100,6 +101,13 @@ int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
                    : complain(QStringLiteral("The job cannot be written."), ExitStatus::FileFailed);
     if (!options.replay.isEmpty())
         return replayRecord(options.replay, options.names, options.run);
+    if (!options.inspect.isEmpty()) {
+        if (!options.picture.isEmpty()) {
+            application.reset();
+            application = pictureApplication(argc, argv);
+        }
+        return static_cast<int>(inspect(options.inspect, options.picture));
+    }
     JobError error;
     const std::optional<QByteArray> text = readJobText(options.job, error);
     const std::optional<Job> job =

@@ -87,5 +87,6 @@ void drawSpectrumPreview(QPainter& painter, GraphFrame& frame, const FittedSpect
     drawEnergies(painter, coord, edgeColor, y, {data->edge});
     drawCurves(painter, coord, *data);
     drawGraphFrame(painter, coord, true);
-    putEdgeJumps(painter, coord, *data, captions);
+    if (!captions.edgeJump.isEmpty())
+        putEdgeJumps(painter, coord, *data, captions);
 }

@@ -5,7 +5,7 @@
 struct FittedSpectrum;
 class QPainter;
 
-/// Texts of a preview, translated by the owner.
+/// Texts of a preview, translated by the owner; without them no jumps are shown.
 struct PreviewCaptions {
     QString edgeJumpNoC; ///< with %1 for the jump between the two-term lines
     QString edgeJump;    ///< with %1 for the jump between the three-term lines

@@ -21,6 +21,15 @@ constexpr std::size_t bytesOf(PixelType type)
     }
 }
 
+/// "16 bits unsigned".
+constexpr const char* nameOf(PixelType type)
+{
+    constexpr const char* names[] = {"8 bits unsigned", "16 bits unsigned", "32 bits unsigned",
+                                     "8 bits signed",   "16 bits signed",   "32 bits signed",
+                                     "32 bits real",    "64 bits real"};
+    return names[static_cast<int>(type)];
+}
+
 /// An image as it is stored, row after row from the top.
 struct Plane {
     PixelType type = PixelType::U16;

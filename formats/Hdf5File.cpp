@@ -194,6 +194,12 @@ bool Hdf5File::has(const std::string& path) const
     return object(m_file.get(), path, 0).isValid();
 }
 
+bool Hdf5File::isGroup(const std::string& path) const
+{
+    const Hdf5Id found = object(m_file.get(), path, 0);
+    return found.isValid() && H5Iget_type(found.get()) == H5I_GROUP;
+}
+
 /// Data that lie in other files.
 void Hdf5File::checkSources(hid_t data, int depth) const
 {

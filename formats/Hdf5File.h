@@ -57,6 +57,7 @@ public:
     explicit Hdf5File(const std::string& path);
 
     bool has(const std::string& path) const;
+    bool isGroup(const std::string& path) const;
     /// Numbers, their filters there, their sources allowed.
     Hdf5Data data(const std::string& path) const;
     /// All numbers of a small set, at most a million.

@@ -130,6 +130,10 @@ std::optional<FileFault> TiffStack::describe(const QStringList& files, Pages& pa
         return FileFault{path, 0, QStringLiteral("there is no such file")};
     if (auto fault = askStackProcess(path, std::move(words), nullptr, answer))
         return fault;
+    constexpr long largestSide = 1 << 20;
+    for (const char* const side : {"columns", "rows"})
+        if (answer.number(side) < 1 || answer.number(side) > largestSide)
+            return FileFault{path, 0, QStringLiteral("has images of a size that makes no sense")};
     const int columns = static_cast<int>(answer.number("columns"));
     const int rows = static_cast<int>(answer.number("rows"));
     if (m_facts.columns == 0) {

@@ -1,3 +1,4 @@
+#include "formats/Hdf5Contents.h"
 #include "formats/Hdf5Reader.h"
 #include "formats/StackFault.h"
 #include "formats/TiffReader.h"
@@ -42,6 +43,8 @@ std::string answer(const StackRequest& request)
     const std::string verb = request.words.empty() ? std::string() : request.words.front();
     if (verb == "describe")
         return describeHdf5(request);
+    if (verb == "contents")
+        return contentsOfHdf5(request);
     if (verb == "planes")
         return planesOfHdf5(request);
     if (verb == "describe-tiff")
