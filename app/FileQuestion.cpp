@@ -36,8 +36,7 @@ QFileDialog* FileQuestion::dialog()
     return m_dialog.get();
 }
 
-void FileQuestion::askToSave(const QString& title, const QString& name,
-                             const std::vector<Kind>& kinds, const Answer& answer)
+void FileQuestion::ask(const QString& title, const std::vector<Kind>& kinds, const Answer& answer)
 {
     close();
     m_kinds = kinds;
@@ -45,11 +44,26 @@ void FileQuestion::askToSave(const QString& title, const QString& name,
     QStringList filters;
     for (const Kind& kind : kinds)
         filters.append(filterOf(kind));
-    dialog()->setAcceptMode(QFileDialog::AcceptSave);
-    dialog()->setFileMode(QFileDialog::AnyFile);
     dialog()->setNameFilters(filters);
     dialog()->setWindowTitle(title);
+}
+
+void FileQuestion::askToSave(const QString& title, const QString& name,
+                             const std::vector<Kind>& kinds, const Answer& answer)
+{
+    ask(title, kinds, answer);
+    dialog()->setAcceptMode(QFileDialog::AcceptSave);
+    dialog()->setFileMode(QFileDialog::AnyFile);
     dialog()->selectFile(plainName(name));
+    dialog()->show();
+}
+
+void FileQuestion::askToOpen(const QString& title, const std::vector<Kind>& kinds,
+                             const Answer& answer)
+{
+    ask(title, kinds, answer);
+    dialog()->setAcceptMode(QFileDialog::AcceptOpen);
+    dialog()->setFileMode(QFileDialog::ExistingFile);
     dialog()->show();
 }
 
@@ -74,6 +88,7 @@ QString FileQuestion::withSuffix(const QString& path) const
 
 void FileQuestion::finish(const QString& path)
 {
+    const bool saves = m_dialog->acceptMode() == QFileDialog::AcceptSave;
     if (m_answer)
-        m_answer(withSuffix(path));
+        m_answer(saves ? withSuffix(path) : path);
 }

@@ -8,7 +8,7 @@
 
 class QFileDialog;
 
-/// Asks for the name of a file in a dialog that nothing waits for: what is to be done with the file
+/// Asks for a file in a dialog that nothing waits for: what is to be done with the file
 /// is called when one is chosen. A new question takes the place of one that is open. The folder of
 /// the last answer is where the next question begins.
 class FileQuestion : public QObject
@@ -33,12 +33,16 @@ public:
     void askToSave(const QString& title, const QString& name, const std::vector<Kind>& kinds,
                    const Answer& answer);
 
+    /// Asks for a file that is there.
+    void askToOpen(const QString& title, const std::vector<Kind>& kinds, const Answer& answer);
+
     /// Nothing is chosen.
     void close();
 
     QFileDialog* dialog(); ///< made when first asked for
 
 private:
+    void ask(const QString& title, const std::vector<Kind>& kinds, const Answer& answer);
     QString withSuffix(const QString& path) const;
     void finish(const QString& path);
 

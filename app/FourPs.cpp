@@ -4,6 +4,7 @@
 #include "analysis/MapSummary.h"
 #include "app/FileQuestion.h"
 #include "app/GraphMenu.h"
+#include "app/JobMenu.h"
 #include "app/MapWindow.h"
 #include "app/PanelAccess.h"
 #include "app/ResultsMenu.h"
@@ -258,6 +259,7 @@ void FourPs::buildMenus()
             menu->addAction(m_showMap);
     }
     new ResultsMenu(*this);
+    new JobMenu(*this);
 }
 
 // When all is built: a scroll area asks at once for the size of what it gets.

@@ -13,6 +13,7 @@
 #include <QFrame>
 #include <QVector>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -59,6 +60,9 @@ public:
     /// Tells what became of a file that was to be written.
     void tellWritten(const QString& path, WriteOutcome outcome);
 
+    /// Makes many changes as one: shown results are forgotten, all is calculated at the end.
+    void fill(const std::function<void()>& change);
+
     /// What a graph shows.
     GraphTable graphTable(Displays::DispId id) const;
     /// The window of the map, made when first asked for.
@@ -77,6 +81,8 @@ public:
     QString resultsAsTable() const;
     /// Asks for the names of files, one at a time.
     FileQuestion& fileQuestion() { return *m_question; }
+
+    ThicknessType thicknessType() const; ///< that is chosen
 
     double lastA() const { return m_lastA; }
     double lastValence() const { return m_lastValence; }
@@ -154,7 +160,6 @@ private:
     SpectrumSet spectra() const;
     ReferenceValences valences() const;
     Conditions conditions() const;
-    ThicknessType thicknessType() const;
     AnalysisInput input() const;
     void receiveNewEnergy(AEPoint* point, double energy); ///< of a row: its mu-t fields
     /// A spectrum: its column, then recalculate. The selector has read it.
@@ -163,6 +168,7 @@ private:
     void refreshMut(AEPoint* point, SpectrumSet::Index select, double energy);
     void refreshColumn(SpectrumSet::Index select);
     void repaintDisplays();
+    void forgetResults(); ///< but for the fits in "LCF vs 4PS"
 
     // Graphs.
     void drawHighlighted(QPainter& painter, const ChCoord& coord) const;
@@ -196,6 +202,7 @@ private:
     std::vector<LCFvs4PSPoint> lcfVs4ps;    ///< oldest first
     QStringList m_fitTargets;               ///< parallel to lcfVs4ps, the targets' files
 
+    bool m_filling = false; ///< changes that are calculated together
     std::unique_ptr<FileQuestion> m_question;
     std::unique_ptr<MissingPixels> m_missing; ///< of mapResults
     std::vector<std::size_t> m_highlighted;   ///< pixels of mapResults

@@ -1,8 +1,13 @@
 #include "app/FourPs.h"
 
+#include "analysis/LinearCombinationFit.h"
+#include "analysis/MapSummary.h"
 #include "input/AEPoint.h"
+#include "results/Histgram.h"
 #include "results/ResultText.h"
 #include "text/NumberText.h"
+
+#include <QScopedValueRollback>
 
 PointRows FourPs::rows() const
 {
@@ -55,8 +60,37 @@ AnalysisInput FourPs::input() const
     return {rows(), spectra(), conditions(), valences()};
 }
 
+void FourPs::fill(const std::function<void()>& change)
+{
+    {
+        const QScopedValueRollback<bool> filling(m_filling, true);
+        change();
+    }
+    forgetResults();
+    calcBoth();
+}
+
+void FourPs::forgetResults()
+{
+    m_lastTarget.reset();
+    m_lastFit.reset();
+    lcfFit.reset();
+    CalcRes->clear();
+    LCFRes->clear();
+    m_highlighted.clear();
+    m_missing.reset();
+    mapResults = {};
+    mapHeader.clear();
+    m_mapFiles.clear();
+    ++m_mapCount;
+    histA->reset();
+    histT->reset();
+}
+
 void FourPs::calcBoth()
 {
+    if (m_filling)
+        return;
     calcMap();
     calcTarget();
     lcf();

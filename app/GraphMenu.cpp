@@ -1,36 +1,15 @@
 #include "app/GraphMenu.h"
 
 #include "app/FileQuestion.h"
+#include "app/FileWriting.h"
 #include "app/FourPs.h"
 #include "app/GraphPicture.h"
 #include "display/DispArea.h"
 #include "results/GraphTable.h"
-#include "results/ResultText.h"
-#include "system/SafeFile.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QFileInfo>
-
-namespace
-{
-
-WriteOutcome writeWhole(const QString& path, const QByteArray& bytes)
-{
-    SafeFile file(path);
-    if (!file.open())
-        return WriteOutcome::CannotOpen;
-    return file.write(bytes.constData(), bytes.size()) && file.commit() ? WriteOutcome::Written
-                                                                        : WriteOutcome::CannotWrite;
-}
-
-bool isSameFile(const QString& path, const QString& other)
-{
-    const QString place = QFileInfo(path).canonicalFilePath();
-    return !place.isEmpty() && place == QFileInfo(other).canonicalFilePath();
-}
-
-} // namespace
 
 GraphMenu::GraphMenu(FourPs& panel, DispArea& canvas, const QString& title,
                      const std::function<GraphTable()>& table)
@@ -87,17 +66,18 @@ void GraphMenu::resetRange()
 
 void GraphMenu::writePicture(const QString& path)
 {
-    if (!mayWrite(path))
+    if (!mayWrite(m_panel, path))
         return;
     const QByteArray picture = graphPicture(m_canvas, QFileInfo(path).suffix().toLower(), m_title);
-    const WriteOutcome outcome =
-        picture.isEmpty() ? WriteOutcome::CannotWrite : writeWhole(path, picture);
-    m_panel.tellWritten(path, outcome);
+    if (picture.isEmpty())
+        m_panel.tellWritten(path, WriteOutcome::CannotWrite);
+    else
+        writeWhole(m_panel, path, picture);
 }
 
 void GraphMenu::writeData(const QString& path)
 {
-    if (!mayWrite(path))
+    if (!mayWrite(m_panel, path))
         return;
     const QString text = QStringLiteral("Writing %1").arg(QFileInfo(path).fileName());
     emit m_panel.progress(text, 0.0);
@@ -115,16 +95,4 @@ bool GraphMenu::hasData()
     if (m_canvas.coord.valid != 1)
         m_panel.refuse(tr("There is nothing in the graph yet."));
     return m_canvas.coord.valid == 1;
-}
-
-bool GraphMenu::mayWrite(const QString& path)
-{
-    for (const QString& file : m_panel.filesRead()) {
-        if (isSameFile(path, file)) {
-            m_panel.refuse(
-                tr("The file [%1] is one that is shown: choose another name.").arg(path));
-            return false;
-        }
-    }
-    return true;
 }

@@ -32,8 +32,6 @@ private:
     void writePicture(const QString& path);
     void writeData(const QString& path);
     bool hasData();
-    /// Says why a file cannot be written here; nothing that is shown is written over.
-    bool mayWrite(const QString& path);
 
     FourPs& m_panel;
     DispArea& m_canvas;

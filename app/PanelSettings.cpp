@@ -2,6 +2,8 @@
 
 #include "app/FourPs.h"
 #include "input/AEPoint.h"
+#include "input/AXafsFileSelect.h"
+#include "jobs/JobSettings.h"
 
 #include <QLocale>
 
@@ -90,6 +92,34 @@ void nameFiles(const AnalysisFiles& files, const FourPs& panel)
             panel.ePoints[static_cast<int>(i)]->MapFile->setFile(files.maps[i]);
 }
 
+void forgetFiles(const FourPs& panel)
+{
+    for (AXafsFileSelect* select : panel.xafsSelects)
+        select->forget();
+    for (AEPoint* point : panel.ePoints)
+        point->forgetMap();
+}
+
+/// The texts are other ones of the same numbers.
+void showAsTyped(const Job& job, const FourPs& panel)
+{
+    const std::pair<const char*, QLineEdit*> fields[] = {
+        {"edge.energy", panel.EdgeE},
+        {"edge.pre_edge_end", panel.PreEEndDE},
+        {"edge.post_edge_start", panel.PostEStartDE},
+        {"valences.ref1", panel.Valence1},
+        {"valences.ref2", panel.Valence2},
+        {"histogram.valence.from", panel.HgAFrom},
+        {"histogram.valence.to", panel.HgATo},
+        {"histogram.thickness.from", panel.HgTFrom},
+        {"histogram.thickness.to", panel.HgTTo}};
+    for (const auto& [key, field] : fields)
+        field->setText(job.typed.value(QLatin1String(key), field->text()));
+    if (job.points)
+        for (std::size_t i = 0; i < job.points->size(); ++i)
+            panel.ePoints[static_cast<int>(i)]->Energy->setText((*job.points)[i].energyText);
+}
+
 } // namespace
 
 void applySettings(const Settings& settings, const AnalysisFiles& files, FourPs& panel)
@@ -106,4 +136,15 @@ void applySettings(const Settings& settings, const AnalysisFiles& files, FourPs&
     setHistogram(settings.thicknessHistogram, panel.HgTFrom, panel.HgTTo, panel.HgTBoxes,
                  panel.HgTAuto);
     nameFiles(files, panel);
+}
+
+void applyJob(const Job& job, const AnalysisFiles& files, FourPs& panel)
+{
+    panel.fill([&] {
+        forgetFiles(panel);
+        applySettings(settingsOf(job), {}, panel);
+        showAsTyped(job, panel);
+        panel.SaveFSelect->FileName->setText(job.mapResult.path);
+        nameFiles(files, panel);
+    });
 }

@@ -37,6 +37,37 @@
     </message>
 </context>
 <context>
+    <name>JobMenu</name>
+    <message>
+        <source>Job</source>
+        <translation>ジョブ</translation>
+    </message>
+    <message>
+        <source>&amp;Save Job…</source>
+        <translation>ジョブを保存(&amp;S)…</translation>
+    </message>
+    <message>
+        <source>&amp;Open Job…</source>
+        <translation>ジョブを開く(&amp;O)…</translation>
+    </message>
+    <message>
+        <source>Save Job</source>
+        <translation>ジョブを保存</translation>
+    </message>
+    <message>
+        <source>Open Job</source>
+        <translation>ジョブを開く</translation>
+    </message>
+    <message>
+        <source>A job cannot hold: %1</source>
+        <translation>ジョブに保存できないもの: %1</translation>
+    </message>
+    <message>
+        <source>The window does not show of the job: %1</source>
+        <translation>ジョブのうちウィンドウに表示できないもの: %1</translation>
+    </message>
+</context>
+<context>
     <name>ResultsMenu</name>
     <message>
         <source>Copy All &amp;Results</source>

@@ -71,6 +71,14 @@ void AEPoint::inNewEnergy()
     emit newEnergy(energy());
 }
 
+void AEPoint::forgetMap()
+{
+    m_mapData = {};
+    m_mapPath.clear();
+    m_mapEnergy.clear();
+    MapFile->FileName->clear();
+}
+
 void AEPoint::loadData(const QString& path)
 {
     const QString text = QStringLiteral("Reading %1").arg(QFileInfo(path).fileName());
@@ -80,8 +88,10 @@ void AEPoint::loadData(const QString& path)
     emit progress(text, 0.0);
     const MapReadResult result = readMapData(path, m_mapData, options);
     emit progress(text, 1.0);
-    if (result.outcome == ReadOutcome::Read)
+    if (result.outcome == ReadOutcome::Read) {
         m_mapPath = path;
+        m_mapEnergy = result.energies.isEmpty() ? QString() : result.energies.last();
+    }
     for (const QString& token : lastOf(result.energies)) {
         Energy->setText(token);
         inNewEnergy();

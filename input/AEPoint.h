@@ -28,6 +28,12 @@ public:
     /// Path of the file that the 2D data are of; empty without any.
     QString mapPath() const { return m_mapPath; }
 
+    /// The energy that the 2D data gave the row, as it stands there; empty without one.
+    QString mapEnergy() const { return m_mapEnergy; }
+
+    /// As before the first 2D data were named.
+    void forgetMap();
+
     /// Positions of 2D data that are read from now on are shared with equal ones of these, which
     /// have to stay as long as the row.
     void shareKnownPositions(KnownPositions& known) { m_knownPositions = &known; }
@@ -54,5 +60,6 @@ public slots:
 private:
     MapData m_mapData;
     QString m_mapPath;
+    QString m_mapEnergy;
     KnownPositions* m_knownPositions = nullptr;
 };

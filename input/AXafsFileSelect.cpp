@@ -34,6 +34,12 @@ bool AXafsFileSelect::muTAt(double energy, double& mut) const
     return true;
 }
 
+void AXafsFileSelect::forget()
+{
+    m_data.reset();
+    FileName->clear();
+}
+
 void AXafsFileSelect::setPreview(DispABase* panel)
 {
     m_preview = panel;

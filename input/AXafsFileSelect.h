@@ -42,6 +42,9 @@ public:
     /// spectrum does not reach the energy; without a record the value becomes 0 besides.
     bool muTAt(double energy, double& mut) const;
 
+    /// As before the first file was named.
+    void forget();
+
     /// Draws the spectrum in this panel from now on.
     void setPreview(DispABase* panel);
 

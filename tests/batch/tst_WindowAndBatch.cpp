@@ -1,4 +1,6 @@
 #include "app/FourPs.h"
+#include "app/JobMenu.h"
+#include "app/PanelJob.h"
 #include "app/PanelSettings.h"
 #include "batch/JobRun.h"
 #include "batch/MapsRun.h"
@@ -6,10 +8,13 @@
 #include "input/AEPoint.h"
 #include "input/AXafsData.h"
 #include "input/AXafsFileSelect.h"
+#include "jobs/JobWriter.h"
 #include "results/HistogramFile.h"
 #include "tests/batch/RandomJob.h"
 #include "tests/model/MessageKinds.h"
+#include "tests/model/PanelSession.h"
 #include "tests/support/Files.h"
+#include "tests/support/PanelActions.h"
 
 #include <QDirIterator>
 #include <QProcess>
@@ -37,12 +42,16 @@ private:
     int m_programs = 0;
     int m_maps = 0;
     int m_refusedMaps = 0;
+    int m_refusedSessions = 0;
+    int m_sessions = 0;
 
 private slots:
     void sameTextsAndFiles_data();
     void sameTextsAndFiles();
     void sameMaps_data() { sameTextsAndFiles_data(); }
     void sameMaps();
+    void sessionsAsJobs_data() { sameTextsAndFiles_data(); }
+    void sessionsAsJobs();
     void jobsReachedEverything();
     void windowKeepsAResultBesideARefusal();
 };
@@ -211,6 +220,125 @@ Output runProgram(const QString& path)
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput())};
 }
 
+/// Everything in a panel that a job holds.
+QStringList textsOf(const FourPs& panel)
+{
+    QStringList texts;
+    for (const QLineEdit* field :
+         {panel.EdgeE, panel.PreEEndDE, panel.PostEStartDE, panel.Valence1, panel.Valence2,
+          panel.HgAFrom, panel.HgATo, panel.HgABoxes, panel.HgTFrom, panel.HgTTo, panel.HgTBoxes,
+          panel.SaveFSelect->FileName})
+        texts << field->text();
+    for (const AXafsFileSelect* select : panel.xafsSelects)
+        texts << (select->isValid() ? select->FileName->text() : QString());
+    for (const AEPoint* point : panel.ePoints) {
+        for (const QLineEdit* field :
+             {point->Energy, point->Mut1, point->Mut2, point->MutT, point->MutBlank})
+            texts << field->text();
+        texts << (point->mapData().valid ? point->MapFile->FileName->text() : QString());
+        for (const QAbstractButton* button : {static_cast<QAbstractButton*>(point->UseCB),
+                                              static_cast<QAbstractButton*>(point->TRatCB),
+                                              static_cast<QAbstractButton*>(point->VPointCB)})
+            texts << QString::number(button->isChecked());
+    }
+    for (const QAbstractButton* button :
+         {static_cast<QAbstractButton*>(panel.TRSbyS), static_cast<QAbstractButton*>(panel.TRMean),
+          static_cast<QAbstractButton*>(panel.TRLSquare),
+          static_cast<QAbstractButton*>(panel.TRLSquareNB),
+          static_cast<QAbstractButton*>(panel.TRVic2),
+          static_cast<QAbstractButton*>(panel.UseVicCB),
+          static_cast<QAbstractButton*>(panel.UseVicForTargetCB),
+          static_cast<QAbstractButton*>(panel.TheVicIs1),
+          static_cast<QAbstractButton*>(panel.TypeTMKisExact)})
+        texts << QString::number(button->isChecked());
+    return texts;
+}
+
+/// Types what a job cannot hold in a field again, as a number; leaves the field with Enter.
+void typeNumber(QLineEdit* field, const QString& other)
+{
+    const double value = field->text().toDouble();
+    const QString number = std::isfinite(value) ? QString::number(value) : other;
+    user::type(field, isJobNumber(field->text()) ? field->text() : number);
+}
+
+/// After this every mu-t in the table is of the files, and a job can hold all.
+void makeKeepable(FourPs& panel)
+{
+    for (QLineEdit* field :
+         {panel.EdgeE, panel.PreEEndDE, panel.PostEStartDE, panel.Valence1, panel.Valence2})
+        typeNumber(field, QStringLiteral("3"));
+    for (const auto& [field, number] :
+         {std::pair(panel.HgAFrom, "-0.50"), std::pair(panel.HgATo, "4"),
+          std::pair(panel.HgABoxes, "7"), std::pair(panel.HgTFrom, "0"),
+          std::pair(panel.HgTTo, "1.5"), std::pair(panel.HgTBoxes, "11")})
+        user::type(field, QLatin1String(number));
+    for (AXafsFileSelect* select : panel.xafsSelects)
+        if (select->isValid() && select->FileName->text() != select->path())
+            user::drop(select, select->path());
+    bool later = false;
+    for (int row = panel.ePoints.size() - 1; row >= 0; --row) {
+        const AEPoint* point = panel.ePoints[row];
+        if (point->mapData().valid && point->MapFile->FileName->text() != point->mapPath())
+            user::drop(point->MapFile, point->mapPath());
+        later = later || point->UseCB->isChecked() || point->TRatCB->isChecked() ||
+                point->VPointCB->isChecked() || point->mapData().valid ||
+                !point->Energy->text().isEmpty();
+        if (later && point->mapData().valid && isJobNumber(point->mapEnergy()))
+            user::type(point->Energy, point->mapEnergy());
+        else if (later)
+            typeNumber(point->Energy, QStringLiteral("8300"));
+    }
+    for (int i = 0; i < 2; ++i)
+        for (QAbstractButton* button : {panel.UseVicCB, panel.UseVicForTargetCB})
+            button->click();
+}
+
+/// Rows and energies of somebody who knows what to measure.
+void chooseGoodPoints(FourPs& panel)
+{
+    const char* const energies[] = {"8313", "8381.0", "8390", "8404.50"};
+    for (int row = 0; row < panel.ePoints.size(); ++row) {
+        const AEPoint* point = panel.ePoints[row];
+        const bool used = row < 4;
+        if (used && point->mapEnergy().isEmpty())
+            user::type(point->Energy, QLatin1String(energies[row]));
+        if (point->UseCB->isChecked() != used)
+            point->UseCB->click();
+        if (point->TRatCB->isChecked() != (used && row != 2))
+            point->TRatCB->click();
+    }
+    panel.ePoints[2]->VPointCB->click();
+}
+
+/// What the buttons of a panel bring, as the batch has it.
+struct Pressed {
+    QStringList messages;
+    QString calcRes;
+    QString lcfRes;
+
+    Pressed(FourPs& panel, const Job& job)
+    {
+        if (job.calculateMap)
+            press(panel, panel.CalcMapB);
+        if (job.calculateTarget)
+            calcRes = press(panel, panel.CalcTargetB) ? QString() : panel.CalcRes->text();
+        if (job.calculateLcf)
+            lcfRes = press(panel, panel.LCFB) ? QString() : panel.LCFRes->text();
+    }
+
+private:
+    /// @return whether it was refused
+    bool press(FourPs& panel, QAbstractButton* button)
+    {
+        const QSignalSpy refused(&panel, &FourPs::refused);
+        const int before = user::messages(panel).size();
+        button->click();
+        messages += user::messagesSince(panel, before);
+        return !refused.isEmpty();
+    }
+};
+
 int expectedStatus(const RunReport& report)
 {
     if (report.resultNotWritten)
@@ -339,6 +467,52 @@ void tst_WindowAndBatch::sameMaps()
     ++m_maps;
 }
 
+/// A session at the window, saved as a job: the batch and a fresh window have the same.
+void tst_WindowAndBatch::sessionsAsJobs()
+{
+    QFETCH(quint32, seed);
+    const QTemporaryDir folder;
+    PanelSession session(seed, folder.path(), seed % 3 == 0);
+    for (int i = 0; i < 12; ++i)
+        QVERIFY2(session.step(), qPrintable(session.report()));
+    FourPs& used = session.panel();
+    if (seed % 2 == 0)
+        chooseGoodPoints(used);
+    makeKeepable(used);
+    const QString path = folder.filePath(QStringLiteral("session.toml"));
+    QCOMPARE(jobOf(used, folder.path()).lost, QStringList());
+    used.findChild<JobMenu*>()->save(path);
+
+    JobError error;
+    const std::optional<Job> job = readJob(path, error);
+    QVERIFY2(job, qPrintable(errorText(path, error)));
+    FourPs fresh;
+    fresh.findChild<JobMenu*>()->open(path);
+    QCOMPARE(textsOf(fresh), textsOf(used));
+    const Pressed inUsed(used, *job);
+    const Pressed inFresh(fresh, *job);
+    QCOMPARE(inFresh.messages, inUsed.messages);
+    QCOMPARE(inFresh.calcRes, inUsed.calcRes);
+    QCOMPARE(inFresh.lcfRes, inUsed.lcfRes);
+
+    Job printing = *job;
+    printing.mapResult = {}; // what is written has its own test
+    const std::optional<JobData> data = readJobData(printing, error);
+    QVERIFY2(data, qPrintable(errorText(path, error)));
+    const RunReport report = runJob(printing, *data);
+    QCOMPARE(report.messages, inUsed.messages);
+    QCOMPARE(report.calcRes, inUsed.calcRes);
+    QCOMPARE(report.lcfRes, inUsed.lcfRes);
+    ++m_sessions;
+    m_refusedSessions += report.refused ? 1 : 0;
+    if (seed % 8 != 0 || checkResultPath(*job, path))
+        return;
+    create(path, jobText(printing));
+    const Output program = runProgram(path);
+    QCOMPARE(program.text, reportText(printing, report));
+    QCOMPARE(program.status, expectedStatus(report));
+}
+
 void tst_WindowAndBatch::jobsReachedEverything()
 {
     const bool judge = !qEnvironmentVariableIsSet("DROVIK_SESSIONS");
@@ -349,6 +523,8 @@ void tst_WindowAndBatch::jobsReachedEverything()
     qInfo("%6d maps of many, %d refused", m_maps, m_refusedMaps);
     QVERIFY((m_written > 0 && m_programs > 0 && m_unreadable > 0) || !judge);
     QVERIFY((m_maps > 0 && m_refusedMaps > 0) || !judge);
+    qInfo("%6d sessions as jobs, %d of them refused in part", m_sessions, m_refusedSessions);
+    QVERIFY((m_refusedSessions > 0 && m_refusedSessions < m_sessions) || !judge);
 }
 
 void tst_WindowAndBatch::windowKeepsAResultBesideARefusal()

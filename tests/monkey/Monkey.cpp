@@ -5,6 +5,7 @@
 #include "input/AXafsFileSelect.h"
 #include "tests/support/CanvasActions.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QDir>
@@ -102,8 +103,13 @@ Qt::KeyboardModifiers Monkey::anyModifiers()
     return modifiers[below(8)];
 }
 
+/// A spectrum, 2D data, or a job that was saved.
 QString Monkey::anyFile()
 {
+    const QDir out(m_out);
+    const QStringList jobs = out.entryList({QStringLiteral("*.toml")});
+    if (!jobs.isEmpty() && chance(10))
+        return out.filePath(jobs.at(below(jobs.size())));
     const QStringList& files = chance(50) ? m_files.spectra : m_files.images;
     return files.at(below(files.size()));
 }
@@ -129,9 +135,13 @@ void Monkey::click()
 }
 
 /// Asks for the context menu of what is at a place, often of a graph; what is in it is clicked
-/// like anything else while it is open.
+/// like anything else while it is open. Or does what the keys of the window do.
 void Monkey::menu()
 {
+    if (chance(30)) {
+        const QList<QAction*> actions = panel().actions();
+        return actions.at(below(actions.size()))->trigger();
+    }
     QWidget* widget = anyWidget();
     if (chance(50)) {
         const Displays* displays = panel().displays;

@@ -72,6 +72,8 @@ void TwinPanel::giveFiles(const GivenMaps& maps)
             m_fresh.xafsSelects[i]->setFile(data->fileName);
     }
     for (int row = 0; row < m_used.ePoints.size(); ++row) {
+        if (m_used.ePoints[row]->mapPath().isEmpty())
+            continue; // nothing was there, or a job has forgotten it
         for (const QString& path : maps.ofRow(row))
             m_fresh.ePoints[row]->MapFile->setFile(path);
     }
