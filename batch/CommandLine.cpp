@@ -27,6 +27,8 @@ void describe(QCommandLineParser& parser)
         option("rank", "Prints which energies to measure, the best first, from the references."),
         option("inspect", "Tells what a file holds: format, energies, size, noise, edge.", "FILE"),
         option("picture", "With --inspect: draws it.", "FILE.png"),
+        option("convert", "Writes what the job reads as the window reads it, and a job for it."),
+        option("to", "With --convert: the folder.", "FOLDER"),
         option("check", "Only reads the job and its files."),
         option("list", "Prints the targets of the job, one on each line."),
         option("0", "With --list: ends each with NUL."),
@@ -91,6 +93,10 @@ QString readCommandLine(QCommandLineParser& parser, CommandLine& asked)
         return QStringLiteral("--shard, --merge, --replay and --watch exclude one another.");
     if (QString wrong = readNumbers(parser, asked.run); !wrong.isEmpty())
         return wrong;
+    asked.convert = isSet("convert");
+    asked.to = parser.value(QStringLiteral("to"));
+    if (asked.convert == asked.to.isEmpty())
+        return QStringLiteral("--convert and --to FOLDER go together.");
     if (isSet("picture") && !isSet("inspect"))
         return QStringLiteral("--picture goes with --inspect.");
     asked.names = parser.positionalArguments();

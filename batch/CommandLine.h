@@ -14,6 +14,8 @@ struct CommandLine {
     bool showTemplate = false;
     bool rank = false;
     bool merge = false;
+    bool convert = false;
+    QString to;        ///< folder of the conversion
     QString inspect;   ///< path of a file
     QString picture;   ///< of it
     QString replay;    ///< path of a record

@@ -1,5 +1,6 @@
 #include "batch/CommandLine.h"
 #include "batch/Console.h"
+#include "batch/Convert.h"
 #include "batch/InspectFile.h"
 #include "batch/JobFacts.h"
 #include "batch/JobRun.h"
@@ -114,6 +115,8 @@ int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
         text ? parseJob(*text, QFileInfo(options.job).absolutePath(), error) : std::nullopt;
     if (!job)
         return complain(errorText(options.job, error));
+    if (options.convert)
+        return static_cast<int>(convertJob(options.job, *job, options.to, options.run.quiet));
     if (options.rank)
         return rankJob(options.job, *job);
     if (job->paints()) {
