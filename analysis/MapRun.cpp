@@ -72,7 +72,8 @@ std::optional<Refusal> calculateMap(const MapTask& task, MapResults& results,
 }
 
 MapRun mapResult(const AnalysisInput& input, const std::vector<MapSource>& sources,
-                 MapResults& results, const MapHistograms& histograms, Workers& workers)
+                 MapResults& results, const MapHistograms& histograms, Workers& workers,
+                 MapSigmas* sigmas)
 {
     PointRows counted = input.table;
     for (std::size_t i = 0; i < counted.size(); ++i)
@@ -86,6 +87,7 @@ MapRun mapResult(const AnalysisInput& input, const std::vector<MapSource>& sourc
     }
     MapTask task = taskOf(input, sources);
     task.method = std::get<Method>(decision);
+    task.sigmas = sigmas;
     run.gridRow = task.choice.vPoint;
     std::optional<Refusal> refusal = checkMap(task, results, histograms);
     if (!refusal && task.method != Method::ThreePoint) {

@@ -48,6 +48,7 @@ struct MapRun {
 /// The point methods for every pixel. The checks count rows with data; the calculation takes every
 /// row in use, and pixels of those without data count as missing.
 /// @param sources  [input.table.size()]
+/// @param sigmas   to be filled along with the results; null for none
 MapRun mapResult(const AnalysisInput& input, const std::vector<MapSource>& sources,
                  MapResults& results, const MapHistograms& histograms,
-                 Workers& workers = Workers::shared());
+                 Workers& workers = Workers::shared(), MapSigmas* sigmas = nullptr);

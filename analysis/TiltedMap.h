@@ -14,7 +14,8 @@ struct EnergyTilt {
 /// tilt it is what mapResult() gives.
 /// @param points   of the table, from which the rows' tables are made
 /// @param sources  [points.size()], their images with one row for each of the grid's
+/// @param sigmas   to be filled along with the results; null for none
 MapRun tiltedMapResult(const AnalysisInput& input, const std::vector<ChosenPoint>& points,
                        const std::vector<MapSource>& sources, const EnergyTilt& tilt,
                        MapResults& results, const MapHistograms& histograms,
-                       Workers& workers = Workers::shared());
+                       Workers& workers = Workers::shared(), MapSigmas* sigmas = nullptr);

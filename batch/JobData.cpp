@@ -116,19 +116,26 @@ std::optional<JobError> readImage(const JobFilePath& file, std::size_t i,
     return std::nullopt;
 }
 
+/// @param gains  where the images' variances are wanted
 std::optional<JobError> readImages(const std::vector<JobFilePath>& images, JobData& data,
-                                   Workers& workers)
+                                   const std::optional<DetectorGains>& gains, Workers& workers)
 {
     data.maps.resize(data.settings.points.size());
     data.imageDigests.resize(images.size());
     KnownPositions positions;
     MapReadOptions options;
     options.knownPositions = &positions;
+    options.gains = gains;
     for (std::size_t i = 0; i < images.size(); ++i)
         if (!images[i].path.isEmpty())
             if (auto wrong = readImage(images[i], i, options, data, workers))
                 return wrong;
     return std::nullopt;
+}
+
+std::optional<DetectorGains> wantedGains(const NoiseSettings& noise)
+{
+    return noise.wantsMapCounts() ? std::optional(noise.gains) : std::nullopt;
 }
 
 std::vector<JobFilePath> imagesOf(const Job& job)
@@ -173,6 +180,24 @@ std::vector<MapSource> JobData::mapSources() const
     return sources;
 }
 
+std::optional<std::vector<MapVariance>> JobData::mapNoise() const
+{
+    if (noise.model == NoiseModel::None)
+        return std::nullopt;
+    std::vector<MapVariance> variances(maps.size());
+    for (std::size_t i = 0; i < maps.size(); ++i) {
+        if (!input.table[i].use)
+            continue;
+        if (noise.wantsMapCounts() && !maps[i].variance.empty())
+            variances[i].each = maps[i].variance.data();
+        else if (noise.mapScatter)
+            variances[i].all = *noise.mapScatter * *noise.mapScatter;
+        else
+            return std::nullopt;
+    }
+    return variances;
+}
+
 std::optional<JobData> withTarget(const JobData& common, const ByteSource& bytes,
                                   const QString& name, QString& error)
 {
@@ -189,7 +214,7 @@ std::optional<JobData> withImages(const JobData& common, const std::vector<JobFi
     JobData data = withoutFiles(common);
     for (std::size_t i = 0; i < data.settings.points.size(); ++i)
         data.settings.points[i].use &= i < images.size() && !images[i].path.isEmpty();
-    if (auto wrong = readImages(images, data, workers)) {
+    if (auto wrong = readImages(images, data, wantedGains(data.noise), workers)) {
         error = *wrong;
         return std::nullopt;
     }
@@ -214,7 +239,8 @@ std::optional<JobData> withStack(const JobData& common, const MapJob& map, JobEr
     std::vector<MapData> images;
     std::optional<FileFault> wrong = fault;
     if (stack)
-        wrong = stackMaps(*stack, given.source.path, energies, given.region, images, workers);
+        wrong = stackMaps(*stack, given.source.path, energies, given.region, images, workers,
+                          wantedGains(data.noise));
     if (wrong) {
         error = {given.place, faultText(*wrong)};
         return std::nullopt;
@@ -240,7 +266,7 @@ std::optional<JobData> readJobData(const Job& job, JobError& error)
     data.readAs[SpectrumSet::Target] = job.targetSource;
     std::optional<JobError> wrong = readSpectra(job, data);
     if (!wrong)
-        wrong = readImages(imagesOf(job), data, Workers::shared());
+        wrong = readImages(imagesOf(job), data, {}, Workers::shared());
     if (wrong) {
         error = *wrong;
         return std::nullopt;

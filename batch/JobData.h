@@ -38,6 +38,9 @@ struct JobData {
     AnalysisInput input; ///< refers to the spectra
 
     std::vector<MapSource> mapSources() const;
+    /// The noise of the images [maps.size()], of whose counts the maps hold the memory; nothing
+    /// where the job wants none, or that of an image in use is not known.
+    std::optional<std::vector<MapVariance>> mapNoise() const;
 };
 
 /// The same job with a target of its own. The references, the blank and the settings are shared; no

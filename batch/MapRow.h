@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/MapMean.h"
 #include "analysis/MapSummary.h"
 
 #include <QByteArrayList>
@@ -15,6 +16,9 @@ struct MapRow {
     int columns = 0;
     int rows = 0;
     MapSummary summary;
+    std::optional<MapMean> mean; ///< where the noise of the images is known
+    std::size_t meaningless = 0; ///< then: pixels that have a valence which means nothing
+    ReferenceValences valences;
     QString refusal;      ///< why there is no map; then there are no figures
     QStringList messages; ///< the lines of the calculation
     QStringList warnings; ///< what a physicist would doubt; no column has them

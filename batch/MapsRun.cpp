@@ -9,12 +9,14 @@
 #include "system/OrderedHandOver.h"
 #include "system/SafeFile.h"
 #include "system/Signals.h"
+#include "text/NumberText.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cmath>
 
 namespace
 {
@@ -61,6 +63,7 @@ private:
     QByteArrayList m_header;
     std::vector<MapSource> m_sources;
     MapResults m_results;
+    std::optional<MapSigmas> m_sigmas; ///< where the noise of the images is known
     std::optional<MissingPixels> m_missing;
     HistogramCounts m_valence;
     HistogramCounts m_thickness;
@@ -71,11 +74,15 @@ void MapAnalysis::calculate()
 {
     const Settings& settings = m_data.settings;
     m_sources = m_data.mapSources();
+    if (auto noise = m_data.mapNoise()) {
+        m_sigmas.emplace();
+        m_sigmas->noise = std::move(*noise);
+    }
     const MapRun run =
         tiltedMapResult(m_data.input, settings.points, m_sources, m_data.tilt, m_results,
                         {m_valence, m_thickness, settings.valenceHistogram,
                          settings.thicknessHistogram, settings.valences},
-                        m_workers);
+                        m_workers, m_sigmas ? &*m_sigmas : nullptr);
     for (const QString& line : ResultText::lines(run))
         m_outcome.row.messages += line.simplified();
     if (run.refusal)
@@ -84,6 +91,10 @@ void MapAnalysis::calculate()
     m_outcome.row.method = run.method;
     m_outcome.row.columns = m_results.columns;
     m_outcome.row.rows = m_results.rows;
+    m_outcome.row.valences = settings.valences;
+    if (m_sigmas)
+        m_outcome.row.mean = mapMean(m_data.input, *run.method, m_sigmas->sums,
+                                     tableCovariances(m_data.input, m_data.noises));
     // The numbers of the images are not needed any more.
     m_data.maps.clear();
 }
@@ -96,6 +107,10 @@ void MapAnalysis::describe()
     if (!summary)
         return refuse({Refusal::MapTooLarge, 0});
     m_outcome.row.summary = *summary;
+    const std::size_t found = summary->pixels - summary->missing;
+    if (m_sigmas)
+        m_outcome.row.meaningless =
+            found - std::min(found, static_cast<std::size_t>(m_sigmas->sums.pixels));
 }
 
 void MapAnalysis::wrote(const QString& path, WriteOutcome written)
@@ -165,6 +180,18 @@ Job onlyMap(const Job& job)
     return own;
 }
 
+QString meaninglessText(const MapRow& row)
+{
+    const double mean = row.valences.mean(row.mean->a);
+    QString text = QStringLiteral("the valence of %1 of %2 pixels means nothing: their t/ts is not "
+                                  "known to a third")
+                       .arg(row.meaningless)
+                       .arg(row.summary.pixels);
+    if (std::isfinite(mean))
+        text += QStringLiteral("; the mean of the others is %1").arg(textFromNumber(mean));
+    return text;
+}
+
 MapOutcome unlessStopped(const Job& job, const JobData& common, const MapJob& map, Workers& workers)
 {
     if (stopSignal() != 0) {
@@ -225,6 +252,8 @@ MapOutcome analyseMap(const Job& job, const JobData& common, const MapJob& map, 
                 results.medianA = (*median - valences.ref2) / (valences.ref1 - valences.ref2);
         for (const JobError& doubt : doubtsAfter(results))
             outcome.row.warnings += doubt.reason;
+        if (outcome.row.meaningless > 0)
+            outcome.row.warnings += meaninglessText(outcome.row);
     }
     return outcome;
 }

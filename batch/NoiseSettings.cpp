@@ -21,6 +21,8 @@ NoiseSettings noiseSettingsOf(const Job& job)
     takeIfGiven(job.gain0, settings.gains.incident);
     takeIfGiven(job.level, settings.level);
     takeIfGiven(job.uneven, settings.uneven);
+    if (!job.mapScatter.isEmpty())
+        settings.mapScatter = numberFromText(job.mapScatter);
     return settings;
 }
 

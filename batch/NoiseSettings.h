@@ -14,8 +14,16 @@
 struct NoiseSettings {
     NoiseModel model = NoiseModel::Scatter;
     DetectorGains gains;
-    double level = 0.683; ///< of the valence's interval
-    double uneven = 0.0;  ///< spread of the targets' thickness over its mean
+    double level = 0.683;             ///< of the valence's interval
+    double uneven = 0.0;              ///< spread of the targets' thickness over its mean
+    std::optional<double> mapScatter; ///< standard deviation of the mu-t of a map's images
+
+    /// Whether the counts of a map's images are to be used: a scatter that the job gives takes
+    /// their place, unless it wants counts.
+    bool wantsMapCounts() const
+    {
+        return model == NoiseModel::Counts || (model == NoiseModel::Scatter && !mapScatter);
+    }
 };
 
 NoiseSettings noiseSettingsOf(const Job& job);

@@ -56,15 +56,20 @@ double logarithm(double incident, double transmitted)
     return makesSense ? std::log(incident / transmitted) : notANumber;
 }
 
+void loadDark(const Frame& frame, std::size_t first, std::size_t count, Block& dark)
+{
+    if (frame.dark.pixels != nullptr)
+        load(frame.dark, first, count, dark.data());
+    else
+        std::fill_n(dark.begin(), count, frame.darkLevel);
+}
+
 void logarithmsOfCounts(const Frame& frame, std::size_t first, std::size_t count, double* values)
 {
     Block flat;
     Block dark;
     load(frame.flat, first, count, flat.data());
-    if (frame.dark.pixels != nullptr)
-        load(frame.dark, first, count, dark.data());
-    else
-        std::fill_n(dark.begin(), count, frame.darkLevel);
+    loadDark(frame, first, count, dark);
     for (std::size_t i = 0; i < count; ++i)
         values[i] = logarithm(flat[i] - dark[i], values[i] - dark[i]) + frame.added;
 }
@@ -92,5 +97,25 @@ void addMut(const Frame& frame, std::size_t first, std::size_t count, double* mu
         toMut(frame, first + done, n, values.data());
         for (std::size_t i = 0; i < n; ++i)
             mut[done + i] = (add ? mut[done + i] : 0.0) + frame.weight * values[i];
+    }
+}
+
+void addVariance(const Frame& frame, const DetectorGains& gains, bool ownFlat, std::size_t first,
+                 std::size_t count, double* variance, bool add)
+{
+    Block values;
+    Block flat;
+    Block dark;
+    const DetectorGains counted{ownFlat ? gains.incident : 0.0, gains.transmitted};
+    const double square = frame.weight * frame.weight;
+    for (std::size_t done = 0; done < count; done += block) {
+        const std::size_t n = std::min(block, count - done);
+        load(frame.frame, first + done, n, values.data());
+        load(frame.flat, first + done, n, flat.data());
+        loadDark(frame, first + done, n, dark);
+        for (std::size_t i = 0; i < n; ++i)
+            variance[done + i] =
+                (add ? variance[done + i] : 0.0) +
+                square * countingVariance({flat[i] - dark[i], values[i] - dark[i]}, counted);
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "analysis/SpectrumNoise.h"
+
 #include <cstddef>
 
 /// How the number of a pixel is stored, in the machine's byte order.
@@ -58,3 +60,12 @@ struct Frame {
 /// mu-t of some pixels, in double precision: not-a-number where an intensity is not positive.
 /// @param mut  [count]; the weighted mu-t is added to it, or put there
 void addMut(const Frame& frame, std::size_t first, std::size_t count, double* mut, bool add);
+
+/// Variances of the mu-t of some pixels of counts, by the counting of the frame alone or of its
+/// flat too; not-a-number where an intensity is not positive.
+/// @param ownFlat   whether the flat is of this frame only: one that all frames share moves all
+/// mu-t
+///                  of a pixel alike
+/// @param variance  [count]; what a mean of this weight has of it is added to it, or put there
+void addVariance(const Frame& frame, const DetectorGains& gains, bool ownFlat, std::size_t first,
+                 std::size_t count, double* variance, bool add);

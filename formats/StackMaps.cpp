@@ -47,23 +47,41 @@ SharedPositions positionsOf(const StackFacts& facts, const Region& region, Worke
     return std::make_shared<const MapPositions>(std::move(positions));
 }
 
-bool makeRoom(const Region& region, const SharedPositions& positions, std::vector<MapData>& maps)
+bool makeRoom(const Region& region, const SharedPositions& positions, bool variances,
+              std::vector<MapData>& maps)
 {
     for (MapData& map : maps) {
         map.columns = region.width;
         map.rows = region.height;
         map.valid = true;
         map.positions = positions;
-        if (!map.mut.resize(positions->size()))
+        if (!map.mut.resize(positions->size()) ||
+            (variances && !map.variance.resize(positions->size())))
             return false;
     }
     return true;
 }
 
-/// Fills the images from the frames.
-void calculate(const Parts& parts, const std::vector<std::size_t>& indices, const FrameSet& set,
-               std::vector<MapData>& maps, Workers& workers)
+bool areCounts(const FrameSet& set)
 {
+    return std::all_of(set.frames.begin(), set.frames.end(),
+                       [](const Frame& frame) { return frame.values == StackValues::Counts; });
+}
+
+/// Whether some frame has a flat of its own.
+bool flatsDiffer(const FrameSet& set)
+{
+    return std::any_of(set.frames.begin(), set.frames.end(), [&set](const Frame& frame) {
+        return frame.flat.pixels != set.frames.front().flat.pixels;
+    });
+}
+
+/// Fills the images from the frames.
+/// @param gains  where the images have room for variances
+void calculate(const Parts& parts, const std::vector<std::size_t>& indices, const FrameSet& set,
+               std::vector<MapData>& maps, const DetectorGains& gains, Workers& workers)
+{
+    const bool ownFlats = flatsDiffer(set);
     const std::size_t pixels = maps.front().mut.size();
     const std::size_t tasks = (pixels + taskPixels - 1) / taskPixels;
     workers.run(tasks, [&](std::size_t task, unsigned) {
@@ -75,7 +93,11 @@ void calculate(const Parts& parts, const std::vector<std::size_t>& indices, cons
                 const auto at = std::lower_bound(indices.begin(), indices.end(), part.frame);
                 Frame frame = set.frames[static_cast<std::size_t>(at - indices.begin())];
                 frame.weight = part.weight;
-                addMut(frame, first, count, maps[image].mut.data() + first, k > 0);
+                MapData& map = maps[image];
+                addMut(frame, first, count, map.mut.data() + first, k > 0);
+                if (!map.variance.empty())
+                    addVariance(frame, gains, ownFlats, first, count, map.variance.data() + first,
+                                k > 0);
             }
     });
 }
@@ -94,7 +116,8 @@ std::optional<Region> regionWithin(const StackFacts& facts, const Region& region
 
 std::optional<FileFault> stackMaps(Stack& stack, const QString& path,
                                    const std::vector<double>& energies, const Region& region,
-                                   std::vector<MapData>& maps, Workers& workers)
+                                   std::vector<MapData>& maps, Workers& workers,
+                                   const std::optional<DetectorGains>& gains)
 {
     const StackFacts& facts = stack.facts();
     const auto within = regionWithin(facts, region);
@@ -118,10 +141,10 @@ std::optional<FileFault> stackMaps(Stack& stack, const QString& path,
         return fault;
     std::vector<MapData> made(energies.size());
     const SharedPositions positions = positionsOf(facts, *within, workers);
-    if (!positions || !makeRoom(*within, positions, made))
+    if (!positions || !makeRoom(*within, positions, gains && areCounts(set), made))
         return FileFault{path, 0, QStringLiteral("does not fit in memory")};
     if (!made.empty())
-        calculate(parts, indices, set, made, workers);
+        calculate(parts, indices, set, made, gains.value_or(DetectorGains()), workers);
     maps = std::move(made);
     return std::nullopt;
 }

@@ -9,12 +9,14 @@
 /// micrometres where that is known.
 /// @param energies  eV
 /// @param region    of the frames; a width of 0 is all of them
+/// @param gains     of the camera, where variances of counts are wanted; a flat that all frames
+///                  share moves a pixel's mu-t alike at all energies, and is in none of them
 /// @param maps      [energies.size()]
 /// @return why there are none: a region or energy outside of the stack, a file that fails
 std::optional<FileFault> stackMaps(Stack& stack, const QString& path,
                                    const std::vector<double>& energies, const Region& region,
-                                   std::vector<MapData>& maps,
-                                   Workers& workers = Workers::shared());
+                                   std::vector<MapData>& maps, Workers& workers = Workers::shared(),
+                                   const std::optional<DetectorGains>& gains = {});
 
 /// The region, or all of the frames.
 /// @return nothing where it is not within them

@@ -10,14 +10,18 @@ bool MapAssembly::append(const MapChunk& chunk, std::size_t bytes)
     for (const QByteArray& line : chunk.header)
         readHeaderLine(line);
     const bool first = m_data.mut.empty();
-    return m_positions.append(chunk.positions) && (!first || expectMore(chunk.mut.size(), bytes)) &&
-           m_data.mut.append(chunk.mut.data(), chunk.mut.size()) && fits();
+    m_hasReadings = m_hasReadings || chunk.hasReadings;
+    return m_positions.append(chunk.positions) && (!first || expectMore(chunk, bytes)) &&
+           m_data.mut.append(chunk.mut.data(), chunk.mut.size()) &&
+           m_data.variance.append(chunk.variance.data(), chunk.variance.size()) && fits();
 }
 
 bool MapAssembly::finish(MapData& data)
 {
     const bool hasRecords = !m_data.mut.empty();
     m_data.positions = m_positions.finish();
+    if (!m_hasReadings)
+        m_data.variance = {};
     if (hasRecords && !m_data.positions)
         return false;
     m_data.valid = m_data.columns > 0 && m_data.rows > 0 && hasRecords;
@@ -26,20 +30,20 @@ bool MapAssembly::finish(MapData& data)
 }
 
 /// Takes the first records as typical of the file. Only what is far too large is refused by this.
-bool MapAssembly::expectMore(std::size_t records, std::size_t bytes)
+bool MapAssembly::expectMore(const MapChunk& chunk, std::size_t bytes)
 {
     if (bytes == 0 || bytes >= m_fileSize)
         return true;
-    const double total =
-        static_cast<double>(records) * static_cast<double>(m_fileSize) / static_cast<double>(bytes);
+    const double total = static_cast<double>(chunk.mut.size()) * static_cast<double>(m_fileSize) /
+                         static_cast<double>(bytes);
     const std::size_t bytesOfRecord =
-        sizeof(double) + (m_positions.shared() ? 0 : sizeof(MapPosition));
+        (chunk.gains ? 2 : 1) * sizeof(double) + (m_positions.shared() ? 0 : sizeof(MapPosition));
     if (total * static_cast<double>(bytesOfRecord) > 2.0 * static_cast<double>(m_memory))
         return false;
     constexpr double margin = 1.02;
     const auto expected = static_cast<std::size_t>(total * margin);
     m_positions.expect(expected);
-    return m_data.mut.reserve(expected);
+    return m_data.mut.reserve(expected) && (!chunk.gains || m_data.variance.reserve(expected));
 }
 
 bool MapAssembly::fits() const
@@ -49,8 +53,8 @@ bool MapAssembly::fits() const
     if (m_headerBytes > largestHeader)
         return false;
     const std::size_t positions = m_positions.shared() ? 0 : m_positions.size();
-    return m_data.mut.size() * sizeof(double) + positions * sizeof(MapPosition) + m_headerBytes <=
-           m_memory;
+    const std::size_t numbers = m_data.mut.size() + m_data.variance.size();
+    return numbers * sizeof(double) + positions * sizeof(MapPosition) + m_headerBytes <= m_memory;
 }
 
 void MapAssembly::readHeaderLine(const QByteArray& line)

@@ -27,7 +27,7 @@ public:
     const QStringList& energies() const { return m_energies; }
 
 private:
-    bool expectMore(std::size_t records, std::size_t bytes);
+    bool expectMore(const MapChunk& chunk, std::size_t bytes);
     bool fits() const;
     void readHeaderLine(const QByteArray& line);
 
@@ -37,4 +37,5 @@ private:
     MapData m_data;
     PositionCollector m_positions;
     QStringList m_energies;
+    bool m_hasReadings = false;
 };

@@ -16,6 +16,9 @@ struct MapData {
     /// mu-t of each record, in the order of the file, formed from its intensities I and I0: I where
     /// I0 is 0, 1 where only I is 0, otherwise ln(I0 / I).
     PixelArray<double> mut;
+    /// Of each record's mu-t, by the counting of both intensities; not-a-number where they are no
+    /// counts. Empty where nobody asks, or no record has two intensities.
+    PixelArray<double> variance;
     SharedPositions positions; ///< of each record [mut.size()]; null without records
 
     MapImage image() const { return {mut.data(), mut.size(), columns}; }

@@ -1,5 +1,6 @@
 #include "input/MapLines.h"
 
+#include "analysis/Constants.h"
 #include "text/LineTokens.h"
 #include "text/NumberText.h"
 #include "text/PowersOfTen.h"
@@ -107,23 +108,34 @@ private:
     const char* m_p;
 };
 
+/// What a record says of a pixel.
+struct Intensities {
+    double transmitted = 0.0;
+    double incident = 1.0;
+    bool both = false;
+};
+
 /// Reads one line as an ordinary record.
 /// @param p  start of the line; its end afterwards, or unchanged where the line is something else
-bool readRecord(const char*& p, const char* last, MapPosition& position, double& mut)
+bool readRecord(const char*& p, const char* last, MapPosition& position, Intensities& seen)
 {
     RecordReader line(p);
     std::array<double, 4> numbers{0.0, 0.0, 0.0, 1.0};
+    seen.both = true;
     for (std::size_t i = 0; i < numbers.size(); ++i) {
         line.skipBlanks();
-        if (i == 3 && line.atLineEnd())
+        if (i == 3 && line.atLineEnd()) {
+            seen.both = false;
             break;
+        }
         if (!line.number(numbers[i]))
             return false;
     }
     const char* const end =
         *line.position() == '\n' ? line.position() : lineEnd(line.position(), last);
     position = {numbers[0], numbers[1]};
-    mut = pixelMut(numbers[2], numbers[3]);
+    seen.transmitted = numbers[2];
+    seen.incident = numbers[3];
     p = end;
     return true;
 }
@@ -131,6 +143,14 @@ bool readRecord(const char*& p, const char* last, MapPosition& position, double&
 double number(std::string_view token)
 {
     return numberFromToken(token.data(), token.data() + token.size());
+}
+
+/// Not-a-number where there are not two of them, or they are no counts.
+double varianceOf(const Intensities& seen, MapChunk& chunk)
+{
+    chunk.hasReadings = chunk.hasReadings || seen.both;
+    return seen.both ? countingVariance({seen.incident, seen.transmitted}, *chunk.gains)
+                     : notANumber;
 }
 
 /// Sorts any line into the chunk. False where the memory is refused.
@@ -143,10 +163,14 @@ bool readAnyLine(std::string_view line, MapChunk& chunk)
     }
     if (tokens[2].empty())
         return true;
-    const double incident = tokens[3].empty() ? 1.0 : number(tokens[3]);
-    const double mut = pixelMut(number(tokens[2]), incident);
+    const bool both = !tokens[3].empty();
+    const Intensities seen{number(tokens[2]), both ? number(tokens[3]) : 1.0, both};
+    const double mut = pixelMut(seen.transmitted, seen.incident);
     const MapPosition position{number(tokens[0]), number(tokens[1])};
-    return chunk.mut.append(&mut, 1) && chunk.positions.append(&position, 1);
+    if (!chunk.mut.append(&mut, 1) || !chunk.positions.append(&position, 1))
+        return false;
+    const double variance = chunk.gains ? varianceOf(seen, chunk) : 0.0;
+    return !chunk.gains || chunk.variance.append(&variance, 1);
 }
 
 } // namespace
@@ -173,27 +197,35 @@ bool readMapLines(const char* first, const char* last, MapChunk& chunk)
 {
     const std::size_t atMost =
         chunk.mut.size() + static_cast<std::size_t>(last - first) / shortestRecord + 1;
-    if (!chunk.mut.reserve(atMost) || !chunk.positions.reserve(atMost))
+    if (!chunk.mut.reserve(atMost) || !chunk.positions.reserve(atMost) ||
+        (chunk.gains && !chunk.variance.reserve(atMost)))
         return false;
     std::size_t count = chunk.mut.size();
+    const auto end = [&chunk, &count] {
+        chunk.mut.resize(count);
+        chunk.positions.resize(count);
+        chunk.variance.resize(chunk.gains ? count : 0);
+    };
+    Intensities seen;
     std::string scratch;
     for (const char* p = first; p != last; ++p) {
         if (*p == '\n')
             continue;
-        if (readRecord(p, last, chunk.positions[count], chunk.mut[count])) {
+        if (readRecord(p, last, chunk.positions[count], seen)) {
+            chunk.mut[count] = pixelMut(seen.transmitted, seen.incident);
+            if (chunk.gains)
+                chunk.variance[count] = varianceOf(seen, chunk);
             ++count;
             continue;
         }
-        const char* const end = lineEnd(p, last);
-        const std::string_view line(p, static_cast<std::size_t>(end - p));
-        chunk.mut.resize(count);
-        chunk.positions.resize(count);
+        const char* const stop = lineEnd(p, last);
+        const std::string_view line(p, static_cast<std::size_t>(stop - p));
+        end();
         if (!readAnyLine(withoutReturns(line, scratch), chunk))
             return false;
         count = chunk.mut.size();
-        p = end;
+        p = stop;
     }
-    chunk.mut.resize(count);
-    chunk.positions.resize(count);
+    end();
     return true;
 }

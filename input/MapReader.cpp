@@ -52,6 +52,7 @@ ReadOutcome ParallelRead::run(Workers& workers)
         readers.emplace_back(m_bytes, m_options.chunkBytes);
     const auto produce = [&](std::size_t index, unsigned worker, MapChunk& chunk) {
         chunk.clear();
+        chunk.gains = m_options.gains;
         const bool read = readRange(index, readers[worker], chunk);
         if (worker == 0 && m_options.progress)
             m_options.progress(static_cast<double>(index + 1) / static_cast<double>(m_count));

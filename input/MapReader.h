@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/SpectrumNoise.h"
 #include "input/MapData.h"
 #include "system/ReadOutcome.h"
 #include "system/Workers.h"
@@ -8,6 +9,7 @@
 #include <QStringList>
 #include <cstddef>
 #include <functional>
+#include <optional>
 
 class ByteSource;
 class KnownPositions;
@@ -26,6 +28,8 @@ using Progress = std::function<void(double part)>;
 
 struct MapReadOptions {
     Progress progress;
+    /// Of the detectors, where the variances of mu-t are wanted.
+    std::optional<DetectorGains> gains = {};
     std::size_t memory = 0; ///< bytes that the data may take; 0 for what is available
     std::size_t chunkBytes = std::size_t{1} << 20; ///< the file is read in pieces of this size
     /// Positions equal to one of these are shared with it, others are added. Null: shared with

@@ -122,6 +122,7 @@ struct Job {
     QString gain0;         ///< of that before the sample
     QString level;         ///< of the valence's interval
     QString uneven;        ///< spread of the targets' thickness over its mean
+    QString mapScatter;    ///< standard deviation of the mu-t of a map's images
     QString rankCounts;    ///< photons a point, for the ranking of energies
     QString rankThickness; ///< t/ts of its target
 

@@ -140,7 +140,8 @@ KeyReader::Keys JobReader::noiseKeys()
                                           {"none", NoiseModel::None}})},
             {"gain", positive(job.gain)},
             {"gain0", positive(job.gain0)},
-            {"level", belowOne(job.level)}};
+            {"level", belowOne(job.level)},
+            {"map_scatter", positive(job.mapScatter)}};
 }
 
 KeyReader::Keys JobReader::outputKeys()

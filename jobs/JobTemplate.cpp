@@ -51,12 +51,15 @@ method = "least-squares"
 
 # How sure the results are. The noise of a spectrum comes from its "scatter" before the edge, or
 # from "counts": the readings times a gain for each detector, behind and before the sample.
-# "none" leaves the uncertainties out. level is that of the interval of the valence.
+# "none" leaves the uncertainties out. level is that of the interval of the valence. Images of
+# maps have no points before the edge: theirs is map_scatter, the standard deviation of a pixel's
+# mu-t, or comes from the counts where it is not given.
 [noise]
 model = "scatter"
 gain = 1.0
 gain0 = 1.0
 level = 0.683
+# map_scatter = 0.003
 
 # By how much the thickness of the targets varies under the beam: its standard deviation over the
 # thickness. What this does to the valence is told by itself.

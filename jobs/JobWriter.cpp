@@ -38,8 +38,9 @@ QByteArray numberText(double value)
     if (value == 0.0)
         return std::signbit(value) ? "-0.0" : "0";
     const QByteArray text = QByteArray::number(value, 'g', QLocale::FloatingPointShortest);
-    bool isWhole = false;
-    (void)text.toLongLong(&isWhole);
+    // Beyond these a whole number of TOML may lie between two of ours.
+    constexpr double exact = 9007199254740992.0;
+    const bool isWhole = std::abs(value) <= exact;
     return isWhole || text.contains('.') || text.contains('e') ? text : text + ".0";
 }
 
@@ -276,6 +277,7 @@ void writeConditions(const Job& job, JobText& to)
     to.number("gain", job.gain);
     to.number("gain0", job.gain0);
     to.number("level", job.level);
+    to.number("map_scatter", job.mapScatter);
     to.begin("[systematics]", "systematics");
     to.number("uneven", job.uneven);
 }

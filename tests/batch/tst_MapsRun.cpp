@@ -42,6 +42,12 @@ private slots:
     void init();
     void rowHoldsTheTruth();
     void columnsAndRefusedRow();
+    void sigmaOfTheMean_data();
+    void sigmaOfTheMean();
+    void commonPartDoesNotShrink();
+    void noiseThatIsNotKnown_data();
+    void noiseThatIsNotKnown();
+    void pixelsThatMeanNothing();
     void filesAreThoseOfTheMap();
     void nothingIsWrittenWithoutMapFiles();
     void picturesOfTheMap_data();
@@ -155,12 +161,164 @@ void tst_MapsRun::columnsAndRefusedRow()
 {
     QCOMPARE(mapColumns().join(','),
              QByteArray("map,method,columns,rows,pixels,missing,valence_mean,valence_median,"
-                        "valence_sd,t_mean,t_median,t_sd,below,above,refusal"));
+                        "valence_sd,t_mean,t_median,t_sd,below,above,sigma_valence_mean,"
+                        "sigma_valence_mean_ref,sigma_t_mean,sigma_t_mean_ref,t_bias,refusal"));
     MapRow row;
     row.map = QStringLiteral("鉄");
     row.refusal = QStringLiteral("no, none");
-    QCOMPARE(mapFields(row).join('|'), QByteArray("鉄||||||||||||||no, none"));
+    QCOMPARE(mapFields(row).join('|'), QByteArray("鉄|||||||||||||||||||no, none"));
     QVERIFY(!row.isGood());
+}
+
+void tst_MapsRun::sigmaOfTheMean_data()
+{
+    QTest::addColumn<QByteArray>("noise");
+    QTest::addColumn<bool>("counts");
+    QTest::addColumn<double>("gain0");
+    QTest::addColumn<double>("gain");
+    QTest::addRow("counts") << QByteArray() << true << 1.0 << 1.0;
+    QTest::addRow("gains") << QByteArray("[noise]\nmodel = \"counts\"\ngain0 = 2\ngain = 5\n"
+                                         "map_scatter = 0.003\n")
+                           << true << 2.0 << 5.0;
+    QTest::addRow("scatter") << QByteArray("[noise]\nmap_scatter = 0.003\n") << false << 0.0 << 0.0;
+}
+
+/// Three points: with q = (V - T0) / (T1 - T0) and a = (q - x2) / (x1 - x2), the derivatives of q
+/// by V, T1 and T0 are 1, -q and q - 1 over T1 - T0; those of t by T1 and T0 are opposite.
+void tst_MapsRun::sigmaOfTheMean()
+{
+    QFETCH(QByteArray, noise);
+    QFETCH(bool, counts);
+    QFETCH(double, gain0);
+    QFETCH(double, gain);
+    Job made = job(area, noise);
+    (*made.points)[1].use = false;
+    const MapRow row = analysed(made).row;
+    QCOMPARE(row.method, Method::ThreePoint);
+    JobError error;
+    const auto data = readJobData(made, error);
+    QVERIFY(data);
+    const PointRow& low = data->input.table[0];
+    const PointRow& v = data->input.table[2];
+    const PointRow& high = data->input.table[3];
+    const auto scaled = [&](auto reference) {
+        return (reference(v) - reference(low)) / (reference(high) - reference(low));
+    };
+    const double difference = scaled([](const PointRow& r) { return r.reference1(); }) -
+                              scaled([](const PointRow& r) { return r.reference2(); });
+    const double stepOfReferences =
+        0.5 * (2.0 * high.reference1() - low.reference1() - low.reference2());
+    const MapSample sample;
+    double variance = 0.0;
+    double varianceT = 0.0;
+    for (int y = 0; y < rows; ++y)
+        for (int x = 0; x < columns; ++x) {
+            const auto mut = [&](double energy) { return sample.muT(x, y, energy); };
+            const auto of = [&](double energy) {
+                return counts ? (gain0 + gain * std::exp(mut(energy))) / 1e6 : 9e-6;
+            };
+            const double step = mut(8404.5) - mut(8313);
+            const double q = (mut(8390) - mut(8313)) / step;
+            const double perA = 1.0 / (step * difference);
+            variance +=
+                (of(8390) + q * q * of(8404.5) + (1.0 - q) * (1.0 - q) * of(8313)) * perA * perA;
+            varianceT += (of(8404.5) + of(8313)) / (stepOfReferences * stepOfReferences);
+        }
+    const auto isNear = [&](const char* column, double expected) {
+        return std::abs(number(field(row, column)) / expected - 1.0) < 2e-4;
+    };
+    QVERIFY(isNear("sigma_valence_mean", std::sqrt(variance) / (rows * columns)));
+    QVERIFY(isNear("sigma_t_mean", std::sqrt(varianceT) / (rows * columns)));
+    QCOMPARE(field(row, "t_bias"), QByteArray("0"));
+    QCOMPARE(row.warnings, QStringList());
+}
+
+/// Four times as many pixels: half the own part, and the same of the references.
+void tst_MapsRun::commonPartDoesNotShrink()
+{
+    const MapRow small = analysed(job(area)).row;
+    MapSample large;
+    large.columns = 2 * columns;
+    large.rows = 2 * rows;
+    QCOMPARE(writeMap(m_dir->path(), large), QString());
+    const MapRow row = analysed(job(area)).row;
+    for (const QByteArray& what : {QByteArray("valence"), QByteArray("t")}) {
+        const auto ratio = [&](const char* ending) {
+            const QByteArray column = "sigma_" + what + "_mean" + ending;
+            return number(field(row, column)) / number(field(small, column));
+        };
+        QVERIFY(std::abs(ratio("") - 0.5) < 0.02);
+        QVERIFY(std::abs(ratio("_ref") - 1.0) < 0.02);
+    }
+}
+
+void tst_MapsRun::noiseThatIsNotKnown_data()
+{
+    QTest::addColumn<QByteArray>("noise");
+    QTest::addColumn<bool>("oneIntensity");
+    QTest::addColumn<bool>("known");
+    QTest::addRow("one intensity") << QByteArray() << true << false;
+    QTest::addRow("one intensity, counts wanted")
+        << QByteArray("[noise]\nmodel = \"counts\"\n") << true << false;
+    QTest::addRow("one intensity, scatter")
+        << QByteArray("[noise]\nmap_scatter = 0.001\n") << true << true;
+    QTest::addRow("no model") << QByteArray("[noise]\nmodel = \"none\"\nmap_scatter = 0.001\n")
+                              << false << false;
+}
+
+void tst_MapsRun::noiseThatIsNotKnown()
+{
+    QFETCH(QByteArray, noise);
+    QFETCH(bool, oneIntensity);
+    QFETCH(bool, known);
+    for (int i = 0; oneIntensity && i < 4; ++i) {
+        const QString path = m_dir->filePath(mapFileName(i));
+        QByteArray image;
+        for (const QByteArray& line : contents(path).split('\n')) {
+            const QByteArrayList tokens = line.simplified().split(' ');
+            image += line.startsWith('#') || tokens.size() < 4
+                         ? line
+                         : tokens[0] + ' ' + tokens[1] + ' ' +
+                               QByteArray::number(tokens[2].toDouble() / tokens[3].toDouble());
+            image += '\n';
+        }
+        create(path, image);
+    }
+    const MapRow row = analysed(job(area, noise)).row;
+    QCOMPARE(row.refusal, QString());
+    for (const char* column : {"sigma_valence_mean", "sigma_valence_mean_ref", "sigma_t_mean",
+                               "sigma_t_mean_ref", "t_bias"})
+        QCOMPARE(!field(row, column).isEmpty(), known);
+}
+
+/// A row of the map has next to nothing in the beam.
+void tst_MapsRun::pixelsThatMeanNothing()
+{
+    const double before = number(field(analysed(job(area)).row, "sigma_t_mean"));
+    for (int i = 0; i < 4; ++i) {
+        const QString path = m_dir->filePath(mapFileName(i));
+        const QByteArray image = contents(path);
+        const QByteArray rest = image.mid(image.indexOf("\n\n"));
+        QByteArray empty = image.left(image.indexOf("\n\n"));
+        const int first = empty.lastIndexOf("#");
+        QByteArrayList lines = empty.mid(empty.indexOf('\n', first) + 1).split('\n');
+        empty = empty.left(empty.indexOf('\n', first) + 1);
+        for (QByteArray& line : lines)
+            if (const QByteArrayList tokens = line.simplified().split(' '); tokens.size() == 4)
+                line = tokens[0] + ' ' + tokens[1] + " 1000" + QByteArray::number(i) + " 10000";
+        create(path, empty + lines.join('\n') + rest);
+    }
+    const MapRow row = analysed(job(area)).row;
+    const QStringList warnings = row.warnings;
+    QCOMPARE(warnings.size(), 1);
+    const QString begin =
+        QStringLiteral("the valence of 24 of 384 pixels means nothing: their t/ts "
+                       "is not known to a third; the mean of the others is ");
+    QVERIFY2(warnings[0].startsWith(begin), qPrintable(warnings[0]));
+    // The images have no noise, but the bias of such counts is taken out.
+    const double mean = warnings[0].mid(begin.size()).toDouble();
+    QVERIFY2(std::abs(mean - 2.5) < 5e-3, qPrintable(warnings[0]));
+    QVERIFY(number(field(row, "sigma_t_mean")) < 1.5 * before);
 }
 
 void tst_MapsRun::filesAreThoseOfTheMap()
@@ -300,7 +458,7 @@ void tst_MapsRun::badImageRefusesTheMap()
     QCOMPARE(outcome.row.refusal, refusal);
     QVERIFY(!outcome.row.isGood());
     QCOMPARE(mapFields(outcome.row).join('|'),
-             "area 1|" + QByteArray(13, '|') + outcome.row.refusal.toUtf8());
+             "area 1|" + QByteArray(18, '|') + outcome.row.refusal.toUtf8());
     QCOMPARE(outcome.files, QStringList());
     QVERIFY(!QFileInfo::exists(in("results")));
 }

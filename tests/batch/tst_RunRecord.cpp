@@ -194,7 +194,7 @@ void tst_RunRecord::filesOfAMap()
 {
     RunRecord record(path(), RunRecord::Access::Write);
     RecordedRow row;
-    row.fields = QByteArray("area,4ps,2,1,2,0,2.5,2.5,0,1,1,0,0,0,").split(',');
+    row.fields = QByteArray("area,4ps,2,1,2,0,2.5,2.5,0,1,1,0,0,0,0.1,0.2,0.3,0.4,0,").split(',');
     row.readOut = QByteArray("\0\1\2", 3);
     row.inputs = {{"m1.txt", digestOf("1")}, {"m2.txt", digestOf("2")}};
     row.outputs = {{"maps/area/area.dat", digestOf("3")}};

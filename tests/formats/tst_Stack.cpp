@@ -23,6 +23,8 @@ private slots:
     void kernel_data();
     void kernel();
     void kernelMissing();
+    void kernelVariances();
+    void variancesOfCounts();
     void framesAtEnergies();
     void energyUnits();
     void energyTexts();
@@ -224,6 +226,88 @@ void tst_Stack::kernelMissing()
     QCOMPARE(mut[2], -1.0);
     for (const int i : {3, 4, 6})
         QVERIFY(std::isnan(mut[static_cast<std::size_t>(i)]));
+}
+
+/// Variance of ln(flat / frame), dark taken off: gains over both.
+void tst_Stack::kernelVariances()
+{
+    const std::array<double, 3> values{30.0, 10.0, 60.0};
+    const std::array<double, 3> flats{110.0, 110.0, 5.0};
+    Frame frame;
+    frame.values = StackValues::Counts;
+    frame.frame = {PixelType::F64, reinterpret_cast<const char*>(values.data())};
+    frame.flat = {PixelType::F64, reinterpret_cast<const char*>(flats.data())};
+    frame.darkLevel = 10.0;
+    const DetectorGains gains{5.0, 3.0};
+    std::array<double, 3> variance{};
+    addVariance(frame, gains, true, 0, 3, variance.data(), false);
+    QVERIFY(near(variance[0], 5.0 / 100.0 + 3.0 / 20.0, 1e-15));
+    QVERIFY(std::isnan(variance[1]));
+    QVERIFY(std::isnan(variance[2]));
+    frame.weight = 0.5;
+    addVariance(frame, gains, false, 0, 1, variance.data(), true);
+    QVERIFY(near(variance[0], 0.2 + 0.25 * 3.0 / 20.0, 1e-15));
+}
+
+/// The flat of all frames moves the mu-t of a pixel alike at all energies, and is left out. Between
+/// two frames each has the square of its part.
+void tst_Stack::variancesOfCounts()
+{
+    /// Two pixels with the counts 100 and 50, then 400 and 200, of one flat.
+    class Counted : public Stack
+    {
+    public:
+        Counted()
+        {
+            m_facts.columns = 2;
+            m_facts.rows = 1;
+            m_facts.energies = {8300.0, 8310.0};
+        }
+        std::optional<FileFault> read(const std::vector<std::size_t>& indices, const Region&,
+                                      FrameSet& set) override
+        {
+            for (const std::size_t index : indices) {
+                Frame frame;
+                frame.values = values;
+                frame.frame = {PixelType::F64,
+                               reinterpret_cast<const char*>(m_counts.data() + 2 * index)};
+                frame.flat = {PixelType::F64, reinterpret_cast<const char*>(
+                                                  m_flats.data() + (ownFlats ? 2 * index : 0))};
+                set.frames.push_back(frame);
+            }
+            return std::nullopt;
+        }
+        StackValues values = StackValues::Counts;
+        bool ownFlats = false;
+
+    private:
+        std::array<double, 4> m_counts{100.0, 50.0, 400.0, 200.0};
+        std::array<double, 4> m_flats{1000.0, 1000.0, 500.0, 500.0};
+    };
+    Counted stack;
+    const auto variances = [&stack](bool wanted) {
+        std::vector<MapData> maps;
+        const std::optional<DetectorGains> gains =
+            wanted ? std::optional(DetectorGains{7.0, 2.0}) : std::nullopt;
+        if (stackMaps(stack, QStringLiteral("stack"), {8300.0, 8305.0}, {}, maps, Workers::shared(),
+                      gains))
+            qFatal("no maps");
+        std::vector<double> all;
+        for (const MapData& map : maps)
+            all.insert(all.end(), map.variance.begin(), map.variance.end());
+        return all;
+    };
+    const auto areNear = [](const std::vector<double>& found, const std::vector<double>& expected) {
+        return std::equal(found.begin(), found.end(), expected.begin(), expected.end(),
+                          [](double a, double b) { return near(a, b, 1e-15); });
+    };
+    QVERIFY(variances(false).empty());
+    QVERIFY(areNear(variances(true), {0.02, 0.04, 0.25 * (0.02 + 0.005), 0.25 * (0.04 + 0.01)}));
+    stack.ownFlats = true;
+    QVERIFY(areNear(variances(true),
+                    {0.027, 0.047, 0.25 * (0.027 + 0.005 + 0.014), 0.25 * (0.047 + 0.01 + 0.014)}));
+    stack.values = StackValues::MuT;
+    QVERIFY(variances(true).empty());
 }
 
 void tst_Stack::framesAtEnergies()

@@ -75,8 +75,8 @@ bool sameNoise(const Job& job, const Job& expected)
 {
     return job.noise == expected.noise && job.gain == expected.gain &&
            job.gain0 == expected.gain0 && job.level == expected.level &&
-           job.uneven == expected.uneven && job.rankCounts == expected.rankCounts &&
-           job.rankThickness == expected.rankThickness;
+           job.mapScatter == expected.mapScatter && job.uneven == expected.uneven &&
+           job.rankCounts == expected.rankCounts && job.rankThickness == expected.rankThickness;
 }
 
 bool samePaths(const Job& job, const Job& expected)

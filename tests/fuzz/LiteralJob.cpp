@@ -204,7 +204,7 @@ bool isPositive(const QString& text)
 
 bool readNoise(const toml::table& root, Job& job)
 {
-    Reading noise = section(root, "noise", "model gain gain0 level");
+    Reading noise = section(root, "noise", "model gain gain0 level map_scatter");
     const auto model = noise.word(
         "model", {QStringLiteral("scatter"), QStringLiteral("counts"), QStringLiteral("none")});
     const NoiseModel models[] = {NoiseModel::Scatter, NoiseModel::Counts, NoiseModel::None};
@@ -212,14 +212,15 @@ bool readNoise(const toml::table& root, Job& job)
     job.gain = noise.number("gain");
     job.gain0 = noise.number("gain0");
     job.level = noise.number("level");
+    job.mapScatter = noise.number("map_scatter");
     Reading systematics = section(root, "systematics", "uneven");
     job.uneven = systematics.number("uneven");
     Reading rank = section(root, "rank", "counts t_ts");
     job.rankCounts = rank.number("counts");
     job.rankThickness = rank.number("t_ts");
-    return noise.ok && rank.ok && systematics.ok && isPositive(job.uneven) &&
-           (job.uneven.isEmpty() || job.uneven.toDouble() < 1) && isPositive(job.gain) &&
-           isPositive(job.gain0) && isPositive(job.level) &&
+    return noise.ok && rank.ok && systematics.ok && isPositive(job.mapScatter) &&
+           isPositive(job.uneven) && (job.uneven.isEmpty() || job.uneven.toDouble() < 1) &&
+           isPositive(job.gain) && isPositive(job.gain0) && isPositive(job.level) &&
            (job.level.isEmpty() || job.level.toDouble() < 1) && isPositive(job.rankCounts) &&
            isPositive(job.rankThickness);
 }

@@ -279,6 +279,8 @@ class tst_MapReader : public QObject
     Q_OBJECT
 
 private slots:
+    void variancesOfCounts_data();
+    void variancesOfCounts();
     void mutOfAPixel_data();
     void mutOfAPixel();
     void recordsAndHeader();
@@ -875,6 +877,46 @@ void tst_MapReader::emptyAndOddFiles()
         MapData data;
         const MapReadResult result = readMapData(path, data, options);
         QCOMPARE(difference(result, data, plain), QString());
+    }
+}
+
+void tst_MapReader::variancesOfCounts_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QVector<double>>("expected");
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const QByteArray axes = "# AXIS 0 x mm step 1 3 points\n# AXIS 1 y mm step 1 1 points\n";
+    // With the gains 2 and 3 of the detectors before and behind the sample.
+    QTest::newRow("counts") << axes + "0 0 4 16\n1 0 30 100\n2 0 1 1e1\n"
+                            << QVector<double>{0.875, 0.12, 3.2};
+    QTest::newRow("no counts") << axes + "0 0 0 16\n1 0 -3 100\n2 0 3 100\n"
+                               << QVector<double>{nan, nan, 1.02};
+    QTest::newRow("some without I0") << axes + "0 0 4 16\n1 0 0.3\n2 0 1 10\n"
+                                     << QVector<double>{0.875, nan, 3.2};
+    // What only the slow way reads, in the midst of others.
+    QTest::newRow("odd blanks") << axes + "0 0 4 16\n1\v0 30 100\n2 0 1 10\n1\v0 7\n"
+                                << QVector<double>{0.875, 0.12, 3.2, nan};
+    QTest::newRow("none with I0") << axes + "0 0 4\n1 0 30\n2 0 1\n" << QVector<double>{};
+}
+
+void tst_MapReader::variancesOfCounts()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QVector<double>, expected);
+    for (const std::size_t chunk : {std::size_t{7}, std::size_t{1} << 20}) {
+        MapReadOptions options;
+        options.chunkBytes = chunk;
+        MapData data;
+        QCOMPARE(readMapData(ArrayBytes(text), data, options).outcome, ReadOutcome::Read);
+        QVERIFY(data.variance.empty());
+        options.gains = DetectorGains{2.0, 3.0};
+        QCOMPARE(readMapData(ArrayBytes(text), data, options).outcome, ReadOutcome::Read);
+        QCOMPARE(data.variance.size(), static_cast<std::size_t>(expected.size()));
+        for (int i = 0; i < expected.size(); ++i) {
+            const double found = data.variance[static_cast<std::size_t>(i)];
+            QVERIFY(std::isnan(expected[i]) ? std::isnan(found)
+                                            : std::abs(found - expected[i]) < 1e-15);
+        }
     }
 }
 

@@ -47,8 +47,8 @@ public:
         for (const JobFilePath& file : {job.output, job.mapResult})
             add(file);
         lines << job.edge << job.preEdgeEnd << job.postEdgeStart << job.valence1 << job.valence2
-              << job.gain << job.gain0 << job.level << job.uneven << job.rankCounts
-              << job.rankThickness;
+              << job.gain << job.gain0 << job.level << job.mapScatter << job.uneven
+              << job.rankCounts << job.rankThickness;
         for (const JobHistogram& histogram : {job.valenceHistogram, job.thicknessHistogram})
             lines << histogram.from << histogram.to << histogram.boxes;
         if (job.points)
@@ -190,6 +190,7 @@ private:
         job.valence1 = maybe(real());
         job.gain = maybe(positive());
         job.gain0 = maybe(positive());
+        job.mapScatter = maybe(positive());
         job.level = chance() ? QStringLiteral("0.683") : QString();
         job.uneven = chance() ? QStringLiteral("0.05") : QString();
         job.rankCounts = maybe(positive());
