@@ -8,8 +8,10 @@
 #include "display/PopBase.h"
 #include "display/ScreenRoom.h"
 #include "input/AFileSelect.h"
+#include "jobs/GivenJob.h"
 
 #include <QCloseEvent>
+#include <QFile>
 #include <QScreen>
 
 Body::Body(QWidget* parent) : QMainWindow(parent)
@@ -35,6 +37,14 @@ void Body::tellFailure(const QString& line)
 {
     m_busy->show(QString(), 1.0);
     m_panel->refuse(line);
+}
+
+void Body::openGivenJob()
+{
+    const QString path = QFile::decodeName(qgetenv(givenJobVariable));
+    qunsetenv(givenJobVariable);
+    if (!path.isEmpty())
+        m_panel->openJob(path);
 }
 
 void Body::showEvent(QShowEvent* event)

@@ -22,6 +22,10 @@ public:
 
     FourPs* panel() const { return m_panel; }
 
+    /// Opens the job that drovik-batch has handed over, if it has; nothing that this program starts
+    /// gets it, too.
+    void openGivenJob();
+
 public slots:
     /// An operation was broken off: nothing of it shows in the status bar any more, and the panel
     /// tells why.

@@ -259,7 +259,12 @@ void FourPs::buildMenus()
             menu->addAction(m_showMap);
     }
     new ResultsMenu(*this);
-    new JobMenu(*this);
+    m_jobMenu = new JobMenu(*this);
+}
+
+void FourPs::openJob(const QString& path)
+{
+    m_jobMenu->open(path);
 }
 
 // When all is built: a scroll area asks at once for the size of what it gets.

@@ -22,6 +22,7 @@ class AEPoint;
 class AXafsData;
 class FileQuestion;
 class Histgram;
+class JobMenu;
 class MarkLine;
 class MapWindow;
 class MarkLines;
@@ -62,6 +63,9 @@ public:
 
     /// Makes many changes as one: shown results are forgotten, all is calculated at the end.
     void fill(const std::function<void()>& change);
+
+    /// Fills the panel from a job file, as the menu does.
+    void openJob(const QString& path);
 
     /// What a graph shows.
     GraphTable graphTable(Displays::DispId id) const;
@@ -208,4 +212,5 @@ private:
     std::vector<std::size_t> m_highlighted;   ///< pixels of mapResults
     std::unique_ptr<MapWindow> m_mapWindow;
     QAction* m_showMap = nullptr; ///< owned
+    JobMenu* m_jobMenu = nullptr; ///< owned
 };

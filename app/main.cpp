@@ -38,5 +38,7 @@ int main(int argc, char* argv[])
     Body body;
     QObject::connect(&application, &Application::failed, &body, &Body::tellFailure);
     body.show();
+    // When the window is there, which shows how far the reading is.
+    QMetaObject::invokeMethod(&body, &Body::openGivenJob, Qt::QueuedConnection);
     return QApplication::exec();
 }

@@ -29,6 +29,7 @@ void describe(QCommandLineParser& parser)
         option("picture", "With --inspect: draws it.", "FILE.png"),
         option("convert", "Writes what the job reads as the window reads it, and a job for it."),
         option("to", "With --convert: the folder.", "FOLDER"),
+        option("show", "Opens the job in the window."),
         option("check", "Only reads the job and its files."),
         option("list", "Prints the targets of the job, one on each line."),
         option("0", "With --list: ends each with NUL."),
@@ -78,6 +79,7 @@ QString readCommandLine(QCommandLineParser& parser, CommandLine& asked)
     asked.version = isSet("version");
     asked.showTemplate = isSet("template");
     asked.rank = isSet("rank");
+    asked.show = isSet("show");
     asked.merge = isSet("merge");
     asked.replay = parser.value(QStringLiteral("replay"));
     asked.inspect = parser.value(QStringLiteral("inspect"));

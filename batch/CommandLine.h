@@ -13,6 +13,7 @@ struct CommandLine {
     bool version = false;
     bool showTemplate = false;
     bool rank = false;
+    bool show = false;
     bool merge = false;
     bool convert = false;
     QString to;        ///< folder of the conversion

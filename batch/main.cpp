@@ -9,6 +9,7 @@
 #include "batch/RankTable.h"
 #include "batch/Replay.h"
 #include "batch/ResultPath.h"
+#include "batch/ShowJob.h"
 #include "batch/TargetsJob.h"
 #include "jobs/JobTemplate.h"
 #include "system/Signals.h"
@@ -117,6 +118,8 @@ int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
         return complain(errorText(options.job, error));
     if (options.convert)
         return static_cast<int>(convertJob(options.job, *job, options.to, options.run.quiet));
+    if (options.show)
+        return complain(showJob(options.job));
     if (options.rank)
         return rankJob(options.job, *job);
     if (job->paints()) {

@@ -286,6 +286,18 @@ private slots:
                              QStringLiteral(": cannot be opened: there is no such file")));
     }
 
+    void aJobThatWasHandedOverIsOpened()
+    {
+        const QString path = job("[edge]\nenergy = 7120\n");
+        qputenv("DROVIK_SHOW_JOB", QFile::encodeName(path));
+        m_body->openGivenJob();
+        QCOMPARE(panel().EdgeE->text(), QStringLiteral("7120"));
+        QVERIFY(!qEnvironmentVariableIsSet("DROVIK_SHOW_JOB"));
+        user::type(panel().EdgeE, QStringLiteral("7000"));
+        m_body->openGivenJob(); // once
+        QCOMPARE(panel().EdgeE->text(), QStringLiteral("7000"));
+    }
+
     void aJobIsDroppedOnFreeSpace()
     {
         const QString path = job("[edge]\nenergy = 7120\n");

@@ -1,3 +1,5 @@
+#include "tests/support/Files.h"
+
 #include <QDir>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -11,6 +13,9 @@ class tst_BatchAlone : public QObject
 private slots:
     void linksNoWidgets();
     void runsWithoutAPlatform();
+    void showStartsTheWindow();
+    void showNeedsAWindow();
+    void showRefusesABadJobBefore();
 };
 
 namespace
@@ -32,6 +37,23 @@ Output run(const QString& program, const QStringList& arguments,
         return {};
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
+}
+
+/// A script in the place of the window: prints its name, its arguments and the job, fails by 7.
+void makeWindow(const QString& folder, const QByteArray& name)
+{
+    QDir().mkpath(folder);
+    QFile file(create(folder + QStringLiteral("/drovik"),
+                      "#!/bin/sh\necho \"" + name + " $# $DROVIK_SHOW_JOB\"\nexit 7\n"));
+    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+/// The system's environment with another PATH.
+QProcessEnvironment withPath(const QString& path)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("PATH"), path);
+    return environment;
 }
 
 /// A desktop whose platform does not exist and whose plugins are nowhere.
@@ -81,6 +103,55 @@ void tst_BatchAlone::runsWithoutAPlatform()
                                {QStringLiteral(EXAMPLES "/nickel/job.toml")}, environment);
     QCOMPARE(example.errors, QString());
     QCOMPARE(example.status, 0);
+}
+
+void tst_BatchAlone::showStartsTheWindow()
+{
+    const QTemporaryDir folder;
+    const QString alone = folder.filePath(QStringLiteral("bin/drovik-batch"));
+    const QString inPath = folder.filePath(QStringLiteral("path"));
+    makeWindow(inPath, "in PATH");
+    makeWindow(folder.filePath(QStringLiteral("bin")), "beside");
+    QVERIFY(QFile::copy(QStringLiteral(BATCH_PROGRAM), alone));
+    const QString job = create(folder.filePath(QStringLiteral("a \"job\".toml")), "# nothing\n");
+    QProcess process;
+    process.setWorkingDirectory(folder.path());
+    process.setProcessEnvironment(withPath(inPath + QStringLiteral(":/usr/bin:/bin")));
+    const QStringList arguments{QStringLiteral("--show"), QStringLiteral("a \"job\".toml")};
+    for (const char* const name : {"beside", "in PATH"}) {
+        process.start(alone, arguments);
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(QString::fromUtf8(process.readAllStandardOutput()),
+                 QStringLiteral("%1 0 %2\n").arg(QLatin1String(name), job));
+        QCOMPARE(process.readAllStandardError(), QByteArray());
+        QCOMPARE(process.exitCode(), 7);
+        QFile::remove(folder.filePath(QStringLiteral("bin/drovik"))); // then that in PATH
+    }
+}
+
+void tst_BatchAlone::showNeedsAWindow()
+{
+    const QTemporaryDir folder;
+    const QString alone = folder.filePath(QStringLiteral("drovik-batch"));
+    QVERIFY(QFile::copy(QStringLiteral(BATCH_PROGRAM), alone));
+    const QString job = create(folder.filePath(QStringLiteral("job.toml")), "# nothing\n");
+    const Output output = run(alone, {QStringLiteral("--show"), job}, withPath(folder.path()));
+    QCOMPARE(output.text, QString());
+    QCOMPARE(output.errors, QStringLiteral("The window cannot be started: there is no drovik "
+                                           "beside drovik-batch or in PATH.\n"));
+    QCOMPARE(output.status, 2);
+}
+
+void tst_BatchAlone::showRefusesABadJobBefore()
+{
+    const QTemporaryDir folder;
+    makeWindow(folder.path(), "window");
+    const QString job = create(folder.filePath(QStringLiteral("job.toml")), "edge = 1\n");
+    const Output output = run(QStringLiteral(BATCH_PROGRAM), {QStringLiteral("--show"), job},
+                              withPath(folder.path() + QStringLiteral(":/usr/bin:/bin")));
+    QCOMPARE(output.text, QString());
+    QCOMPARE(output.errors, job + QStringLiteral(":1:8: edge: must be a table: [edge]\n"));
+    QCOMPARE(output.status, 2);
 }
 
 QTEST_GUILESS_MAIN(tst_BatchAlone)
