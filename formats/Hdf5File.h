@@ -33,6 +33,8 @@ public:
 
     bool isValid() const { return m_id >= 0; }
     hid_t get() const { return m_id; }
+    /// Whoever gets it gives it back.
+    hid_t release() { return std::exchange(m_id, -1); }
 
 private:
     hid_t m_id = -1;

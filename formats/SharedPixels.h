@@ -25,6 +25,7 @@ public:
     SharedPixels(const SharedPixels&) = delete;
     SharedPixels& operator=(const SharedPixels&) = delete;
 
+    std::size_t size() const { return m_bytes; }
     char* data() { return static_cast<char*>(m_memory); }
     /// Numbers in double precision, at a place of theirs.
     static double* doublesAt(void* place) { return static_cast<double*>(place); }

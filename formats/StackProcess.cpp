@@ -103,12 +103,13 @@ long StackWords::number(const std::string& key) const
 }
 
 std::optional<FileFault> askStackProcess(const QString& path, std::vector<std::string> words,
-                                         const PixelMemory* pixels, StackWords& answer)
+                                         const PixelMemory* pixels, StackWords& answer,
+                                         std::size_t copied)
 {
     const StackLimits& limits = program().limits;
     const std::size_t bytes = pixels != nullptr ? pixels->size() : 0;
-    const double seconds =
-        limits.seconds + static_cast<double>(bytes) / static_cast<double>(limits.bytesASecond);
+    const double seconds = limits.seconds + static_cast<double>(bytes + copied) /
+                                                static_cast<double>(limits.bytesASecond);
     words.push_back("seconds=" + std::to_string(static_cast<long>(seconds) + 1));
     words.push_back("memory=" + std::to_string(limits.memory + 2 * bytes));
     const ChildAnswer said =
@@ -122,4 +123,17 @@ std::optional<FileFault> askStackProcess(const QString& path, std::vector<std::s
     if (answer.values.count("done") == 0)
         return FileFault{path, 0, failureText({ChildAnswer::Failed, 0, {}}, seconds)};
     return std::nullopt;
+}
+
+WriteOutcome writeByStackProcess(const QString& path, std::vector<std::string> words,
+                                 const PixelMemory& pixels, std::size_t copied)
+{
+    SafeFile file(path);
+    if (!pixels.isThere() || !file.open())
+        return WriteOutcome::CannotOpen;
+    words.push_back("file=" + QFile::encodeName(file.beside()).toStdString());
+    StackWords answer;
+    const bool written = !file.beside().isEmpty() &&
+                         !askStackProcess(path, words, &pixels, answer, copied) && file.commit();
+    return written ? WriteOutcome::Written : WriteOutcome::CannotWrite;
 }

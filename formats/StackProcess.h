@@ -1,6 +1,7 @@
 #pragma once
 
 #include "formats/FileFault.h"
+#include "system/SafeFile.h"
 
 #include <map>
 #include <memory>
@@ -8,17 +9,17 @@
 #include <string>
 #include <vector>
 
-/// Limits of the process that reads HDF5 and TIFF files.
+/// Limits of the process that reads and writes HDF5 and TIFF files.
 struct StackLimits {
     double seconds = 60.0;                           ///< beside those for the pixels
     std::size_t memory = std::size_t{2} << 30;       ///< bytes beside those of the pixels
     std::size_t bytesASecond = std::size_t{5} << 20; ///< that a slow disk gives
 };
 
-/// The program that reads them; found beside this one unless a place is given here. For tests.
+/// The program that does; found beside this one unless a place is given here. For tests.
 void setStackProgram(const QString& path, const StackLimits& limits = {});
 
-/// Memory for pixels that another process fills.
+/// Memory for pixels that another process fills or reads.
 class PixelMemory
 {
 public:
@@ -52,6 +53,14 @@ struct StackWords {
 
 /// Asks the process. What fails there is a fault here, and nothing worse.
 /// @param path    of the file that the words name, for the fault
-/// @param pixels  that it fills; null for none
+/// @param pixels  that it fills, or reads; null for none
+/// @param copied  bytes that it copies from file to file, for its time
 std::optional<FileFault> askStackProcess(const QString& path, std::vector<std::string> words,
-                                         const PixelMemory* pixels, StackWords& answer);
+                                         const PixelMemory* pixels, StackWords& answer,
+                                         std::size_t copied = 0);
+
+/// Has the process write a file that is put into its place when it is whole.
+/// @param words  without the file
+/// @return why it was not
+WriteOutcome writeByStackProcess(const QString& path, std::vector<std::string> words,
+                                 const PixelMemory& pixels, std::size_t copied = 0);

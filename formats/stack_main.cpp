@@ -1,7 +1,9 @@
 #include "formats/Hdf5Contents.h"
 #include "formats/Hdf5Reader.h"
+#include "formats/Hdf5Writer.h"
 #include "formats/StackFault.h"
 #include "formats/TiffReader.h"
+#include "formats/TiffWriter.h"
 
 #include <csignal>
 #include <cstdio>
@@ -35,7 +37,7 @@ void beModest(const StackRequest& request)
     // Data of other files lie beside a file, not where somebody happens to be.
     setenv("HDF5_EXTFILE_PREFIX", "${ORIGIN}", 1);
     setenv("HDF5_VDS_PREFIX", "${ORIGIN}", 1);
-    setenv("HDF5_USE_FILE_LOCKING", "FALSE", 1); // nothing is written
+    setenv("HDF5_USE_FILE_LOCKING", "FALSE", 1); // files of results have one writer
 }
 
 std::string answer(const StackRequest& request)
@@ -51,13 +53,19 @@ std::string answer(const StackRequest& request)
         return describeTiff(request);
     if (verb == "planes-tiff")
         return planesOfTiff(request);
+    if (verb == "write-map")
+        return writeMap(request);
+    if (verb == "write-run")
+        return writeRun(request);
+    if (verb == "write-tiff")
+        return writeTiff(request);
     throw StackFault("is asked for what is not known");
 }
 
 } // namespace
 
-/// Reads stacks by libraries that may fail on damaged files, for a program that goes on when this
-/// one does.
+/// Reads stacks, and writes results, by libraries that may fail on damaged files, for a program
+/// that goes on when this one does.
 int main(int argc, char* argv[])
 {
     StackRequest request{{argv + 1, argv + argc}};

@@ -152,6 +152,11 @@ bool SafeFile::write(const char* text, qint64 size)
     return !m_failed;
 }
 
+QString SafeFile::beside() const
+{
+    return m_beside != nullptr ? m_beside->fileName() : QString();
+}
+
 bool SafeFile::commit()
 {
     if (!m_begun)

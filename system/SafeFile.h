@@ -39,6 +39,11 @@ public:
     /// @return false where not all was taken, now or before
     bool write(const char* text, qint64 size);
 
+    /// The file beside the place, for another process to write: it is there and empty. For a file
+    /// that is open and to which nothing was written.
+    /// @return an empty path where the place is written directly
+    QString beside() const;
+
     /// Puts the file into its place. What was refused before is refused here.
     /// @return false where the file could not be written whole; a file put beside is gone then
     bool commit();
