@@ -59,7 +59,9 @@ std::vector<MapJob> presentMaps(const Job& job)
 {
     std::vector<MapJob> maps;
     for (const JobMap& given : job.maps) {
-        const MapJob map{given.name, given.place, imagesOf(given, job)};
+        const MapJob map{given.name, given.place, imagesOf(given, job), given.stack};
+        if (given.stack && map.images.empty())
+            continue;
         if (std::all_of(map.images.begin(), map.images.end(), [](const JobFilePath& image) {
                 return image.path.isEmpty() || QFileInfo(image.path).isFile();
             }))

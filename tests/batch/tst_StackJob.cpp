@@ -24,6 +24,7 @@ private slots:
     void everyLayoutGivesTheSame();
     void pointOutsideIsRefused();
     void missingStack();
+    void stackThatIsThereOrNotYet();
     void tiltedBeam();
     void keyHasTheStack();
     void spectraOfOthers_data();
@@ -194,6 +195,20 @@ void tst_StackJob::missingStack()
     QCOMPARE(errorText(QStringLiteral("job"), error),
              QStringLiteral("job:3:9: map.stack: there is no file ") +
                  m_dir.filePath(QStringLiteral("none.h5")));
+}
+
+/// While files are still coming.
+void tst_StackJob::stackThatIsThereOrNotYet()
+{
+    const Job job = jobOf("[[map]]\nname = \"m\"\nstack = \"fxi.h5\"\nshift = 2\n[[map]]\nname "
+                          "= \"n\"\nstack = \"not-yet.h5\"\n" +
+                              points + files + conditions,
+                          m_dir.path());
+    const std::vector<MapJob> maps = presentMaps(job);
+    QCOMPARE(maps.size(), std::size_t(1));
+    QCOMPARE(maps.front().name, QStringLiteral("m"));
+    QVERIFY(maps.front().stack);
+    QCOMPARE(maps.front().stack->source.shift, 2.0);
 }
 
 /// A reference measured in steps so fine that a line between two points is the spectrum.
