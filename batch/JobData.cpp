@@ -253,6 +253,8 @@ std::optional<JobData> withStack(const JobData& common, const MapJob& map, JobEr
     data.maps.resize(data.settings.points.size());
     for (std::size_t k = 0; k < rows.size(); ++k)
         data.maps[rows[k]] = std::move(images[k]);
+    data.pixelWidth = stack->facts().pixelWidth;
+    data.pixelHeight = stack->facts().pixelHeight;
     data.tilt = {given.tilt, given.row0 - given.region.y};
     prepareInput(data);
     return data;

@@ -34,7 +34,9 @@ struct JobData {
     std::vector<MapData> maps; ///< [settings.points.size()]
     /// Of the images of a map that is not the job's own, in their order; none for no image.
     std::vector<std::optional<Digest>> imageDigests;
-    EnergyTilt tilt;     ///< of the maps
+    EnergyTilt tilt;         ///< of the maps
+    double pixelWidth = 0.0; ///< of a stack's pixels, micrometres; 0 where it is not known
+    double pixelHeight = 0.0;
     AnalysisInput input; ///< refers to the spectra
 
     std::vector<MapSource> mapSources() const;

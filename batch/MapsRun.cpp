@@ -1,6 +1,7 @@
 #include "batch/MapsRun.h"
 
 #include "batch/JobFacts.h"
+#include "batch/MapImages.h"
 #include "batch/MapPictures.h"
 #include "batch/TargetRow.h"
 #include "results/HistogramFile.h"
@@ -39,6 +40,8 @@ public:
             dropUnfinishedFiles(mapFolder(m_job, m_map));
             if (m_job.mapFiles)
                 writeFiles();
+            if (m_job.tiff || m_job.hdf5)
+                writeImages();
             if (m_job.drawsMaps() && m_outcome.row.refusal.isEmpty())
                 drawPictures();
         }
@@ -49,6 +52,8 @@ private:
     void calculate();
     void describe();
     void writeFiles();
+    void writeImages();
+    bool hasThickness() const { return m_outcome.row.method != Method::ThreePoint; }
     void drawPictures();
     void refuse(const RunRefusal& refusal)
     {
@@ -138,17 +143,30 @@ void MapAnalysis::writeFiles()
     }
 }
 
+void MapAnalysis::writeImages()
+{
+    const QString folder = mapFolder(m_job, m_map);
+    QDir().mkpath(folder);
+    const QString stem = folder + QLatin1Char('/') + m_map.name;
+    const ResultImages images =
+        resultImages(m_map.name, m_data, m_results, *m_missing, hasThickness());
+    for (const ResultImage& image : images.images)
+        if (m_job.tiff)
+            wrote(mapTiffFile(stem, image), writeTiff(mapTiffFile(stem, image), images, image));
+    if (m_job.hdf5)
+        wrote(mapHdf5File(stem), writeHdf5(mapHdf5File(stem), images));
+}
+
 void MapAnalysis::drawPictures()
 {
     const Settings& settings = m_data.settings;
-    const bool hasThickness = m_outcome.row.method != Method::ThreePoint;
     const MapPictureInput input{m_results,
                                 m_valence,
                                 m_thickness,
                                 settings.valenceHistogram,
                                 settings.thicknessHistogram,
                                 settings.valences,
-                                hasThickness,
+                                hasThickness(),
                                 &*m_missing};
     const PictureFiles pictures =
         drawMapPictures(mapFolder(m_job, m_map), m_map.name, input, languageName(m_job), m_workers);

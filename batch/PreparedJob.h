@@ -21,6 +21,8 @@ struct PreparedJob {
     Job job;
     JobList list;   ///< of this shard
     JobData common; ///< references and blank
+    /// The results are written after every few files: what takes long waits for a run of all.
+    bool isWatched = false;
 };
 
 /// @param error  is set where nothing comes back

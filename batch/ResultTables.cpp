@@ -4,6 +4,7 @@
 #include "batch/JobKey.h"
 #include "batch/MapRow.h"
 #include "batch/Report.h"
+#include "batch/RunFileRows.h"
 #include "batch/TargetRow.h"
 #include "system/SafeFile.h"
 #include "text/Csv.h"
@@ -36,6 +37,8 @@ public:
             writeMaps();
         if (m_job.pictures)
             drawGraphs();
+        if (m_job.hdf5 && !m_prepared.isWatched)
+            writeHdf5();
         if (m_job.report)
             writeReport();
         return m_written;
@@ -45,6 +48,7 @@ private:
     void writeTargets();
     void writeMaps();
     void drawGraphs();
+    void writeHdf5();
     void writeReport();
     void takeTarget(const RecordedRow& row);
     void takeMap(const RecordedRow& row);
@@ -62,6 +66,7 @@ private:
     const Job& m_job;
     RunFolder m_folder;
     ReportFacts m_facts;
+    RunFileRows m_rows;
     std::vector<ReportInput> m_images;
     std::vector<LCFvs4PSPoint> m_points;
     ResultsWritten m_written;
@@ -113,6 +118,8 @@ void Results::writeTable(RowKind kind, const QString& path, const QByteArrayList
 void Results::writeTargets()
 {
     const std::vector<JobFilePath>& targets = m_prepared.list.targets;
+    if (m_job.hdf5)
+        m_rows.setTargetColumns(targetColumns());
     writeTable(
         RowKind::Target, m_folder.results(), targetColumns(), targets.size(),
         [&](std::size_t i) { return targetName(m_job, targets[i]).toUtf8(); },
@@ -128,6 +135,8 @@ void Results::takeTarget(const RecordedRow& row)
         message(row.name(), "warning: " + field("warnings"));
     if (m_job.report)
         m_facts.targets.add(row.fields);
+    if (m_job.hdf5)
+        m_rows.addTarget(row);
     if (m_job.pictures && !field("a").isEmpty() && !field("lcf_a").isEmpty())
         m_points.push_back({field("a").toDouble(), field("valence").toDouble(),
                             field("lcf_a").toDouble(), field("lcf_valence").toDouble()});
@@ -149,6 +158,8 @@ void Results::takeMap(const RecordedRow& row)
         message(row.name(), line);
     for (const RecordedFile& image : row.inputs)
         m_images.push_back({image.path, toBytes(image.digest).toHex()});
+    if (m_job.hdf5)
+        m_rows.addMap(row, m_folder.path(), commonInputs(m_prepared));
     ReportMap map;
     map.fields = row.fields;
     map.readOut = row.readOut;
@@ -164,6 +175,15 @@ void Results::drawGraphs()
     wrote(drawReferenceGraphs(m_prepared.common.input, options));
     if (!m_points.empty())
         wrote(drawComparisonGraph(m_points, m_prepared.common.settings.valences, options));
+}
+
+void Results::writeHdf5()
+{
+    RunContents run = m_rows.contents();
+    run.program = "drovik";
+    run.version = programVersion();
+    run.job = m_prepared.text;
+    wrote(m_folder.hdf5(), writeRunFile(m_folder.hdf5(), run) == WriteOutcome::Written);
 }
 
 void Results::writeReport()

@@ -31,6 +31,7 @@ public:
     const QString& path() const { return m_path; }
     QString results() const { return in(QStringLiteral("results.csv")); }
     QString maps() const { return in(QStringLiteral("maps.csv")); }
+    QString hdf5() const { return in(QStringLiteral("results.h5")); }
     QString report() const { return in(QStringLiteral("report.html")); }
     QString record() const { return in(QStringLiteral("run.sqlite")); }
     QString shards() const { return in(QStringLiteral("shards")); }

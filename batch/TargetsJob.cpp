@@ -305,5 +305,6 @@ int analyseTargets(const QString& path, const QByteArray& text, const Job& job,
                                   : prepareJob(path, text, job, options.shard, error);
     if (!prepared)
         return complain(errorText(path, error));
+    prepared->isWatched = options.watch;
     return options.checkOnly ? static_cast<int>(ExitStatus::Done) : runInFolder(*prepared, options);
 }

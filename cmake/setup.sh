@@ -15,7 +15,7 @@ check_packages=(
     libbenchmark-dev libfast-float-dev libfmt-dev libtbb-dev
     librsvg2-bin poppler-utils
     xvfb xauth xdotool
-    chromium chromium-driver python3-selenium
+    chromium chromium-driver python3-selenium python3-h5py python3-tifffile
     clang clang-tidy libclang-rt-14-dev lld cppcheck gcovr pkg-config
 )
 

@@ -94,6 +94,8 @@ struct Job {
     bool pictures = false; ///< the graphs of all targets as files
     bool report = true;    ///< a page that shows all results
     bool mapFiles = true;  ///< result file and histogram files of each map
+    bool tiff = false;     ///< images of each map for the programs of others
+    bool hdf5 = false;     ///< a file of each map, and one of the run
     Language language = Language::English;
 
     QString edge;          ///< eV

@@ -151,6 +151,8 @@ KeyReader::Keys JobReader::outputKeys()
         {"pictures", flag(job.pictures)},
         {"report", flag(job.report)},
         {"map_files", flag(job.mapFiles)},
+        {"tiff", flag(job.tiff)},
+        {"hdf5", flag(job.hdf5)},
         {"language", choice<Language>([this](Language language) { job.language = language; },
                                       {{"en", Language::English}, {"ja", Language::Japanese}})}};
 }

@@ -145,6 +145,10 @@ pictures = false
 report = true
 # The result file and the histogram files of each map.
 map_files = true
+# Of each map valence, a and t/ts as TIFF files of numbers in single precision.
+tiff = false
+# results.h5: maps and targets of the run in double precision, with their errors.
+hdf5 = false
 # Of pictures and report: "en" or "ja".
 language = "en"
 )";

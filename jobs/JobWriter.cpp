@@ -352,6 +352,8 @@ void writeOutput(const Job& job, JobText& to)
     to.flag("pictures", job.pictures);
     to.flag("report", job.report);
     to.flag("map_files", job.mapFiles);
+    to.flag("tiff", job.tiff);
+    to.flag("hdf5", job.hdf5);
     to.line("language", job.language == Language::Japanese ? "\"ja\"" : "\"en\"");
 }
 

@@ -68,7 +68,8 @@ bool sameHistograms(const Job& job, const Job& expected)
 bool sameOutput(const Job& job, const Job& expected)
 {
     return job.pictures == expected.pictures && job.report == expected.report &&
-           job.mapFiles == expected.mapFiles && job.language == expected.language;
+           job.mapFiles == expected.mapFiles && job.tiff == expected.tiff &&
+           job.hdf5 == expected.hdf5 && job.language == expected.language;
 }
 
 bool sameNoise(const Job& job, const Job& expected)

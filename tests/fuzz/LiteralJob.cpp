@@ -227,11 +227,13 @@ bool readNoise(const toml::table& root, Job& job)
 
 bool readOutput(const toml::table& root, const QString& folder, Job& job)
 {
-    Reading output = section(root, "output", "folder pictures report map_files language");
+    Reading output = section(root, "output", "folder pictures report map_files tiff hdf5 language");
     job.output.path = output.path("folder", folder);
     job.pictures = output.flag("pictures").value_or(false);
     job.report = output.flag("report").value_or(true);
     job.mapFiles = output.flag("map_files").value_or(true);
+    job.tiff = output.flag("tiff").value_or(false);
+    job.hdf5 = output.flag("hdf5").value_or(false);
     const auto language =
         output.word("language", {QStringLiteral("en"), QStringLiteral("ja")}).value_or(0);
     job.language = language == 0 ? Language::English : Language::Japanese;

@@ -351,6 +351,7 @@ void tst_JobFile::mapsAreTaken()
     QCOMPARE(inOneLine.points->at(1).energyText, QStringLiteral("7124.50"));
     QCOMPARE(job.output.path, QStringLiteral("/data/results"));
     QVERIFY(!job.pictures && job.report && job.mapFiles);
+    QVERIFY(!job.tiff && !job.hdf5);
     QVERIFY(job.paints()); // the maps, for the report
     QVERIFY(job.language == Language::English);
 }
@@ -367,6 +368,8 @@ void tst_JobFile::outputAndHistogramsAreTaken()
                            "pictures = true\n"
                            "report = false\n"
                            "map_files = false\n"
+                           "tiff = true\n"
+                           "hdf5 = true\n"
                            "language = \"ja\"\n");
     QCOMPARE(job.valenceHistogram.from, QStringLiteral("2"));
     QCOMPARE(job.valenceHistogram.to, QStringLiteral("3.5"));
@@ -380,6 +383,7 @@ void tst_JobFile::outputAndHistogramsAreTaken()
     QCOMPARE(settings.thicknessHistogram.last, 1.2);
     QCOMPARE(settings.thicknessHistogram.boxes, 2.0);
     QVERIFY(job.pictures && !job.report && !job.mapFiles);
+    QVERIFY(job.tiff && job.hdf5);
     QVERIFY(job.language == Language::Japanese);
     // One target with a folder is a list of one.
     QCOMPARE(job.spectra[SpectrumSet::Target].path, QString());

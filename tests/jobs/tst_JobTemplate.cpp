@@ -105,6 +105,8 @@ void tst_JobTemplate::keepsTheForm()
     QCOMPARE(job->pictures, nothing.pictures);
     QCOMPARE(job->report, nothing.report);
     QCOMPARE(job->mapFiles, nothing.mapFiles);
+    QCOMPARE(job->tiff, nothing.tiff);
+    QCOMPARE(job->hdf5, nothing.hdf5);
     QVERIFY(job->language == nothing.language);
 }
 
@@ -127,7 +129,8 @@ void tst_JobTemplate::whatIsCommentedOutIsRight_data()
                                 << QByteArrayList{"targets = ",   "[[map]]",     "name = ",
                                                   "images = ",    "pattern = ",  "[output]",
                                                   "folder = ",    "pictures = ", "report = ",
-                                                  "map_files = ", "language = "} +
+                                                  "map_files = ", "tiff = ",     "hdf5 = ",
+                                                  "language = "} +
                                        ofStack;
     QTest::newRow("map") << QByteArray("map")
                          << QByteArrayList{"[[map]]", "name = ", "images = ", "pattern = "} +

@@ -58,10 +58,11 @@ public:
                 add(point.map);
             }
         add({int(job.points.has_value()), int(job.pictures), int(job.report), int(job.mapFiles),
-             int(job.language), job.thickness ? int(*job.thickness) : -1,
-             flag(job.referencesMinusVictreen), flag(job.targetMinusVictreen),
-             flag(job.victreenIsPre), flag(job.exactMethod), int(job.noise),
-             int(job.calculateTarget), int(job.calculateLcf), int(job.calculateMap)});
+             int(job.tiff), int(job.hdf5), int(job.language),
+             job.thickness ? int(*job.thickness) : -1, flag(job.referencesMinusVictreen),
+             flag(job.targetMinusVictreen), flag(job.victreenIsPre), flag(job.exactMethod),
+             int(job.noise), int(job.calculateTarget), int(job.calculateLcf),
+             int(job.calculateMap)});
         QStringList typed;
         for (auto it = job.typed.begin(); it != job.typed.end(); ++it)
             typed << it.key() + QLatin1Char('=') + it.value();
@@ -258,6 +259,8 @@ private:
         job.pictures = chance();
         job.report = chance();
         job.mapFiles = chance();
+        job.tiff = chance();
+        job.hdf5 = chance();
         job.language = chance() ? Language::Japanese : Language::English;
         if (!job.points)
             return;
