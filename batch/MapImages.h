@@ -8,8 +8,9 @@
 /// it. A pixel without result is not-a-number.
 /// @param data     of the map; for valences and the size of a pixel
 /// @param missing  of the results, and these themselves must live as long
+/// @param sigmas   of the results; null where they are not known
 ResultImages resultImages(const QString& name, const JobData& data, const MapResults& results,
-                          const MissingPixels& missing, bool hasThickness);
+                          const MissingPixels& missing, const MapSigmas* sigmas, bool hasThickness);
 
 /// The files of a map for the programs of others: "NAME-valence.tif" and so on, "NAME.h5".
 QString mapTiffFile(const QString& stem, const ResultImage& image);

@@ -148,8 +148,8 @@ void MapAnalysis::writeImages()
     const QString folder = mapFolder(m_job, m_map);
     QDir().mkpath(folder);
     const QString stem = folder + QLatin1Char('/') + m_map.name;
-    const ResultImages images =
-        resultImages(m_map.name, m_data, m_results, *m_missing, hasThickness());
+    const ResultImages images = resultImages(m_map.name, m_data, m_results, *m_missing,
+                                             m_sigmas ? &*m_sigmas : nullptr, hasThickness());
     for (const ResultImage& image : images.images)
         if (m_job.tiff)
             wrote(mapTiffFile(stem, image), writeTiff(mapTiffFile(stem, image), images, image));
