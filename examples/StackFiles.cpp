@@ -2,7 +2,9 @@
 
 #include "examples/BeamlineFile.h"
 #include "examples/MapSample.h"
+#include "examples/MixedSampleFiles.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QtEndian>
@@ -11,6 +13,7 @@
 #include <tiffio.h>
 
 #include <cmath>
+#include <functional>
 
 namespace
 {
@@ -326,4 +329,29 @@ bool writeHisStack(const QString& path, const CountedStack& stack)
     return writeBytes(path, counts) && writeBytes(path + QStringLiteral(".flat"), flats) &&
            writeBytes(path + QStringLiteral(".dark"), cameraFrame(stack, stack.dark.data(), 1)) &&
            writeBytes(path + QStringLiteral(".txt"), energyText(stack));
+}
+
+QString writeStackExample(const QString& folder, const MapSample& map)
+{
+    if (QString failed = writeSample(folder, map.sample, std::nullopt); !failed.isEmpty())
+        return failed;
+    const CountedStack stack = countedStack(map, mapEnergies());
+    const QDir place(folder);
+    const auto exchange = [](const QString& path, const CountedStack& all) {
+        return writeExchange(path, all);
+    };
+    using Write = std::function<bool(const QString&, const CountedStack&)>;
+    for (const auto& [name, write] :
+         std::vector<std::pair<const char*, Write>>{{"fxi.h5", writeFxi},
+                                                    {"exchange.h5", exchange},
+                                                    {"mistral.hdf5", writeMistral},
+                                                    {"nexus.nxs", writeNxdata},
+                                                    {"pages.tif", writeTiffStack},
+                                                    {"scan.dat", writeImgStack},
+                                                    {"scan.his", writeHisStack}}) {
+        const QString path = place.filePath(QLatin1String(name));
+        if (!write(path, stack))
+            return path;
+    }
+    return {};
 }

@@ -27,6 +27,11 @@ struct CountedStack {
 
 struct MapSample;
 
+/// Writes the images of a sample in every layout below, with spectra and truth, into a folder,
+/// which is made where it does not exist.
+/// @return empty, or what could not be written
+QString writeStackExample(const QString& folder, const MapSample& map);
+
 /// The images of a map sample at some energies, with counts large enough for six digits of mu-t.
 CountedStack countedStack(const MapSample& map, const std::vector<double>& energies);
 

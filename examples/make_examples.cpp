@@ -1,6 +1,7 @@
 #include "examples/MapSample.h"
 #include "examples/MixedSampleFiles.h"
 #include "examples/NightSample.h"
+#include "examples/StackFiles.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -33,7 +34,8 @@ QString writeMapExample(const QString& folder, const MapSample& map)
     return failed.isEmpty() ? writeMap(folder, map) : failed;
 }
 
-/// The nickel-like mixture with counting noise and without, a small map, and a night of samples.
+/// The nickel-like mixture with counting noise and without, a small map, a night of samples,
+/// and a map as stacks of images.
 QString writeAll(const QDir& folder)
 {
     QString failed = writeSample(folder.filePath(QStringLiteral("nickel")), MixedSample(), seed);
@@ -44,6 +46,8 @@ QString writeAll(const QDir& folder)
         failed = writeMapExample(folder.filePath(QStringLiteral("nickel-map")), MapSample());
     if (failed.isEmpty())
         failed = night::write(folder.filePath(QStringLiteral("nickel-night")));
+    if (failed.isEmpty())
+        failed = writeStackExample(folder.filePath(QStringLiteral("nickel-stack")), MapSample());
     return failed;
 }
 

@@ -9,6 +9,7 @@
 #include "tests/support/Files.h"
 
 #include <QDir>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -22,6 +23,7 @@ private slots:
     void initTestCase();
     void everyLayoutGivesTheSame_data();
     void everyLayoutGivesTheSame();
+    void exampleOfEachLayout();
     void pointOutsideIsRefused();
     void missingStack();
     void stackThatIsThereOrNotYet();
@@ -174,6 +176,85 @@ void tst_StackJob::everyLayoutGivesTheSame()
     // And the truth, as far as counts of 16 bits show it.
     for (int x = 0; x < map.columns; ++x)
         QVERIFY(std::abs(found[static_cast<std::size_t>(x)] - map.fraction(x)) < 0.01);
+}
+
+using ReadBack = QMap<QByteArray, QByteArrayList>;
+
+/// Of the pixels whose t/ts is known to a third, as they say themselves.
+double meanSigma(const ReadBack& found, const QByteArray& map)
+{
+    const auto of = [&](const char* data) {
+        return found['/' + map + '/' + data + " float64 (16, 24)"];
+    };
+    const QByteArrayList t = of("t_ts/t_ts");
+    const QByteArrayList sigmaT = of("t_ts/t_ts_errors");
+    const QByteArrayList sigma = of("valence/valence_errors");
+    double sum = 0.0;
+    int count = 0;
+    for (int i = 0; i < sigma.size(); ++i)
+        if (sigmaT[i].toDouble() <= t[i].toDouble() / 3.0) {
+            sum += sigma[i].toDouble() * sigma[i].toDouble();
+            ++count;
+        }
+    return std::sqrt(sum) / count;
+}
+
+double meanSigmaInTable(const QDir& place, const QByteArray& map)
+{
+    const QByteArrayList lines =
+        contents(place.filePath(QStringLiteral("results/maps.csv"))).split('\n');
+    const int column = lines.first().split(',').indexOf("sigma_valence_mean");
+    for (const QByteArray& line : lines)
+        if (line.startsWith(map + ','))
+            return line.split(',')[column].toDouble();
+    return std::nan("");
+}
+
+/// The shipped job, run as a user does; read by others' reader, with all digits.
+void tst_StackJob::exampleOfEachLayout()
+{
+    const QDir place(m_dir.filePath(QStringLiteral("example")));
+    const MapSample map;
+    QCOMPARE(writeStackExample(place.path(), map), QString());
+    const QString path = place.filePath(QStringLiteral("job.toml"));
+    QVERIFY(QFile::copy(QStringLiteral(STACK_JOB), path));
+    QProcess program;
+    program.start(QStringLiteral(BATCH_PROGRAM), {path});
+    QVERIFY(program.waitForFinished(60000));
+    QCOMPARE(program.exitCode(), 0);
+    QProcess reader;
+    reader.start(QStringLiteral(READ_OUTPUTS),
+                 {place.filePath(QStringLiteral("results/results.h5"))});
+    QVERIFY(reader.waitForFinished());
+    ReadBack found;
+    for (const QByteArray& line : reader.readAllStandardOutput().split('\n'))
+        found[line.left(line.indexOf(": "))] = line.mid(line.indexOf(": ") + 2).split(' ');
+    JobError error;
+    const auto job = readJob(path, error);
+    QVERIFY(job);
+    QCOMPARE(job->maps.size(), std::size_t(8));
+    const CountedStack stack = countedStack(map, mapEnergies());
+    for (const JobMap& given : job->maps) {
+        const QByteArray name = given.name.toUtf8();
+        const bool single = name == "fxi" || name == "mistral";
+        const auto expected = fractionsOf(stack, *job, single);
+        const QByteArrayList a = found['/' + name + "/a/a float64 (16, 24)"];
+        QCOMPARE(std::size_t(a.size()), expected.size());
+        for (int i = 0; i < a.size(); ++i) {
+            const double value = a[i].toDouble();
+            QVERIFY2(std::abs(value - expected[std::size_t(i)]) < 1e-6, name.constData());
+            QVERIFY2(std::abs(value - map.fraction(i % map.columns)) < 0.01, name.constData());
+        }
+        // Errors come from counts.
+        const QByteArrayList sigmas = found['/' + name + "/a/a_errors float64 (16, 24)"];
+        const bool counted = !single && name != "nxdata";
+        QCOMPARE(sigmas.size(), counted ? a.size() : 0);
+        QCOMPARE(found['/' + name + "/valence/valence_errors float64 (16, 24)"], sigmas);
+        if (counted)
+            QVERIFY2(std::abs(meanSigma(found, name) - meanSigmaInTable(place, name)) < 1e-7,
+                     name.constData());
+    }
+    QCOMPARE(found["/mistral/pixel_size@units"], QByteArrayList{"um"});
 }
 
 void tst_StackJob::pointOutsideIsRefused()
