@@ -60,8 +60,9 @@ std::string missingChunks(const Hdf5Data& stack)
     for (std::size_t i = 0; i < stack.size.size(); ++i)
         all *= stack.chunk[i] > 0 ? (stack.size[i] + stack.chunk[i] - 1) / stack.chunk[i] : 1;
     const Hdf5Id plist(H5Dget_create_plist(stack.id.get()), H5Pclose);
+    const Hdf5Id space(H5Dget_space(stack.id.get()), H5Sclose); // H5S_ALL is refused by 1.10
     if (H5Pget_layout(plist.get()) != H5D_CHUNKED ||
-        H5Dget_num_chunks(stack.id.get(), H5S_ALL, &written) < 0 || written >= all)
+        H5Dget_num_chunks(stack.id.get(), space.get(), &written) < 0 || written >= all)
         return {};
     return line("warning", std::to_string(all - written) + " of " + std::to_string(all) +
                                " chunks of " + stack.path + " were never written");
