@@ -19,7 +19,7 @@ QByteArray numberText(double value)
 template <class Function>
 double nearestArgument(double guess, double value, const Function& function)
 {
-    constexpr int farthest = 32; // steps of a double
+    constexpr int farthest = 8; // steps of a double
     double best = guess;
     double least = std::abs(function(guess) - value);
     for (const double direction : {-HUGE_VAL, HUGE_VAL}) {

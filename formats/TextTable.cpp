@@ -167,6 +167,8 @@ std::optional<TableFault> TableReader::readLine(std::string_view line)
         return std::nullopt;
     }
     const std::size_t count = m_table.values.size() - before;
+    if (count == 0)
+        return TableFault{m_line, QStringLiteral("has no numbers between its signs")};
     if (m_table.lines.empty())
         m_table.columns = count;
     if (count != m_table.columns)

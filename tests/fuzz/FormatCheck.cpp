@@ -1,5 +1,8 @@
+#include "formats/BeamlineText.h"
+#include "formats/CameraHeader.h"
 #include "formats/FileKind.h"
 #include "formats/SpectrumFile.h"
+#include "formats/StackEnergies.h"
 #include "tests/fuzz/ReaderChecks.h"
 #include "tests/support/ArrayBytes.h"
 
@@ -21,11 +24,58 @@ const char* faultDifference(const FileFault& fault, const QByteArray& text)
     return nullptr;
 }
 
+/// A frame lies within what its file can hold, at every place.
+const char* cameraDifference(const ArrayBytes& file)
+{
+    for (const std::int64_t offset : {std::int64_t{0}, file.size() / 2, file.size()}) {
+        const auto header = cameraHeaderAt(file, offset);
+        if (!header)
+            continue;
+        const std::int64_t bytes = header->end() - offset;
+        if (header->columns < 1 || header->rows < 1 || header->begin < offset || bytes < 1)
+            return "the place of a camera's frame";
+        if (header->frames < 1 ||
+            (header->frames > 1 && header->frames * bytes > file.size() - offset))
+            return "the number of a camera's frames";
+    }
+    return nullptr;
+}
+
+const char* energiesDifference(const ArrayBytes& file)
+{
+    QString reason;
+    const std::vector<double> energies = energiesOf(file, reason);
+    return energies.empty() == reason.isEmpty() ? "energies, or why there are none" : nullptr;
+}
+
+/// What is written for the window has as many points.
+const char* textDifference(const SpectrumPoints& points)
+{
+    constexpr std::size_t most = 4; // the others are written alike
+    const SpectrumPoints some(points.begin(), points.begin() + static_cast<std::ptrdiff_t>(
+                                                                   std::min(most, points.size())));
+    const BeamlineText written = beamlineText("points", some);
+    if (written.text.isEmpty())
+        return nullptr; // a mu-t beyond all intensities
+    const auto outcome = readSpectrumFile(ArrayBytes(written.text), {});
+    const auto* found = std::get_if<FoundSpectrum>(&outcome);
+    if (found == nullptr || found->points.size() != some.size())
+        return "the points of a text for the window";
+    for (std::size_t i = 0; i < some.size(); ++i)
+        if (std::abs(found->points[i].mut - some[i].mut) > 1e-12 * (1.0 + std::abs(some[i].mut)))
+            return "a mu-t of a text for the window";
+    return nullptr;
+}
+
 } // namespace
 
 const char* check::formatDifference(const QByteArray& text)
 {
     const ArrayBytes file(text);
+    if (const char* difference = cameraDifference(file))
+        return difference;
+    if (const char* difference = energiesDifference(file))
+        return difference;
     for (const FileKind kind : {FileKind::Unknown, FileKind::Xdi}) {
         SpectrumSource source;
         source.kind = kind;
@@ -43,6 +93,8 @@ const char* check::formatDifference(const QByteArray& text)
         for (const SpectrumPoint& point : spectrum.points)
             if (!(point.energy > 0.0) || !std::isfinite(point.energy) || !std::isfinite(point.mut))
                 return "a point that is no number";
+        if (const char* difference = textDifference(spectrum.points))
+            return difference;
     }
     return nullptr;
 }
