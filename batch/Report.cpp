@@ -2,6 +2,7 @@
 
 #include "batch/HtmlText.h"
 #include "batch/OutputWords.h"
+#include "batch/ReportErrors.h"
 #include "batch/ReportMaps.h"
 #include "batch/ReportTable.h"
 #include "batch/ReportTrend.h"
@@ -61,7 +62,7 @@ QByteArray summary(const ReportFacts& facts, const OutputWords& words, const QSt
         html += figure(words("Maps"), facts.maps.size());
         html += figure(words("maps refused"), refusedMaps(facts));
     }
-    return html + "</dl>\n</header>\n<main>\n";
+    return html + "</dl>\n" + closureAlarm(facts, words) + "</header>\n<main>\n";
 }
 
 QByteArray targetsSection(const ReportFacts& facts, const OutputWords& words)
@@ -110,6 +111,7 @@ QByteArray reportPage(const ReportFacts& facts)
     QByteArray html = head(facts, words, title);
     html += summary(facts, words, title);
     html += targetsSection(facts, words);
+    html += errorsSection(facts, words);
     html += mapsSection(facts, words);
     html += graphsSection(facts, words);
     html += messagesSection(facts, words);

@@ -22,17 +22,21 @@ public:
     explicit ReportTargets(QByteArrayList columns);
 
     /// The next row in the job's order, its fields as in results.csv before they are quoted.
-    void add(const QByteArrayList& fields);
+    /// @param unseen  of unseenText()
+    void add(const QByteArrayList& fields, const QByteArray& unseen = {});
 
     /// A row as the page lists it.
     struct Row {
         std::size_t place; ///< in the job's order, from 0
         QByteArrayList fields;
+        QByteArray unseen; ///< what counting does not see
     };
     /// A point of the trend; not-a-number where there is none.
     struct Point {
         double valence;
         double lcfValence;
+        double sigma;    ///< of the valence, by target and references together
+        double lcfSigma; ///< of the fit's, likewise
     };
 
     /// A field of a row by its column's name; empty where there is no such column.
@@ -71,6 +75,7 @@ struct ReportFacts {
     QByteArray version;                      ///< of the program
     std::vector<ReportInput> inputs;
     ReportTargets targets{{}};
+    double level = 0.683; ///< of the intervals of the valences
     QStringList
         graphs; ///< files of drawReferenceGraphs and drawComparisonGraph, taken into the page
     QByteArrayList mapColumns;

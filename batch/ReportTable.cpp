@@ -14,6 +14,7 @@ struct Column {
     const char* name; ///< in the CSV file
     const char* title;
     bool isNumber;
+    int digits = 6; ///< of a number; as many as the window has, unless fewer mean something
 };
 
 constexpr Column shownOfTargets[] = {
@@ -35,9 +36,13 @@ constexpr Column shownOfMaps[] = {
     {"rows", QT_TRANSLATE_NOOP("Output", "Rows"), true},
     {"missing", QT_TRANSLATE_NOOP("Output", "No result"), true},
     {"valence_mean", QT_TRANSLATE_NOOP("Output", "Valence, mean"), true},
+    {"sigma_valence_mean", QT_TRANSLATE_NOOP("Output", "± (counting)"), true, 2},
+    {"sigma_valence_mean_ref", QT_TRANSLATE_NOOP("Output", "± (references)"), true, 2},
     {"valence_median", QT_TRANSLATE_NOOP("Output", "Valence, median"), true},
     {"valence_sd", QT_TRANSLATE_NOOP("Output", "Valence, standard deviation"), true},
     {"t_mean", QT_TRANSLATE_NOOP("Output", "t/ts, mean"), true},
+    {"sigma_t_mean", QT_TRANSLATE_NOOP("Output", "± (counting)"), true, 2},
+    {"sigma_t_mean_ref", QT_TRANSLATE_NOOP("Output", "± (references)"), true, 2},
     {"t_median", QT_TRANSLATE_NOOP("Output", "t/ts, median"), true},
     {"t_sd", QT_TRANSLATE_NOOP("Output", "t/ts, standard deviation"), true},
     {"below", QT_TRANSLATE_NOOP("Output", "Below the histogram"), true},
@@ -45,18 +50,23 @@ constexpr Column shownOfMaps[] = {
     {"refusal", QT_TRANSLATE_NOOP("Output", "Refusal"), false},
 };
 
-/// Six digits, as in the window; the file has all.
-QByteArray numberText(const QByteArray& field)
+/// The file has all digits.
+QByteArray numberText(const QByteArray& field, int digits)
 {
     bool good = false;
     const double value = field.toDouble(&good);
-    return good ? textFromNumber(value).toLatin1() : htmlText(field);
+    return good ? QByteArray::number(value, 'g', digits) : htmlText(field);
 }
 
-QByteArray cell(const QByteArray& field, bool isNumber)
+QByteArray textCell(const QByteArray& field)
 {
-    return isNumber ? "<td class=\"number\">" + numberText(field) + "</td>"
-                    : "<td><bdi>" + htmlText(field) + "</bdi></td>";
+    return "<td><bdi>" + htmlText(field) + "</bdi></td>";
+}
+
+QByteArray cell(const QByteArray& field, const Column& column)
+{
+    return column.isNumber ? "<td class=\"number\">" + numberText(field, column.digits) + "</td>"
+                           : textCell(field);
 }
 
 QByteArray rowHeading(const QByteArray& field)
@@ -101,9 +111,8 @@ QByteArray targetRow(const ReportTargets& targets, const ReportTargets::Row& row
     QByteArray html = refused ? "<tr class=\"refused\">" : "<tr>";
     html += "<td class=\"number\">" + QByteArray::number(qulonglong{row.place} + 1) + "</td>";
     for (const Column& column : shownOfTargets)
-        html += &column == shownOfTargets
-                    ? rowHeading(targets.field(row.fields, column.name))
-                    : cell(targets.field(row.fields, column.name), column.isNumber);
+        html += &column == shownOfTargets ? rowHeading(targets.field(row.fields, column.name))
+                                          : cell(targets.field(row.fields, column.name), column);
     return html + "<td>" + remarks(targets, row.fields, words) + "</td></tr>\n";
 }
 
@@ -142,9 +151,9 @@ QByteArray mapsTable(const ReportFacts& facts, const OutputWords& words)
             if (&column == shownOfMaps)
                 body += rowHeading(field);
             else if (qstrcmp(column.name, "refusal") == 0)
-                body += cell(words.line(QString::fromUtf8(field)).toUtf8(), false);
+                body += textCell(words.line(QString::fromUtf8(field)).toUtf8());
             else
-                body += cell(field, column.isNumber);
+                body += cell(field, column);
         }
         body += "</tr>\n";
     }

@@ -93,6 +93,20 @@ public:
         return data;
     }
 
+    /// A bar of one standard deviation to both sides of each value within the scale.
+    QByteArray bars(Value value, Value sigma) const
+    {
+        QByteArray data;
+        for (std::size_t i = 0; i < m_points.size(); ++i) {
+            const double middle = m_points[i].*value;
+            const double half = m_points[i].*sigma;
+            if (!hasStrokes() && m_range.contains(middle) && std::isfinite(half))
+                data += mark(x(static_cast<double>(i)), m_range.y(middle + half),
+                             m_range.y(middle - half), false);
+        }
+        return data;
+    }
+
     double x(double place) const
     {
         const auto last = static_cast<double>(m_points.size());
@@ -179,6 +193,14 @@ QByteArray trendFigure(const std::vector<ReportTargets::Point>& points, const Ou
                       "aria-label=\"" +
                       htmlText(words("Valence of each target, in the order of the job")) + "\">\n";
     html += axes(trend, range, points.size(), words);
+    const QByteArray fitBars =
+        trend.bars(&ReportTargets::Point::lcfValence, &ReportTargets::Point::lcfSigma);
+    const QByteArray bars =
+        trend.bars(&ReportTargets::Point::valence, &ReportTargets::Point::sigma);
+    if (!fitBars.isEmpty())
+        html += R"(<path class="fit-bars" d=")" + fitBars + "\"/>\n";
+    if (!bars.isEmpty())
+        html += R"(<path class="bars" d=")" + bars + "\"/>\n";
     html += R"(<path class="lcf" d=")" + crosses + "\"/>\n";
     html += R"(<path class="points" d=")" + dots + "\"/>\n</svg></div>\n<figcaption>";
     html += key("points", "M7 7V7", words("point method"));
@@ -187,6 +209,10 @@ QByteArray trendFigure(const std::vector<ReportTargets::Point>& points, const Ou
     if (trend.hasStrokes())
         html +=
             htmlText(words("A stroke reaches from the lowest to the highest of neighbours.")) + ' ';
+    if (!bars.isEmpty() || !fitBars.isEmpty())
+        html += htmlText(words("A bar reaches one standard deviation, by target and references "
+                               "together, to either side.")) +
+                ' ';
     if (trend.outside > 0)
         html +=
             htmlText(words("Values beyond the scale, shown at its edge: %1").arg(trend.outside));

@@ -134,7 +134,7 @@ void Results::takeTarget(const RecordedRow& row)
     if (!field("warnings").isEmpty())
         message(row.name(), "warning: " + field("warnings"));
     if (m_job.report)
-        m_facts.targets.add(row.fields);
+        m_facts.targets.add(row.fields, row.readOut);
     if (m_job.hdf5)
         m_rows.addTarget(row);
     if (m_job.pictures && !field("a").isEmpty() && !field("lcf_a").isEmpty())
@@ -192,6 +192,7 @@ void Results::writeReport()
     m_facts.jobName = QFile::encodeName(QFileInfo(m_prepared.path).fileName());
     m_facts.jobText = m_prepared.text;
     m_facts.version = programVersion();
+    m_facts.level = m_prepared.common.noise.level;
     for (const RecordedFile& file : commonInputs(m_prepared))
         m_facts.inputs.push_back({file.path, toBytes(file.digest).toHex()});
     m_facts.inputs.insert(m_facts.inputs.end(), m_images.begin(), m_images.end());

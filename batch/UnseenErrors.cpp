@@ -21,24 +21,30 @@ struct Told {
 };
 
 constexpr std::array<Told, 16> all{
-    {{&UnseenErrors::targetShift, "target 0.1 eV higher: valence ", true},
-     {&UnseenErrors::ref1Shift, "Ref 1 0.1 eV higher: valence ", true},
-     {&UnseenErrors::ref2Shift, "Ref 2 0.1 eV higher: valence ", true},
-     {&UnseenErrors::leakage, "1 % of the light past the target: valence ", true,
-      ", if mu-t is absolute"},
-     {&UnseenErrors::thickness, "uneven thickness: valence ", true, ", if mu-t is absolute"},
-     {&UnseenErrors::threePoint, "three points: valence ", true},
-     {&UnseenErrors::fourPoint, "four points: valence ", true},
-     {&UnseenErrors::fit, "linear combination fit: valence ", true},
-     {&UnseenErrors::closure, "closure: valence off by ", true},
-     {&UnseenErrors::sigmasOutside, "a outside 0 to 1 by ", false, " standard deviations"},
-     {&UnseenErrors::fitWeights, "weights of the fit: sum ", false},
-     {&UnseenErrors::fitChiSquare, "fit: reduced chi-square ", false},
-     {&UnseenErrors::fitBias, "noise of the references: valence of the fit ", true},
-     {&UnseenErrors::fitBiasInSigma, "noise of the references: moves the fit by ", false,
-      " of its standard deviations"},
-     {&UnseenErrors::largestMut, "largest mu-t ", false},
-     {&UnseenErrors::edgeJump, "edge jump ", false}}};
+    {{&UnseenErrors::targetShift, QT_TRANSLATE_NOOP("Output", "target 0.1 eV higher: valence "),
+      true},
+     {&UnseenErrors::ref1Shift, QT_TRANSLATE_NOOP("Output", "Ref 1 0.1 eV higher: valence "), true},
+     {&UnseenErrors::ref2Shift, QT_TRANSLATE_NOOP("Output", "Ref 2 0.1 eV higher: valence "), true},
+     {&UnseenErrors::leakage,
+      QT_TRANSLATE_NOOP("Output", "1 % of the light past the target: valence "), true,
+      QT_TRANSLATE_NOOP("Output", ", if mu-t is absolute")},
+     {&UnseenErrors::thickness, QT_TRANSLATE_NOOP("Output", "uneven thickness: valence "), true,
+      QT_TRANSLATE_NOOP("Output", ", if mu-t is absolute")},
+     {&UnseenErrors::threePoint, QT_TRANSLATE_NOOP("Output", "three points: valence "), true},
+     {&UnseenErrors::fourPoint, QT_TRANSLATE_NOOP("Output", "four points: valence "), true},
+     {&UnseenErrors::fit, QT_TRANSLATE_NOOP("Output", "linear combination fit: valence "), true},
+     {&UnseenErrors::closure, QT_TRANSLATE_NOOP("Output", "closure: valence off by "), true},
+     {&UnseenErrors::sigmasOutside, QT_TRANSLATE_NOOP("Output", "a outside 0 to 1 by "), false,
+      QT_TRANSLATE_NOOP("Output", " standard deviations")},
+     {&UnseenErrors::fitWeights, QT_TRANSLATE_NOOP("Output", "weights of the fit: sum "), false},
+     {&UnseenErrors::fitChiSquare, QT_TRANSLATE_NOOP("Output", "fit: reduced chi-square "), false},
+     {&UnseenErrors::fitBias,
+      QT_TRANSLATE_NOOP("Output", "noise of the references: valence of the fit "), true},
+     {&UnseenErrors::fitBiasInSigma,
+      QT_TRANSLATE_NOOP("Output", "noise of the references: moves the fit by "), false,
+      QT_TRANSLATE_NOOP("Output", " of its standard deviations")},
+     {&UnseenErrors::largestMut, QT_TRANSLATE_NOOP("Output", "largest mu-t "), false},
+     {&UnseenErrors::edgeJump, QT_TRANSLATE_NOOP("Output", "edge jump "), false}}};
 
 QString shown(double value, bool isChange)
 {
@@ -49,13 +55,13 @@ QString shown(double value, bool isChange)
 
 } // namespace
 
-QStringList unseenLines(const UnseenErrors& errors)
+QStringList unseenLines(const UnseenErrors& errors, const OutputWords& words)
 {
     QStringList lines;
     for (const Told& told : all)
         if (const auto& value = errors.*told.field)
-            lines += QLatin1String(told.before) + shown(*value, told.isChange) +
-                     QLatin1String(told.after);
+            lines += words(told.before) + shown(*value, told.isChange) +
+                     (*told.after == '\0' ? QString() : words(told.after));
     return lines;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "batch/OutputWords.h"
+
 #include <QByteArray>
 #include <QStringList>
 
@@ -33,8 +35,9 @@ struct UnseenErrors {
     Number edgeJump;       ///< of the target
 };
 
-/// A line of plain English for each that is there, in the order of the fields.
-QStringList unseenLines(const UnseenErrors& errors);
+/// A line for each that is there, in the order of the fields.
+QStringList unseenLines(const UnseenErrors& errors,
+                        const OutputWords& words = OutputWords(QStringLiteral("en")));
 
 /// The numbers as a text for the record, and back; nothing where the text is none of these.
 QByteArray unseenText(const UnseenErrors& errors);

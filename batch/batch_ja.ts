@@ -335,5 +335,173 @@
         <source>Values beyond the scale, shown at its edge: %1</source>
         <translation>目盛りの外にあり、端に示した値: %1</translation>
     </message>
+    <message>
+        <source> ± %1 (counting)</source>
+        <translation> ± %1（計数）</translation>
+    </message>
+    <message>
+        <source> ± %1 (references)</source>
+        <translation> ± %1（参照試料）</translation>
+    </message>
+    <message>
+        <source>, %1 for +0.1 eV</source>
+        <translation>、+0.1 eV で %1</translation>
+    </message>
+    <message>
+        <source>Closure: with Ref 1 and Ref 2 in the target's place the method finds a = %1 and %2; it should find 1 and 0.</source>
+        <translation>クロージャー: 参照試料 1 と 2 を試料の代わりに使うと a = %1 と %2。1 と 0 になるはずです。</translation>
+    </message>
+    <message>
+        <source>%1 to %2</source>
+        <translation>%1 ～ %2</translation>
+    </message>
+    <message>
+        <source>has no bounds</source>
+        <translation>限りがない</translation>
+    </message>
+    <message>
+        <source>How sure the valences are</source>
+        <translation>価数の確かさ</translation>
+    </message>
+    <message>
+        <source>%1 % interval</source>
+        <translation>%1 % 区間</translation>
+    </message>
+    <message>
+        <source>1 % of leaked light</source>
+        <translation>光の漏れ 1 %</translation>
+    </message>
+    <message>
+        <source>± (counting): standard deviation by the noise of the target alone; measuring it longer makes it smaller.</source>
+        <translation>±（計数）: 試料だけのノイズによる標準偏差。長く測れば小さくなります。</translation>
+    </message>
+    <message>
+        <source>± (references): standard deviation by the noise of references and blank, the same error in all targets; a mean over targets does not make it smaller.</source>
+        <translation>±（参照試料）: 参照試料とブランクのノイズによる標準偏差。全試料に同じ誤差として入り、平均しても小さくなりません。</translation>
+    </message>
+    <message>
+        <source>for +0.1 eV: by how much the valence changes where the target's energies are 0.1 eV higher; counting does not see it, and it often limits the result.</source>
+        <translation>+0.1 eV で: 試料のエネルギーが 0.1 eV 高いときの価数の変化。計数では見えず、しばしばこれが結果の限界になります。</translation>
+    </message>
+    <message>
+        <source>%1 % interval: where the same method would find the valence without noise, by both deviations together; it has no bounds where the target is too thin or too noisy.</source>
+        <translation>%1 % 区間: ノイズがなければ同じ方法で価数が入る範囲（両方の標準偏差による）。試料が薄すぎるかノイズが大きすぎると限りがありません。</translation>
+    </message>
+    <message>
+        <source>1 % of leaked light: by how much the valence changes where 1 % of the light goes past the sample; mu-t is taken for absolute.</source>
+        <translation>光の漏れ 1 %: 光の 1 % が試料を通らないときの価数の変化。μt を絶対値とみなします。</translation>
+    </message>
+    <message>
+        <source>Closure: far from 1 and 0 the crossings or the thickness ratio are wrong; an error of the target alone does not show in it.</source>
+        <translation>クロージャー: 1 と 0 から遠ければ交点か厚さ比が間違っています。試料だけの誤りは現れません。</translation>
+    </message>
+    <message>
+        <source>What counting does not see:</source>
+        <translation>計数では見えないもの:</translation>
+    </message>
+    <message>
+        <source>What counting does not see of %1 more targets is told by drovik-batch --verbose.</source>
+        <translation>ほか %1 個の試料について計数では見えないものは drovik-batch --verbose で表示されます。</translation>
+    </message>
+    <message>
+        <source>The valences are doubtful.</source>
+        <translation>価数は疑わしい。</translation>
+    </message>
+    <message>
+        <source>The crossings or the thickness ratio are wrong.</source>
+        <translation>交点か厚さ比が間違っています。</translation>
+    </message>
+    <message>
+        <source>target 0.1 eV higher: valence </source>
+        <translation>試料が 0.1 eV 高い: 価数 </translation>
+    </message>
+    <message>
+        <source>Ref 1 0.1 eV higher: valence </source>
+        <translation>参照試料 1 が 0.1 eV 高い: 価数 </translation>
+    </message>
+    <message>
+        <source>Ref 2 0.1 eV higher: valence </source>
+        <translation>参照試料 2 が 0.1 eV 高い: 価数 </translation>
+    </message>
+    <message>
+        <source>1 % of the light past the target: valence </source>
+        <translation>光の 1 % が試料を通らない: 価数 </translation>
+    </message>
+    <message>
+        <source>, if mu-t is absolute</source>
+        <translation>（μt が絶対値なら）</translation>
+    </message>
+    <message>
+        <source>uneven thickness: valence </source>
+        <translation>厚さのむら: 価数 </translation>
+    </message>
+    <message>
+        <source>three points: valence </source>
+        <translation>3 点法: 価数 </translation>
+    </message>
+    <message>
+        <source>four points: valence </source>
+        <translation>4 点法: 価数 </translation>
+    </message>
+    <message>
+        <source>linear combination fit: valence </source>
+        <translation>線形結合フィット: 価数 </translation>
+    </message>
+    <message>
+        <source>closure: valence off by </source>
+        <translation>クロージャー: 価数のずれ </translation>
+    </message>
+    <message>
+        <source>a outside 0 to 1 by </source>
+        <translation>a が 0〜1 の外: 標準偏差の </translation>
+    </message>
+    <message>
+        <source> standard deviations</source>
+        <translation> 倍</translation>
+    </message>
+    <message>
+        <source>weights of the fit: sum </source>
+        <translation>フィットの重みの和 </translation>
+    </message>
+    <message>
+        <source>fit: reduced chi-square </source>
+        <translation>フィット: 換算カイ二乗 </translation>
+    </message>
+    <message>
+        <source>noise of the references: valence of the fit </source>
+        <translation>参照試料のノイズ: フィットの価数 </translation>
+    </message>
+    <message>
+        <source>noise of the references: moves the fit by </source>
+        <translation>参照試料のノイズ: フィットのずれは標準偏差の </translation>
+    </message>
+    <message>
+        <source> of its standard deviations</source>
+        <translation> 倍</translation>
+    </message>
+    <message>
+        <source>largest mu-t </source>
+        <translation>最大の μt </translation>
+    </message>
+    <message>
+        <source>edge jump </source>
+        <translation>エッジジャンプ </translation>
+    </message>
+    <message>
+        <source>A bar reaches one standard deviation, by target and references together, to either side.</source>
+        <translation>棒の長さは両側に標準偏差 1 つ分（試料と参照試料を合わせたもの）です。</translation>
+    </message>
+    <message>
+        <source>In %1 of %2 targets 0.1 eV of the energy changes the valence by more than its standard deviation: not counting limits them, but how well the energies are known.</source>
+        <translation>%2 個のうち %1 個の試料では、エネルギーの 0.1 eV が標準偏差より大きく価数を変えます。結果の限界は計数ではなく、エネルギーの確かさです。</translation>
+    </message>
+    <message>
+        <source>± (counting)</source>
+        <translation>±（計数）</translation>
+    </message>
+    <message>
+        <source>± (references)</source>
+        <translation>±（参照試料）</translation>
+    </message>
 </context>
 </TS>

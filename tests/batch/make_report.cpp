@@ -14,9 +14,13 @@
 namespace
 {
 
-const QByteArrayList targetColumns{"target",       "method",    "a",       "valence",
-                                   "t_ts",         "edge_jump", "lcf_a",   "lcf_valence",
-                                   "lcf_r_factor", "refusal",   "warnings"};
+const QByteArrayList targetColumns{"target",        "method",        "a",
+                                   "valence",       "t_ts",          "edge_jump",
+                                   "lcf_a",         "lcf_valence",   "lcf_r_factor",
+                                   "refusal",       "sigma_valence", "sigma_valence_ref",
+                                   "valence_low",   "valence_high",  "dvalence_shift",
+                                   "dvalence_leak", "closure_ref1",  "closure_ref2",
+                                   "warnings"};
 const QByteArrayList mapColumns{
     "map",        "method", "columns",  "rows", "missing", "valence_mean", "valence_median",
     "valence_sd", "t_mean", "t_median", "t_sd", "below",   "above",        "refusal"};
@@ -37,7 +41,8 @@ QByteArrayList targetRow(int i)
         i == 3 ? QByteArray("scans/<script>alert(1)</script><img src=x onerror=alert(2)>\xff.dat")
                : "scans/s" + QByteArray::number(i).rightJustified(4, '0') + ".dat";
     if (i % 50 == 7)
-        return {name, "", "", "", "", "1.1", "", "", "", "V Point is not selected.", ""};
+        return {name, "", "", "", "", "1.1", "",      "",       "", "V Point is not selected.",
+                "",   "", "", "", "", "",    "1.007", "-0.055", ""};
     const double valence = 2.25 + i * 373 % 1000 * 0.0005;
     return {name,
             "4ps",
@@ -49,6 +54,14 @@ QByteArrayList targetRow(int i)
             number(valence + 0.01),
             "0.0002",
             "",
+            "0.0061",
+            "0.0093",
+            number(valence - 0.011),
+            number(valence + 0.011),
+            "0.0235",
+            "-0.0318",
+            "1.007",
+            "-0.055",
             i % 100 == 11 ? "energy 8.381 looks like keV; energies are in eV" : ""};
 }
 

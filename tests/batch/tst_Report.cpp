@@ -1,9 +1,13 @@
 #include "batch/HtmlText.h"
 #include "batch/Report.h"
+#include "batch/UnseenErrors.h"
+#include "batch/ValenceText.h"
 
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <cmath>
 
 namespace
 {
@@ -28,6 +32,22 @@ ReportFacts facts(const std::vector<QByteArrayList>& rows)
     some.targets = ReportTargets(columns);
     for (const QByteArrayList& fields : rows)
         some.targets.add(fields);
+    return some;
+}
+
+const QByteArrayList sureColumns{
+    "target",        "valence",           "lcf_valence",     "refusal",
+    "sigma_valence", "sigma_valence_ref", "valence_low",     "valence_high",
+    "lcf_sigma_a",   "lcf_sigma_valence", "lcf_sigma_a_ref", "closure_ref1",
+    "closure_ref2",  "dvalence_shift",    "dvalence_leak",   "warnings"};
+
+/// Of targets whose rows have the figures of trust.
+ReportFacts sureFacts(const std::vector<QByteArray>& rows, const QByteArray& unseen = {})
+{
+    ReportFacts some = facts({});
+    some.targets = ReportTargets(sureColumns);
+    for (const QByteArray& fields : rows)
+        some.targets.add(fields.split(','), unseen);
     return some;
 }
 
@@ -60,6 +80,13 @@ private slots:
     void valuesFarOffAreCounted();
     void manyTargetsShareStrokes();
     void withoutValuesThereIsNoTrend();
+    void deviationsHaveDigitsThatMeanSomething_data();
+    void deviationsHaveDigitsThatMeanSomething();
+    void eachValenceSaysHowSureItIs();
+    void closureThatFailsStandsAtTheTop_data();
+    void closureThatFailsStandsAtTheTop();
+    void barsReachOneDeviation();
+    void whatCountingDoesNotSee();
     void aPictureThatIsMissingIsNamed();
     void aDamagedReadOutIsLeftOut();
     void pageIsInItsLanguage();
@@ -188,6 +215,125 @@ void TestReport::withoutValuesThereIsNoTrend()
     QVERIFY(!page.contains("id=\"trend\""));
     QVERIFY(page.contains("id=\"targets\""));
     QVERIFY(!reportPage(facts({})).contains("id=\"targets\""));
+}
+
+void TestReport::deviationsHaveDigitsThatMeanSomething_data()
+{
+    QTest::addColumn<QList<double>>(
+        "numbers"); // valence, own, common, shift; not-a-number for none
+    QTest::addColumn<QString>("english");
+    QTest::addColumn<QString>("japanese");
+    const double none = std::nan("");
+    const auto add = [](const char* name, const QList<double>& numbers, const char* english,
+                        const char* japanese) {
+        QTest::newRow(name) << numbers << QString::fromUtf8(english) << QString::fromUtf8(japanese);
+    };
+    add("all", {2.66023, 0.00061, 0.00093, 0.02384},
+        "2.660 ± 0.001 (counting) ± 0.001 (references), +0.024 for +0.1 eV",
+        "2.660 ± 0.001（計数） ± 0.001（参照試料）、+0.1 eV で +0.024");
+    add("one part is small", {2.5, 0.21, 0.000312, none},
+        "2.5 ± 0.2 (counting) ± 0.0003 (references)", "2.5 ± 0.2（計数） ± 0.0003（参照試料）");
+    add("references not known", {2.5, 0.0021, none, -0.0093},
+        "2.500 ± 0.002 (counting), -0.0093 for +0.1 eV",
+        "2.500 ± 0.002（計数）、+0.1 eV で -0.0093");
+    add("nothing known", {2.3456789, none, none, none}, "2.34568", "2.34568");
+    add("no noise at all", {2.5, 0.0, 0.0, 0.0},
+        "2.5 ± 0 (counting) ± 0 (references), 0 for +0.1 eV",
+        "2.5 ± 0（計数） ± 0（参照試料）、+0.1 eV で 0");
+    add("larger than the valence", {12.3, 35.2, 1.4, 7.66},
+        "12 ± 35 (counting) ± 1 (references), +7.7 for +0.1 eV",
+        "12 ± 35（計数） ± 1（参照試料）、+0.1 eV で +7.7");
+}
+
+void TestReport::deviationsHaveDigitsThatMeanSomething()
+{
+    QFETCH(QList<double>, numbers);
+    const auto number = [&numbers](int i) {
+        return std::isnan(numbers[i]) ? std::nullopt : std::optional(numbers[i]);
+    };
+    const ValenceErrors errors{numbers[0], number(1), number(2), number(3)};
+    QTEST(valenceText(errors, OutputWords(QStringLiteral("en"))), "english");
+    QTEST(valenceText(errors, OutputWords(QStringLiteral("ja"))), "japanese");
+}
+
+void TestReport::eachValenceSaysHowSureItIs()
+{
+    const QByteArray page = reportPage(sureFacts(
+        {"a,2.66023,2.6611,,0.00061,0.00093,2.6591,2.66134,0.0005,0.001,0.0003,1.007,"
+         "-0.002,0.02384,-0.0317,",
+         "b,2.6,,no fit,7,0.001,,,,,,1.007,-0.002,,,", "c,,,no spectrum in c,,,,,,,,,,,,"}));
+    const QByteArray section = page.mid(page.indexOf("id=\"errors\""));
+    // The fit's common part is 0.0003 of a, and a valence is twice as much.
+    QVERIFY(section.contains("<bdi>a</bdi></th><td class=\"sure\">2.660 ± 0.001 (counting) ± 0.001 "
+                             "(references), +0.024 for +0.1 "
+                             "eV</td><td>2.6591 to 2.6613</td><td>-0.032</td><td "
+                             "class=\"sure\">2.661 ± 0.001 (counting) ± 0.001 "
+                             "(references)</td></tr>"));
+    QVERIFY(section.contains(
+        "<bdi>b</bdi></th><td class=\"sure\">3 ± 7 (counting) ± 0.001 (references)</td>"
+        "<td>has no bounds</td><td></td><td class=\"sure\"></td></tr>"));
+    QVERIFY(!section.left(section.indexOf("</table>")).contains("<bdi>c</bdi>"));
+    QVERIFY(section.contains("<p>Closure: with Ref 1 and Ref 2 in the target's place the method "
+                             "finds a = 1.007 and -0.002; it should find 1 and 0.</p>"));
+    QVERIFY(section.contains("68.3 % interval"));
+    QVERIFY(
+        section.contains("In 1 of 1 targets 0.1 eV of the energy changes the valence by more "));
+    QVERIFY(reportPage(sureFacts({"a,2.66,,,0.001,0.001,2.65,2.67,,,,1.0004,-0.0004,0.02,-0.03,"}))
+                .contains("finds a = 1.000 and 0.000;"));
+    QVERIFY(!reportPage(facts({row("a", "2.5")})).contains("id=\"errors\""));
+}
+
+void TestReport::closureThatFailsStandsAtTheTop_data()
+{
+    QTest::addColumn<QByteArray>("closure");
+    QTest::addColumn<bool>("alarm");
+    QTest::newRow("closes") << QByteArray("1.007,-0.002") << false;
+    QTest::newRow("hardly") << QByteArray("0.951,0.049") << false;
+    QTest::newRow("Ref 1") << QByteArray("0.740,-0.002") << true;
+    QTest::newRow("Ref 2") << QByteArray("1.007,-0.055") << true;
+    QTest::newRow("not known") << QByteArray(",") << false;
+}
+
+void TestReport::closureThatFailsStandsAtTheTop()
+{
+    QFETCH(QByteArray, closure);
+    QFETCH(bool, alarm);
+    const QByteArray page =
+        reportPage(sureFacts({"a,2.66,,,0.001,0.001,2.65,2.67,,,," + closure + ",0.02,-0.03,"}));
+    const QByteArray top = page.left(page.indexOf("<main>"));
+    QCOMPARE(top.contains("<strong>The valences are doubtful.</strong> Closure: with Ref 1"),
+             alarm);
+}
+
+/// The scale goes from 1.95 to 3.05, from 270 to 12.
+void TestReport::barsReachOneDeviation()
+{
+    const QByteArray page = reportPage(sureFacts(
+        {"a,2.0,2.0,,0.3,0.4,,,,,,,,,,", "b,,,,,,,,,,,,,,,", "c,3.0,3.0,,0.25,,,,,,,,,,,"}));
+    QVERIFY(page.contains("<path class=\"bars\" d=\"M176 141V270M656 12V82.36\"/>"));
+    QVERIFY(!page.contains("class=\"fit-bars\" d="));
+    QVERIFY(page.contains("A bar reaches one standard deviation, by target and references "
+                          "together, to either side."));
+    const QByteArray plain = reportPage(facts({row("a", "2.0")}));
+    QVERIFY(!plain.contains("bars\" d=") && !plain.contains("A bar reaches"));
+}
+
+void TestReport::whatCountingDoesNotSee()
+{
+    UnseenErrors errors;
+    errors.targetShift = 0.024;
+    errors.fitWeights = 1.0123;
+    ReportFacts some = sureFacts({"<a>,2.66,,,0.001,0.001,2.65,2.67,,,,,,,,"}, unseenText(errors));
+    QVERIFY(reportPage(some).contains(
+        "<details open><summary>What counting does not see: <bdi>&lt;a&gt;</bdi></summary>\n<ul>\n"
+        "<li>target 0.1 eV higher: valence +0.024</li>\n"
+        "<li>weights of the fit: sum 1.01</li>\n</ul>\n</details>"));
+    some.language = QStringLiteral("ja");
+    QVERIFY(reportPage(some).contains("<li>試料が 0.1 eV 高い: 価数 +0.024</li>"));
+    const std::vector<QByteArray> rows(203, "a,2.66,,,0.001,0.001,2.65,2.67,,,,,,,,");
+    const QByteArray many = reportPage(sureFacts(rows, unseenText(errors)));
+    QCOMPARE(many.count("<details>"), 200);
+    QVERIFY(many.contains("What counting does not see of 3 more targets is told by drovik-batch"));
 }
 
 void TestReport::aPictureThatIsMissingIsNamed()
