@@ -1,9 +1,7 @@
 #include "app/Body.h"
 
 #include "app/BusyBar.h"
-#include "app/FileQuestion.h"
 #include "app/FourPs.h"
-#include "app/MapWindow.h"
 #include "app/StatusWords.h"
 #include "display/PopBase.h"
 #include "display/ScreenRoom.h"
@@ -72,8 +70,7 @@ void Body::closeEvent(QCloseEvent* event)
             graph->pop->close();
     }
     m_panel->displays->close();
-    m_panel->fileQuestion().close();
-    m_panel->mapWindow().close();
+    m_panel->closeOthers();
     for (AFileSelect* select : m_panel->findChildren<AFileSelect*>())
         select->closeDialog();
 }

@@ -4,7 +4,9 @@
 #include "analysis/MapSummary.h"
 #include "app/FileQuestion.h"
 #include "app/GraphMenu.h"
+#include "app/GuideWindow.h"
 #include "app/JobMenu.h"
+#include "app/Language.h"
 #include "app/MapWindow.h"
 #include "app/PanelAccess.h"
 #include "app/ResultsMenu.h"
@@ -19,6 +21,7 @@
 
 #include <QAction>
 #include <QButtonGroup>
+#include <QCoreApplication>
 #include <QDir>
 #include <QVBoxLayout>
 
@@ -265,6 +268,30 @@ void FourPs::buildMenus()
 void FourPs::openJob(const QString& path)
 {
     m_jobMenu->open(path);
+}
+
+void FourPs::showGuide(const QString& folder)
+{
+    const QString page =
+        GuideWindow::firstPage(folder, wantsJapanese(QCoreApplication::arguments()));
+    if (page.isEmpty()) {
+        emit guideMissing();
+        return;
+    }
+    if (!m_guide)
+        m_guide = std::make_unique<GuideWindow>(page);
+    m_guide->show();
+    m_guide->raise();
+    m_guide->activateWindow();
+}
+
+void FourPs::closeOthers()
+{
+    m_question->close();
+    if (m_mapWindow)
+        m_mapWindow->close();
+    if (m_guide)
+        m_guide->close();
 }
 
 // When all is built: a scroll area asks at once for the size of what it gets.

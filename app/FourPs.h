@@ -21,6 +21,7 @@
 class AEPoint;
 class AXafsData;
 class FileQuestion;
+class GuideWindow;
 class Histgram;
 class JobMenu;
 class MarkLine;
@@ -67,6 +68,12 @@ public:
     /// Fills the panel from a job file, as the menu does.
     void openJob(const QString& path);
 
+    /// Shows the guide in the language of the window.
+    /// @param folder  of the program
+    void showGuide(const QString& folder);
+    /// Closes what belongs to the window and is not of its graphs.
+    void closeOthers();
+
     /// What a graph shows.
     GraphTable graphTable(Displays::DispId id) const;
     /// The window of the map, made when first asked for.
@@ -100,6 +107,7 @@ signals:
     void refused(const QString& line);         ///< the line is a refusal, no result
     void written(const QString& path);         ///< a file, whole
     void unread(const QString& path);          ///< a file that was named and held nothing
+    void guideMissing();                       ///< it was asked for and is not installed
     void mutFilled(int row, int spectrum);     ///< a field of the point table, from 0
     void calculated(FourPs::Result result);    ///< or refused: what could be used was used
     /// What a long operation does and how much is done: 0 at its beginning, 1 at its end.
@@ -211,6 +219,7 @@ private:
     std::unique_ptr<MissingPixels> m_missing; ///< of mapResults
     std::vector<std::size_t> m_highlighted;   ///< pixels of mapResults
     std::unique_ptr<MapWindow> m_mapWindow;
+    std::unique_ptr<GuideWindow> m_guide;
     QAction* m_showMap = nullptr; ///< owned
     JobMenu* m_jobMenu = nullptr; ///< owned
 };

@@ -6,6 +6,7 @@
 #include "app/PanelJob.h"
 #include "app/PanelSettings.h"
 
+#include <QCoreApplication>
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QMimeData>
@@ -38,6 +39,8 @@ JobMenu::JobMenu(FourPs& panel) : QMenu(&panel), m_panel(panel)
     setAccessibleName(tr("Job"));
     addEntry("SaveJob", tr("&Save Job…"), "Ctrl+S", &JobMenu::askToSave);
     addEntry("OpenJob", tr("&Open Job…"), "Ctrl+O", &JobMenu::askToOpen);
+    addSeparator();
+    addEntry("ShowGuide", tr("&Guide"), "F1", &JobMenu::showGuide);
     m_panel.setContextMenuPolicy(Qt::CustomContextMenu);
     connect(&m_panel, &QWidget::customContextMenuRequested, this, [this](const QPoint& place) {
         if (isFree(place))
@@ -91,6 +94,11 @@ void JobMenu::askToOpen()
 {
     m_panel.fileQuestion().askToOpen(tr("Open Job"), kinds(),
                                      [this](const QString& path) { open(path); });
+}
+
+void JobMenu::showGuide()
+{
+    m_panel.showGuide(QCoreApplication::applicationDirPath());
 }
 
 void JobMenu::save(const QString& path)

@@ -6,7 +6,8 @@ class FourPs;
 class QMimeData;
 
 /// The context menu of the panel's free space: what the panel shows as a job file, and a job file
-/// in the panel. A job file that is dropped there is opened, too. Belongs to the panel.
+/// in the panel, and the guide. A job file that is dropped there is opened, too. Belongs to the
+/// panel.
 class JobMenu : public QMenu
 {
     Q_OBJECT
@@ -29,6 +30,7 @@ private:
                   void (JobMenu::*entry)());
     void askToSave();
     void askToOpen();
+    void showGuide();
     bool isFree(const QPoint& place) const;
 
     FourPs& m_panel;

@@ -75,6 +75,8 @@ void StatusWords::watchFiles()
         m_bar.showMessage(tr("Nothing could be read from %1.").arg(QFileInfo(path).fileName()),
                           noteMs);
     });
+    connect(&m_panel, &FourPs::guideMissing, this,
+            [this] { m_bar.showMessage(tr("The guide is not installed."), noteMs); });
     connect(&m_panel, &FourPs::written, this, [this](const QString& path) {
         const QFileInfo file(path);
         m_written.append(QStringLiteral("%1 (%2)").arg(

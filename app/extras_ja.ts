@@ -51,6 +51,10 @@
         <translation>ジョブを開く(&amp;O)…</translation>
     </message>
     <message>
+        <source>&amp;Guide</source>
+        <translation>手引き(&amp;G)</translation>
+    </message>
+    <message>
         <source>Save Job</source>
         <translation>ジョブを保存</translation>
     </message>
@@ -68,6 +72,13 @@
     </message>
 </context>
 <context>
+    <name>GuideWindow</name>
+    <message>
+        <source>Guide</source>
+        <translation>手引き</translation>
+    </message>
+</context>
+<context>
     <name>ResultsMenu</name>
     <message>
         <source>Copy All &amp;Results</source>
@@ -79,6 +90,10 @@
     <message>
         <source>Nothing could be read from %1.</source>
         <translation>%1 からは何も読めませんでした。</translation>
+    </message>
+    <message>
+        <source>The guide is not installed.</source>
+        <translation>手引きがインストールされていません。</translation>
     </message>
     <message>
         <source>Written: %1</source>

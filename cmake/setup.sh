@@ -13,7 +13,7 @@ run_packages=(
 # Beside those, what the tests, the benchmark programs and the Debian package need.
 check_packages=(
     libbenchmark-dev libfast-float-dev libfmt-dev libtbb-dev
-    librsvg2-bin poppler-utils
+    librsvg2-bin poppler-utils pandoc
     xvfb xauth xdotool
     chromium chromium-driver python3-selenium python3-h5py python3-tifffile
     clang clang-tidy libclang-rt-14-dev lld cppcheck gcovr pkg-config

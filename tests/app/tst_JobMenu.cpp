@@ -15,6 +15,7 @@
 #include <QSignalSpy>
 #include <QStatusBar>
 #include <QTemporaryDir>
+#include <QTextBrowser>
 #include <QtTest>
 
 #include <memory>
@@ -331,15 +332,52 @@ private slots:
         QCOMPARE(menuAt(panel().ePoints[0]->UseCB, QPoint(3, 3)), QString());
     }
 
+    void theGuideOpensInAWindow()
+    {
+        QDir(m_dir.path()).mkpath(QStringLiteral("bin"));
+        QDir(m_dir.path()).mkpath(QStringLiteral("share/drovik/guide/ja"));
+        create(file("share/drovik/guide/ja/index.html"),
+               "<h1>one</h1><a href='other.html#there'>x</a>");
+        create(file("share/drovik/guide/ja/other.html"), "<h2 id='there'>two</h2>");
+        panel().showGuide(file("bin"));
+        const auto windows = QApplication::topLevelWidgets();
+        const auto found = std::find_if(windows.begin(), windows.end(), [](QWidget* window) {
+            return window->objectName() == QLatin1String("GuideWindow");
+        });
+        QVERIFY(found != windows.end());
+        auto* guide = qobject_cast<QTextBrowser*>(*found);
+        QVERIFY(guide->isVisible());
+        QVERIFY(!guide->accessibleName().isEmpty());
+        QCOMPARE(guide->toPlainText(), QStringLiteral("one\nx"));
+        guide->setSource(guide->source().resolved(QUrl(QStringLiteral("other.html#there"))));
+        QCOMPARE(guide->toPlainText(), QStringLiteral("two"));
+        m_body->close();
+        QVERIFY(!guide->isVisible());
+    }
+
+    void theMissingGuideIsTold()
+    {
+        const int lines = user::messages(panel()).size();
+        QTest::keyClick(m_body.get(), Qt::Key_F1); // no guide beside the test
+        QCOMPARE(m_body->statusBar()->currentMessage(),
+                 QStringLiteral("The guide is not installed."));
+        QCOMPARE(user::messages(panel()).size(), lines);
+    }
+
     void entriesHaveMnemonics()
     {
         QSet<QChar> mnemonics;
+        QStringList names;
         for (const QAction* action : menu()->actions()) {
+            if (action->isSeparator())
+                continue;
+            names << action->objectName();
             const QString text = action->text();
-            QVERIFY(!action->objectName().isEmpty());
             mnemonics << text.at(text.indexOf(QLatin1Char('&')) + 1).toLower();
         }
-        QCOMPARE(mnemonics.size(), menu()->actions().size());
+        QCOMPARE(names, QStringList({QStringLiteral("SaveJob"), QStringLiteral("OpenJob"),
+                                     QStringLiteral("ShowGuide")}));
+        QCOMPARE(mnemonics.size(), names.size());
         QCOMPARE(menu()->accessibleName(), QStringLiteral("Job"));
     }
 };
