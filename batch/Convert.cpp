@@ -320,6 +320,10 @@ void Conversion::writeMap(const MapStep& step)
         console::say(QStringLiteral("map %1: tilt_ev_per_row is not carried: in the window the "
                                     "references are taken at the energies of the points")
                          .arg(step.map->name));
+    if (stack->facts().values == StackValues::Counts && m_job.noise != NoiseModel::None)
+        console::say(QStringLiteral("map %1: counts are not carried, and with them the noise of "
+                                    "its images")
+                         .arg(step.map->name));
     for (std::size_t k = 0; k < images.size(); ++k) {
         const QString& place = places[static_cast<int>(k)];
         makeFolderOf(place);
