@@ -4,11 +4,13 @@
 #include "analysis/LinearSolver.h"
 #include "analysis/NormalizedSpectrum.h"
 #include "analysis/PooledVariance.h"
+#include "analysis/SpectrumChange.h"
 #include "analysis/StudentT.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 namespace
 {
@@ -256,7 +258,26 @@ LcfGradient lcfGradient(const JudgedFit& judged)
     return Residuals(judged).gradient();
 }
 
-LcfUncertainty lcfUncertainty(const JudgedFit& judged, const SpectrumNoises& noises, double level)
+LcfShift lcfShift(const JudgedFit& judged, const std::array<double, 3>& sigmas)
+{
+    const std::array<const FittedSpectrum*, 3> spectra{
+        &judged.ref1.spectrum(), &judged.ref2.spectrum(), &judged.target.spectrum()};
+    const auto change = [&](std::size_t place) {
+        if (sigmas[place] == 0.0)
+            return 0.0;
+        const auto fraction = [&](double shift) {
+            const FittedSpectrum shifted = withShift(*spectra[place], shift);
+            auto all = spectra;
+            all[place] = &shifted;
+            return fitLinearCombination(*all[0], *all[1], *all[2], judged.range).share1();
+        };
+        return (fraction(sigmas[place]) - fraction(-sigmas[place])) / 2.0;
+    };
+    return {change(2), std::hypot(change(0), change(1))};
+}
+
+LcfUncertainty lcfUncertainty(const JudgedFit& judged, const SpectrumNoises& noises, double level,
+                              const LcfShift& shift)
 {
     constexpr std::array<SpectrumSet::Index, 3> spectra{SpectrumSet::Ref1, SpectrumSet::Ref2,
                                                         SpectrumSet::Target};
@@ -277,6 +298,11 @@ LcfUncertainty lcfUncertainty(const JudgedFit& judged, const SpectrumNoises& noi
         (spectra[i] == SpectrumSet::Target ? own : common) += part;
         all.add(part, noise.degrees);
     }
+    own += shift.own * shift.own;
+    common += shift.common * shift.common;
+    for (const double part : {shift.own, shift.common})
+        if (part != 0.0)
+            all.add(part * part, std::numeric_limits<double>::infinity());
     result.sigmaA = std::sqrt(own);
     result.sigmaARef = std::sqrt(common);
     result.degrees = all.degrees();

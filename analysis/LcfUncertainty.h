@@ -42,8 +42,20 @@ struct JudgedFit {
 
 LcfGradient lcfGradient(const JudgedFit& judged);
 
+/// How the fraction changes for one standard deviation of the spectra's energies: half of what lies
+/// between the spectrum shifted upward and downward.
+struct LcfShift {
+    double own = 0.0;    ///< of the target
+    double common = 0.0; ///< of both references, which do not know of one another
+};
+
+/// @param sigmas  eV, of Ref 1, Ref 2 and target; 0 for energies that are known
+LcfShift lcfShift(const JudgedFit& judged, const std::array<double, 3>& sigmas);
+
 /// To first order in the noise, exact to this order.
 /// @param noises  those of Ref 1, Ref 2 and target are needed
 /// @param level   of the interval, such as 0.683
+/// @param shift   by energies that are not known; normal, and known itself
 /// @return not-a-number where the fit has no finite derivatives, or a noise is not known
-LcfUncertainty lcfUncertainty(const JudgedFit& judged, const SpectrumNoises& noises, double level);
+LcfUncertainty lcfUncertainty(const JudgedFit& judged, const SpectrumNoises& noises, double level,
+                              const LcfShift& shift = {});

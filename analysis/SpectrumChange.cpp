@@ -20,6 +20,15 @@ FittedSpectrum changed(const FittedSpectrum& spectrum, const Change& change)
 
 } // namespace
 
+void shiftEnergies(FittedSpectrum& spectrum, double shift)
+{
+    SpectrumPoints points = std::move(spectrum.points);
+    for (SpectrumPoint& point : points)
+        point.energy += shift;
+    spectrum.setPoints(std::move(points));
+    spectrum.fitVictreens();
+}
+
 FittedSpectrum withShift(const FittedSpectrum& spectrum, double shift)
 {
     return changed(spectrum, [shift](SpectrumPoint& point) { point.energy += shift; });

@@ -5,6 +5,10 @@
 /// A spectrum as it would have been measured under a fault, with its lines fitted anew within the
 /// same bounds.
 
+/// Adds to every energy of a spectrum, and fits its lines anew.
+/// @param shift  eV
+void shiftEnergies(FittedSpectrum& spectrum, double shift);
+
 /// @param shift  eV, added to every energy
 FittedSpectrum withShift(const FittedSpectrum& spectrum, double shift);
 

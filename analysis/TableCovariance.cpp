@@ -1,5 +1,7 @@
 #include "analysis/TableCovariance.h"
 
+#include "analysis/SpectrumChange.h"
+
 namespace
 {
 
@@ -88,6 +90,24 @@ Sums entrySums(const MeasuredSums& sums, SubtractedLine line, const PointRows& r
     if (!sums.spectrum().points.empty())
         entries[edgeJumpEntry] = sums.edgeJump();
     return entries;
+}
+
+EntryVector entryShift(const FittedSpectrum& spectrum, SubtractedLine line, const PointRows& rows,
+                       double sigma)
+{
+    const FittedSpectrum above = withShift(spectrum, sigma);
+    const FittedSpectrum below = withShift(spectrum, -sigma);
+    EntryVector change{};
+    for (std::size_t i = 0; i < rows.size() && i < pointTableRows; ++i) {
+        if (!(rows[i].use || rows[i].tRatio) || rows[i].energy == 0.0)
+            continue;
+        const auto high = mutLess(above, line, rows[i].energy);
+        const auto low = mutLess(below, line, rows[i].energy);
+        if (high && low)
+            change[i] = (*high - *low) / 2.0;
+    }
+    change[edgeJumpEntry] = (above.edgeJump() - below.edgeJump()) / 2.0;
+    return change;
 }
 
 TableCovariance tableCovariance(const MeasuredSums& sums, SubtractedLine line,

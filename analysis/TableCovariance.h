@@ -32,6 +32,13 @@ struct TableCovariance {
 std::array<MeasuredSum, pointTableRows + 1> entrySums(const MeasuredSums& sums, SubtractedLine line,
                                                       const PointRows& rows);
 
+/// How the entries change for one standard deviation of the spectrum's energies: half of what lies
+/// between the spectrum shifted upward and downward.
+/// @param rows   at most pointTableRows
+/// @param sigma  eV
+EntryVector entryShift(const FittedSpectrum& spectrum, SubtractedLine line, const PointRows& rows,
+                       double sigma);
+
 /// Of a spectrum whose bounds are set.
 /// @param rows  at most pointTableRows
 TableCovariance tableCovariance(const MeasuredSums& sums, SubtractedLine line,

@@ -1,14 +1,22 @@
 #include "batch/InputFiles.h"
 
+#include "jobs/AlignmentKeys.h"
+
 #include <QFile>
 
 #include <sys/stat.h>
 
 InputFiles::InputFiles(const Job& job, const QString& jobPath)
-    : m_files{{QStringLiteral("the job itself"), jobPath}}
+    : m_job(job), m_files{{QStringLiteral("the job itself"), jobPath}}
 {
     for (std::size_t i = 0; i < spectrumKeys.size(); ++i)
         m_files.push_back({QLatin1String(spectrumKeys[i]), job.spectra[i].path});
+    m_files.push_back({QStringLiteral("the table of shifts"), job.alignment.table.path});
+    for (std::size_t i = 0; i < spectrumKeys.size(); ++i)
+        if (hasFoil(job.alignment, static_cast<SpectrumSet::Index>(i)) &&
+            !job.spectra[i].path.isEmpty())
+            m_files.push_back({QStringLiteral("the foil of ") + QLatin1String(spectrumKeys[i]),
+                               foilFile(job, job.spectra[i].path)});
     for (std::size_t i = 0; job.points && i < job.points->size(); ++i)
         m_files.push_back(
             {QStringLiteral("the map of [[point]] %1").arg(i + 1), (*job.points)[i].map.path});
@@ -18,6 +26,12 @@ void InputFiles::add(const std::vector<JobFilePath>& targets)
 {
     for (const JobFilePath& target : targets)
         m_files.push_back({QStringLiteral("the target %1").arg(target.path), target.path});
+    if (!hasFoil(m_job.alignment, SpectrumSet::Target))
+        return;
+    for (const JobFilePath& target : targets) {
+        const QString foil = foilFile(m_job, target.path);
+        m_files.push_back({QStringLiteral("the foil %1").arg(foil), foil});
+    }
 }
 
 void InputFiles::add(const std::vector<MapJob>& maps)

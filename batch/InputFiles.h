@@ -14,7 +14,7 @@
 class InputFiles
 {
 public:
-    /// The job itself, its spectra and the 2D data of its points.
+    /// The job itself, its spectra, what aligns them, and the 2D data of its points.
     InputFiles(const Job& job, const QString& jobPath);
 
     void add(const std::vector<JobFilePath>& targets);
@@ -32,6 +32,7 @@ private:
 
     static std::optional<Identity> identityOf(const QString& path);
 
+    Job m_job;
     std::vector<File> m_files;
     std::map<Identity, QString> m_known; ///< filled when it is first asked for
 };

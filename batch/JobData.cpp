@@ -1,6 +1,8 @@
 #include "batch/JobData.h"
 
+#include "analysis/SpectrumChange.h"
 #include "batch/SourceFile.h"
+#include "batch/SpectrumRecord.h"
 #include "formats/StackMaps.h"
 #include "input/KnownPositions.h"
 #include "input/MapReader.h"
@@ -18,55 +20,24 @@ JobError cannotOpen(const JobFilePath& file, const QString& why)
     return {file.place, QStringLiteral("cannot open %1: %2").arg(file.path, why)};
 }
 
-/// A spectrum that the window does not read: XDI, columns. Of its noise nothing is known but what
-/// its points show.
-bool takeOther(const ByteSource& bytes, const QString& name, std::size_t i, JobData& data,
-               QString& why)
-{
-    auto outcome = readSpectrumFile(bytes, data.readAs[i]);
-    if (const auto* fault = std::get_if<FileFault>(&outcome)) {
-        why = faultText({name, fault->line, fault->reason});
-        return false;
-    }
-    auto& found = std::get<FoundSpectrum>(outcome);
-    data.warnings[i] = found.assumed + found.warnings;
-    auto spectrum = std::make_shared<AXafsData>();
-    spectrum->fileName = name;
-    spectrum->setBounds(data.settings.bounds());
-    spectrum->setPoints(std::move(found.points));
-    spectrum->valid = true;
-    spectrum->fitVictreens();
-    data.noises[i] = noiseOf(*spectrum, {}, data.noise);
-    data.spectra[i] = std::move(spectrum);
-    return true;
-}
-
 /// @param name  of the file, in the reason why it is of no use
 bool takeSpectrum(const ByteSource& bytes, const QString& name, std::size_t i, JobData& data,
                   QString& why)
 {
-    const SpectrumSource& source = data.readAs[i];
-    FileKind kind = source.kind;
-    if (kind == FileKind::Unknown)
-        kind = source.columns.any() ? FileKind::Columns : fileKindOf(bytes);
-    // What looks like nothing is left to the reader of the window, which says so.
-    if (kind != FileKind::Beamline && kind != FileKind::Unknown && kind != FileKind::Empty &&
-        kind != FileKind::MapText)
-        return takeOther(bytes, name, i, data, why);
-    auto spectrum = std::make_shared<AXafsData>();
-    spectrum->setBounds(data.settings.bounds());
-    std::vector<Readings> readings;
     data.spectra[i] = nullptr;
-    if (spectrum->read(bytes, name, &readings)) {
-        data.noises[i] = noiseOf(*spectrum, readings, data.noise);
-        if (data.noise.model != NoiseModel::None)
-            data.gains[i] = gainFound(spectrum->points, readings, spectrum->preEdgeEnd);
-        data.spectra[i] = std::move(spectrum);
-        return true;
-    }
-    why = spectrum->refusal.isEmpty() ? QStringLiteral("no spectrum in %1").arg(name)
-                                      : spectrum->refusal;
-    return false;
+    auto record = readSpectrumRecord(bytes, name, data.readAs[i], data.settings.bounds(), why);
+    if (!record)
+        return false;
+    AXafsData& spectrum = *record->spectrum;
+    if (const double shift = data.shifts[i].shift; shift != 0.0)
+        shiftEnergies(spectrum, shift);
+    data.warnings[i] = record->warnings;
+    data.noises[i] = noiseOf(spectrum, record->readings, data.noise);
+    data.gains[i].reset();
+    if (data.noise.model != NoiseModel::None && !record->readings.empty())
+        data.gains[i] = gainFound(spectrum.points, record->readings, spectrum.preEdgeEnd);
+    data.spectra[i] = std::move(record->spectrum);
+    return true;
 }
 
 std::optional<JobError> readSpectrum(const JobFilePath& file, std::size_t i, JobData& data)
@@ -166,6 +137,8 @@ JobData withoutFiles(const JobData& common)
     data.gains = common.gains;
     data.uncertainty = common.uncertainty;
     data.readAs = common.readAs;
+    data.alignment = common.alignment;
+    data.shifts = common.shifts;
     data.warnings = common.warnings;
     return data;
 }
@@ -198,11 +171,16 @@ std::optional<std::vector<MapVariance>> JobData::mapNoise() const
     return variances;
 }
 
-std::optional<JobData> withTarget(const JobData& common, const ByteSource& bytes,
-                                  const QString& name, QString& error)
+std::optional<JobData> withTarget(const JobData& common, const TargetBytes& target, QString& error)
 {
     JobData data = withoutFiles(common);
-    if (!takeSpectrum(bytes, name, SpectrumSet::Target, data, error))
+    if (data.alignment) {
+        const auto shift = data.alignment->ofTarget(target.name, target.foil, error);
+        if (!shift)
+            return std::nullopt;
+        data.shifts[SpectrumSet::Target] = *shift;
+    }
+    if (!takeSpectrum(target.bytes, target.name, SpectrumSet::Target, data, error))
         return std::nullopt;
     prepareInput(data);
     return data;
@@ -266,6 +244,13 @@ std::optional<JobData> readJobData(const Job& job, JobError& error)
     data.settings = settingsOf(job);
     data.noise = noiseSettingsOf(job);
     data.readAs[SpectrumSet::Target] = job.targetSource;
+    if (job.alignment.any()) {
+        data.alignment = Alignment::read(job, data.settings.bounds(), error);
+        if (!data.alignment)
+            return std::nullopt;
+        for (std::size_t i = 0; i < data.shifts.size(); ++i)
+            data.shifts[i] = data.alignment->of(static_cast<SpectrumSet::Index>(i));
+    }
     std::optional<JobError> wrong = readSpectra(job, data);
     if (!wrong)
         wrong = readImages(imagesOf(job), data, {}, Workers::shared());
@@ -275,6 +260,6 @@ std::optional<JobData> readJobData(const Job& job, JobError& error)
     }
     prepareInput(data);
     if (!job.targets.empty())
-        data.uncertainty = commonUncertainty(data.input, data.noises);
+        data.uncertainty = commonUncertainty(data.input, data.noises, data.shifts);
     return data;
 }

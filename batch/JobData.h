@@ -1,6 +1,7 @@
 #pragma once
 
 #include "analysis/TiltedMap.h"
+#include "batch/Alignment.h"
 #include "batch/Digest.h"
 #include "batch/MapJob.h"
 #include "batch/NoiseSettings.h"
@@ -27,6 +28,8 @@ struct JobData {
     /// What the targets have in common of their uncertainties; null where none are wanted.
     std::shared_ptr<const CommonUncertainty> uncertainty;
     NoiseSettings noise;
+    std::shared_ptr<const Alignment> alignment; ///< null where the job has none
+    EnergyShifts shifts{};                      ///< of the spectra's energies
     /// How each is read; that of the target is of all targets.
     std::array<SpectrumSource, SpectrumSet::count> readAs;
     /// What limits the use of each, as its file shows.
@@ -45,13 +48,17 @@ struct JobData {
     std::optional<std::vector<MapVariance>> mapNoise() const;
 };
 
+/// The bytes of a target, and of what belongs to it.
+struct TargetBytes {
+    QString name; ///< against the job's folder
+    const ByteSource& bytes;
+    const ByteSource* foil = nullptr; ///< measured along with it; null where there is none
+};
+
 /// The same job with a target of its own. The references, the blank and the settings are shared; no
 /// 2D data are in it.
-/// @param bytes  of the target's file
-/// @param name   of the file, in the text of an error
 /// @param error  why the target cannot be used, where nothing comes back
-std::optional<JobData> withTarget(const JobData& common, const ByteSource& bytes,
-                                  const QString& name, QString& error);
+std::optional<JobData> withTarget(const JobData& common, const TargetBytes& target, QString& error);
 
 /// The same job with a map of its own, of whose points those are in use that have an image. The
 /// references, the blank and the settings are shared. An energy in the header of an image takes the

@@ -100,6 +100,9 @@ Digest keyWith(const QByteArray& settings, const JobData& common)
         hasher.addText(digest ? toBytes(*digest) : QByteArray());
     for (const SpectrumSource& source : common.readAs)
         hasher.addText(sourceText(source));
+    if (common.alignment)
+        for (const RecordedFile& file : common.alignment->inputs())
+            hasher.addText(toBytes(file.digest));
     return hasher.digest();
 }
 
@@ -158,10 +161,17 @@ Digest keyOfMap(const Digest& ofMaps, const MapJob& map,
     return hasher.digest();
 }
 
-Digest keyOfTarget(const Digest& ofTargets, const Digest& target)
+Digest keyOfTarget(const Digest& ofTargets, const Digest& target, const std::optional<Digest>& foil)
 {
     Hasher hasher;
     hasher.add(toBytes(ofTargets));
     hasher.add(toBytes(target));
+    if (foil)
+        hasher.add(toBytes(*foil));
     return hasher.digest();
+}
+
+std::optional<Digest> foilOf(const RecordedRow& row)
+{
+    return row.inputs.empty() ? std::nullopt : std::optional(row.inputs.front().digest);
 }

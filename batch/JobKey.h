@@ -3,6 +3,7 @@
 #include "batch/Digest.h"
 #include "batch/JobData.h"
 #include "batch/MapJob.h"
+#include "batch/RecordedRow.h"
 
 #include <QByteArray>
 #include <QStringList>
@@ -19,8 +20,8 @@ QByteArray programVersion();
 /// @param text  of a job that can be read
 QByteArray settingsOfTargets(const QByteArray& text);
 
-/// What the results of the targets depend on, themselves left aside: version, settings, references
-/// and blank.
+/// What the results of the targets depend on, themselves left aside: version, settings, references,
+/// blank, and what aligns them.
 /// @param common  with the digests of its spectra
 Digest keyOfTargets(const QByteArray& settings, const JobData& common);
 
@@ -38,4 +39,9 @@ Digest keyOfMap(const Digest& ofMaps, const MapJob& map,
 
 /// Under which the row of a target is in the record.
 /// @param target  digest of its file
-Digest keyOfTarget(const Digest& ofTargets, const Digest& target);
+/// @param foil    of the foil that was measured along with it; none where there is none
+Digest keyOfTarget(const Digest& ofTargets, const Digest& target,
+                   const std::optional<Digest>& foil = std::nullopt);
+
+/// The digest of a target's foil, which is its only further input.
+std::optional<Digest> foilOf(const RecordedRow& row);

@@ -111,7 +111,7 @@ bool Merge::isOurs(RowKind kind, const RecordedRow& row) const
     if (!row.key)
         return true; // what could not be read depends on nothing else
     if (kind == RowKind::Target)
-        return row.input && row.key == keyOfTarget(m_targets, *row.input);
+        return row.input && row.key == keyOfTarget(m_targets, *row.input, foilOf(row));
     for (const MapJob& map : m_prepared.list.maps)
         if (map.name.toUtf8() == row.name())
             return row.key == keyOfMap(m_maps, map, digestsOf(map, row.inputs));
@@ -126,7 +126,8 @@ bool Merge::isPresent(RowKind kind, const RecordedRow& row) const
     const QString path = QDir(m_prepared.job.folder).filePath(QString::fromUtf8(row.name()));
     QString why;
     const auto source = SourceFile::open(path, why);
-    return source ? row.input && source->digest() == row.input : !row.input;
+    const bool isSame = source ? row.input && source->digest() == row.input : !row.input;
+    return isSame && areInPlace(row.inputs, m_prepared.job.folder);
 }
 
 /// "scans/5.dat: in no record", with the shard that it belongs to if all are of one division.

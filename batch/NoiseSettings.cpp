@@ -50,10 +50,18 @@ std::optional<SpectrumNoise> noiseOf(const FittedSpectrum& spectrum,
 }
 
 std::shared_ptr<const CommonUncertainty> commonUncertainty(const AnalysisInput& input,
-                                                           const SpectrumNoises& noises)
+                                                           const SpectrumNoises& noises,
+                                                           const EnergyShifts& shifts)
 {
     auto common = std::make_shared<CommonUncertainty>();
     common->covariances = tableCovariances(input, noises);
+    for (std::size_t i = 0; i < shifts.size(); ++i) {
+        const auto spectrum = static_cast<SpectrumSet::Index>(i);
+        if (shifts[i].sigma > 0.0 && common->covariances[i] && input.spectra.isValid(spectrum))
+            common->covariances[i]->shift =
+                entryShift(*input.spectra[spectrum], subtractedLine(spectrum, input.conditions),
+                           input.table, shifts[i].sigma);
+    }
     if (input.spectra.isValid(SpectrumSet::Ref1))
         common->ref1.emplace(*input.spectra[SpectrumSet::Ref1]);
     if (input.spectra.isValid(SpectrumSet::Ref2))

@@ -4,6 +4,7 @@
 #include "analysis/LcfUncertainty.h"
 #include "analysis/SystematicErrors.h"
 #include "analysis/TargetUncertainty.h"
+#include "batch/Alignment.h"
 #include "jobs/JobFile.h"
 
 #include <memory>
@@ -47,6 +48,8 @@ struct CommonUncertainty {
     ShiftedReferences shifted;
 };
 
-/// @param input  of the job without a target; its spectra must live as long
+/// @param input   of the job without a target; its spectra must live as long
+/// @param shifts  of the spectra's energies
 std::shared_ptr<const CommonUncertainty> commonUncertainty(const AnalysisInput& input,
-                                                           const SpectrumNoises& noises);
+                                                           const SpectrumNoises& noises,
+                                                           const EnergyShifts& shifts);

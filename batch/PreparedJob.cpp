@@ -71,7 +71,16 @@ std::optional<PreparedJob> prepareJob(const QString& path, const QByteArray& tex
                                       const Shard& shard, JobError& error)
 {
     const auto list = listOf(job, error);
-    return list ? prepareList(path, text, job, *list, shard, error) : std::nullopt;
+    auto prepared = list ? prepareList(path, text, job, *list, shard, error) : std::nullopt;
+    if (!prepared || !prepared->common.alignment)
+        return prepared;
+    const Alignment& alignment = *prepared->common.alignment;
+    for (const JobFilePath& target : list->targets)
+        if (const QString why = alignment.whyNotNamed(target.path); !why.isEmpty()) {
+            error = {alignment.tablePlace(), why};
+            return std::nullopt;
+        }
+    return prepared;
 }
 
 std::vector<RecordedFile> commonInputs(const PreparedJob& prepared)
@@ -80,6 +89,9 @@ std::vector<RecordedFile> commonInputs(const PreparedJob& prepared)
     for (std::size_t i = 0; i < prepared.common.digests.size(); ++i)
         if (const auto& digest = prepared.common.digests[i])
             inputs.push_back({targetName(prepared.job, prepared.job.spectra[i]).toUtf8(), *digest});
+    if (prepared.common.alignment)
+        for (const RecordedFile& file : prepared.common.alignment->inputs())
+            inputs.push_back(file);
     return inputs;
 }
 

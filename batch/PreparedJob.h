@@ -41,7 +41,7 @@ std::optional<PreparedJob> prepareList(const QString& path, const QByteArray& te
 std::optional<PreparedJob> prepareJob(const QString& path, const QByteArray& text, const Job& job,
                                       const Shard& shard, JobError& error);
 
-/// References and blank, with their digests; paths against the job's folder.
+/// References, blank and what aligns them, with their digests; paths against the job's folder.
 std::vector<RecordedFile> commonInputs(const PreparedJob& prepared);
 
 /// What the record keeps of the run that is about to begin.

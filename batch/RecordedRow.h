@@ -24,7 +24,7 @@ struct RecordedRow {
     QByteArrayList fields;       ///< of its row in results.csv or maps.csv; the first is its name
     QByteArray messages;         ///< lines that the calculation left behind
     QByteArray readOut;          ///< for the report: of a map, or UnseenErrors of a target
-    std::vector<RecordedFile> inputs;  ///< images of a map
+    std::vector<RecordedFile> inputs;  ///< images of a map; the foil of a target
     std::vector<RecordedFile> outputs; ///< written for it
 
     const QByteArray& name() const { return fields.front(); }
@@ -37,5 +37,5 @@ struct RecordedRun {
     QByteArray jobFile;               ///< path against the record's folder
     QByteArray shard;                 ///< "2/8"; empty for a run of all
     QByteArray began;                 ///< ISO 8601, UTC
-    std::vector<RecordedFile> inputs; ///< references and blank; paths against the job's folder
+    std::vector<RecordedFile> inputs; ///< of all rows; paths against the job's folder
 };

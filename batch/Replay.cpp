@@ -89,6 +89,26 @@ QStringList figureDifferences(const QByteArrayList& columns, const QByteArrayLis
     return found;
 }
 
+/// The target as it is calculated today.
+/// @param source  of it
+/// @param why     it cannot be opened
+TargetRow targetNow(const ReplayedRun& run, const QString& name,
+                    const std::optional<SourceFile>& source, const QString& why)
+{
+    if (!source)
+        return refusedTarget(name, QStringLiteral("cannot open %1: %2").arg(name, why));
+    const auto& alignment = run.common->alignment;
+    const QString path = alignment ? alignment->targetFoil(name) : QString();
+    if (path.isEmpty())
+        return analyseTarget(run.job, *run.common, {name, source->bytes()});
+    QString reason;
+    const auto foil = SourceFile::open(path, reason);
+    if (!foil)
+        return refusedTarget(
+            name, QStringLiteral("cannot open %1: %2").arg(alignment->shown(path), reason));
+    return analyseTarget(run.job, *run.common, {name, source->bytes(), &foil->bytes()});
+}
+
 QStringList targetDifferences(const ReplayedRun& run, const RecordedRow& row)
 {
     const QString name = QString::fromUtf8(row.name());
@@ -99,11 +119,16 @@ QStringList targetDifferences(const ReplayedRun& run, const RecordedRow& row)
     const QString wrong = inputDifference(path, name, row.input);
     if (!wrong.isEmpty())
         found += wrong;
-    if (!wrong.isEmpty() || !run.common)
+    for (const RecordedFile& foil : row.inputs) {
+        const QString other = QString::fromUtf8(foil.path);
+        const QString gone =
+            inputDifference(QDir(run.job.folder).filePath(other), other, foil.digest);
+        if (!gone.isEmpty())
+            found += gone;
+    }
+    if (found.size() > run.differences.size() || !run.common)
         return found;
-    const TargetRow now =
-        source ? analyseTarget(run.job, *run.common, name, source->bytes())
-               : refusedTarget(name, QStringLiteral("cannot open %1: %2").arg(name, why));
+    const TargetRow now = targetNow(run, name, source, why);
     return found + figureDifferences(targetColumns(), row.fields, targetFields(now));
 }
 

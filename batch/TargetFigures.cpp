@@ -21,11 +21,13 @@ TableCovariances covariancesOf(const JobData& data, const MeasuredSums& target)
 {
     TableCovariances covariances = data.uncertainty->covariances;
     const auto& noise = data.noises[SpectrumSet::Target];
+    const SubtractedLine line = subtractedLine(SpectrumSet::Target, data.input.conditions);
     covariances[SpectrumSet::Target].reset();
     if (noise)
-        covariances[SpectrumSet::Target] =
-            tableCovariance(target, subtractedLine(SpectrumSet::Target, data.input.conditions),
-                            data.input.table, *noise);
+        covariances[SpectrumSet::Target] = tableCovariance(target, line, data.input.table, *noise);
+    if (const double sigma = data.shifts[SpectrumSet::Target].sigma; noise && sigma > 0.0)
+        covariances[SpectrumSet::Target]->shift =
+            entryShift(target.spectrum(), line, data.input.table, sigma);
     return covariances;
 }
 
@@ -33,8 +35,11 @@ LcfUncertainty fitUncertainty(const JobData& data, const MeasuredSums& target,
                               const LinearCombination& fit)
 {
     const CommonUncertainty& common = *data.uncertainty;
-    return lcfUncertainty({*common.ref1, *common.ref2, target, *lcfRange(data.input.table), fit},
-                          data.noises, data.noise.level);
+    const JudgedFit judged{*common.ref1, *common.ref2, target, *lcfRange(data.input.table), fit};
+    const auto sigma = [&](SpectrumSet::Index spectrum) { return data.shifts[spectrum].sigma; };
+    return lcfUncertainty(judged, data.noises, data.noise.level,
+                          lcfShift(judged, {sigma(SpectrumSet::Ref1), sigma(SpectrumSet::Ref2),
+                                            sigma(SpectrumSet::Target)}));
 }
 
 double changeOfValence(double ofA, const ReferenceValences& valences)
@@ -131,6 +136,8 @@ TargetFigures targetFigures(const JobData& data, const TargetResult* result,
 {
     TargetFigures figures;
     figures.valences = data.settings.valences;
+    if (data.alignment)
+        figures.shift = data.shifts[SpectrumSet::Target];
     if (!data.uncertainty)
         return figures;
     figures.closure = data.uncertainty->closure;
@@ -197,8 +204,8 @@ QByteArrayList figureFields(const TargetFigures& figures)
           figures.closure.ref2.point,
           figures.unseen.targetShift,
           figures.unseen.leakage,
-          Number(),
-          Number()})
+          figures.shift ? Number(figures.shift->shift) : Number(),
+          figures.shift && figures.shift->sigma > 0.0 ? Number(figures.shift->sigma) : Number()})
         fields += csv::number(number);
     return fields;
 }

@@ -19,6 +19,7 @@ struct TargetFigures {
     std::optional<double> gain;
     Closure closure;
     UnseenErrors unseen;
+    std::optional<EnergyShift> shift; ///< of the target's energies, where the job aligns them
     QStringList doubts;
 };
 

@@ -85,15 +85,14 @@ TargetRow refusedTarget(const QString& name, const QString& reason)
     return row;
 }
 
-TargetRow analyseTarget(const Job& job, const JobData& common, const QString& name,
-                        const ByteSource& bytes)
+TargetRow analyseTarget(const Job& job, const JobData& common, const TargetBytes& target)
 {
     QString error;
-    const std::optional<JobData> data = withTarget(common, bytes, name, error);
+    const std::optional<JobData> data = withTarget(common, target, error);
     if (!data)
-        return refusedTarget(name, error);
+        return refusedTarget(target.name, error);
     TargetRow row;
-    row.target = name;
+    row.target = target.name;
     const AXafsData& spectrum = *data->spectra[SpectrumSet::Target];
     row.edgeJump = spectrum.edgeJump();
     row.edgeJumpNoC = spectrum.edgeJumpNoC();

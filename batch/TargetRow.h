@@ -41,9 +41,7 @@ TargetRow refusedTarget(const QString& name, const QString& reason);
 /// Analyses one target against the references and the blank of a job. One that is no spectrum gives
 /// a row with the reason. Its graphs are painted if the job wants pictures.
 /// @param common  of the job without a target; its references and its blank are shared
-/// @param bytes   of the target's file
-TargetRow analyseTarget(const Job& job, const JobData& common, const QString& name,
-                        const ByteSource& bytes);
+TargetRow analyseTarget(const Job& job, const JobData& common, const TargetBytes& target);
 
 /// The names of the columns, and the fields of a row.
 QByteArrayList targetColumns();

@@ -207,7 +207,7 @@ int runAll(const PreparedJob& prepared, const RunOptions& options, RunRecord& re
 int watch(PreparedJob& prepared, const RunOptions& options, RunRecord& record)
 {
     WatchedFiles seen;
-    lookAt(prepared.list, seen);
+    lookAt(prepared.job, prepared.list, seen);
     const int status = runAll(prepared, options, record);
     if (status != static_cast<int>(ExitStatus::Done) &&
         status != static_cast<int>(ExitStatus::SomeRefused))

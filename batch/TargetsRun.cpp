@@ -14,15 +14,63 @@ namespace
 
 constexpr double nanosecond = 1e-9;
 
-/// @param source  of the target
-TargetRow analyse(const TargetsRun& run, const QString& name, const SourceFile& source,
-                  std::optional<Digest>& input)
+/// What a target is analysed from.
+struct Sources {
+    QString name;
+    std::optional<SourceFile> target;
+    QString foilPath; ///< empty where it has no foil
+    std::optional<SourceFile> foil;
+    QString why; ///< something cannot be opened
+};
+
+std::optional<SourceFile> openSource(const QString& path, const QString& name, QString& why)
 {
-    TargetRow row = analyseTarget(run.job, run.common, name, source.bytes());
-    if (!input || source.isStill(*input))
+    QString reason;
+    auto source = SourceFile::open(path, reason);
+    if (!source)
+        why = QStringLiteral("cannot open %1: %2").arg(name, reason);
+    return source;
+}
+
+Sources sourcesOf(const TargetsRun& run, const QString& path, const QString& name)
+{
+    Sources sources;
+    sources.name = name;
+    sources.target = openSource(path, name, sources.why);
+    if (run.common.alignment)
+        sources.foilPath = run.common.alignment->targetFoil(path);
+    if (!sources.foilPath.isEmpty() && sources.target)
+        sources.foil = openSource(sources.foilPath, run.common.alignment->shown(sources.foilPath),
+                                  sources.why);
+    return sources;
+}
+
+TargetRow analyse(const TargetsRun& run, const Sources& sources, TargetStep& step)
+{
+    TargetRow row = analyseTarget(
+        run.job, run.common,
+        {sources.name, sources.target->bytes(), sources.foil ? &sources.foil->bytes() : nullptr});
+    QString changed;
+    if (step.input && !sources.target->isStill(*step.input))
+        changed = sources.name;
+    else if (step.foil && !sources.foil->isStill(step.foil->digest))
+        changed = QString::fromUtf8(step.foil->path);
+    if (changed.isEmpty())
         return row;
-    input = std::nullopt;
-    return refusedTarget(name, QStringLiteral("%1 changes while it is read").arg(name));
+    step.input = std::nullopt;
+    step.foil = std::nullopt;
+    return refusedTarget(sources.name, QStringLiteral("%1 changes while it is read").arg(changed));
+}
+
+/// A file that is no spectrum by its size is not read for its digest.
+std::optional<Digest> digestOfSource(const std::optional<SourceFile>& source)
+{
+    return source && source->bytes().size() <= largestSpectrum ? source->digest() : std::nullopt;
+}
+
+std::optional<Digest> foilOf(const std::optional<RecordedFile>& foil)
+{
+    return foil ? std::optional(foil->digest) : std::nullopt;
 }
 
 TargetStep stepOf(const TargetsRun& run, std::size_t number)
@@ -34,18 +82,17 @@ TargetStep stepOf(const TargetsRun& run, std::size_t number)
     QElapsedTimer timer;
     timer.start();
     const JobFilePath& target = run.targets[number];
-    QString why;
-    const std::optional<SourceFile> source = SourceFile::open(target.path, why);
-    if (source && source->bytes().size() <= largestSpectrum)
-        step.input = source->digest();
-    if (step.input && run.known[number] == keyOfTarget(run.key, *step.input)) {
+    const Sources sources = sourcesOf(run, target.path, targetName(run.job, target));
+    step.input = digestOfSource(sources.target);
+    if (const auto foil = digestOfSource(sources.foil))
+        step.foil = RecordedFile{run.common.alignment->shown(sources.foilPath).toUtf8(), *foil};
+    if (step.input && run.known[number] == keyOfTarget(run.key, *step.input, foilOf(step.foil))) {
         step.state = TargetStep::State::Kept;
         return step;
     }
-    const QString name = targetName(run.job, target);
     step.state = TargetStep::State::Calculated;
-    step.row = source ? analyse(run, name, *source, step.input)
-                      : refusedTarget(name, QStringLiteral("cannot open %1: %2").arg(name, why));
+    step.row = sources.why.isEmpty() ? analyse(run, sources, step)
+                                     : refusedTarget(sources.name, sources.why);
     step.seconds = static_cast<double>(timer.nsecsElapsed()) * nanosecond;
     return step;
 }
@@ -83,7 +130,9 @@ std::optional<RecordedRow> recordedTarget(const TargetsRun& targets, const Targe
     RecordedRow row;
     row.input = step.input;
     if (step.input)
-        row.key = keyOfTarget(targets.key, *step.input);
+        row.key = keyOfTarget(targets.key, *step.input, foilOf(step.foil));
+    if (step.foil)
+        row.inputs = {*step.foil};
     row.good = step.row.isGood();
     row.seconds = step.seconds;
     row.fields = targetFields(step.row);

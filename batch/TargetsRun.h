@@ -18,8 +18,9 @@ struct TargetStep {
 
     std::size_t number = 0; ///< in the list of targets
     State state = State::Left;
-    TargetRow row;               ///< where it was calculated
-    std::optional<Digest> input; ///< of its file, where all of it could be read
+    TargetRow row;                    ///< where it was calculated
+    std::optional<Digest> input;      ///< of its file, where all of it could be read
+    std::optional<RecordedFile> foil; ///< that was measured along with it, likewise
     double seconds = 0.0;
 };
 

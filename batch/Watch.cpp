@@ -2,6 +2,7 @@
 
 #include "batch/ExitStatus.h"
 #include "batch/WatchedFiles.h"
+#include "jobs/AlignmentKeys.h"
 #include "jobs/TargetList.h"
 #include "system/Signals.h"
 
@@ -73,6 +74,15 @@ std::vector<QByteArray> imagesOf(const MapJob& map)
         if (!image.path.isEmpty())
             images.push_back(fileOf(image));
     return images;
+}
+
+/// The target's file and its foil's.
+std::vector<QByteArray> filesOf(const Job& job, const JobFilePath& target)
+{
+    std::vector<QByteArray> files{fileOf(target)};
+    if (hasFoil(job.alignment, SpectrumSet::Target))
+        files.push_back(QFile::encodeName(foilFile(job, target.path)));
+    return files;
 }
 
 /// Unlike the path of any file.
@@ -178,7 +188,8 @@ std::optional<int> Watch::lookAround()
     JobList ready;
     std::set<QByteArray> shown;
     for (const JobFilePath& target : list.targets)
-        sort(target, {fileOf(target)}, fileOf(target), now, due.targets, ready.targets, shown);
+        sort(target, filesOf(m_prepared.job, target), fileOf(target), now, due.targets,
+             ready.targets, shown);
     for (const MapJob& map : list.maps)
         sort(map, imagesOf(map), nameOf(map), now, due.maps, ready.maps, shown);
     const bool anyDue = !due.targets.empty() || !due.maps.empty();
@@ -190,7 +201,8 @@ std::optional<int> Watch::lookAround()
         if (const auto status = m_actions.calculate(m_prepared, any))
             return status;
     for (const JobFilePath& target : due.targets)
-        m_files.setDone(fileOf(target));
+        for (const QByteArray& file : filesOf(m_prepared.job, target))
+            m_files.setDone(file);
     for (const MapJob& map : due.maps)
         for (const QByteArray& image : imagesOf(map))
             m_files.setDone(image);
@@ -206,6 +218,9 @@ QByteArrayList watchedFolders(const Job& job)
     std::set<QByteArray> folders;
     for (const JobFilePath& given : job.targets)
         addFolders(wholePattern(job, given.path), folders);
+    if (hasFoil(job.alignment, SpectrumSet::Target))
+        addFolders(QFile::encodeName(literalPattern(foilFile(job, QStringLiteral("foil")))),
+                   folders);
     for (const QString& image : imagesOfMaps(job))
         addFolders(QFile::encodeName(literalPattern(image)), folders);
     QByteArrayList list;
@@ -214,11 +229,12 @@ QByteArrayList watchedFolders(const Job& job)
     return list;
 }
 
-void lookAt(const JobList& list, WatchedFiles& files)
+void lookAt(const Job& job, const JobList& list, WatchedFiles& files)
 {
     const Clock::time_point now = Clock::now();
     for (const JobFilePath& target : list.targets)
-        files.takeAsDone(fileOf(target), now);
+        for (const QByteArray& file : filesOf(job, target))
+            files.takeAsDone(file, now);
     for (const MapJob& map : list.maps)
         for (const QByteArray& image : imagesOf(map))
             files.takeAsDone(image, now);

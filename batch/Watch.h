@@ -28,4 +28,4 @@ int watchJob(PreparedJob& prepared, WatchedFiles seen, const WatchActions& actio
              FolderWatch& folders);
 
 /// Looks at all files of a list, which are about to be read.
-void lookAt(const JobList& list, WatchedFiles& files);
+void lookAt(const Job& job, const JobList& list, WatchedFiles& files);

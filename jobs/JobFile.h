@@ -77,6 +77,30 @@ enum class NoiseModel {
     None,    ///< no uncertainties are formed
 };
 
+/// A number that is added to the energies of a spectrum.
+struct JobShift {
+    QString energy; ///< eV; empty: not given
+    JobPlace place = {};
+};
+
+/// A larger one is no shift but another edge, eV.
+constexpr double largestGivenShift = 100.0;
+
+/// What is added to energies before anything is formed from the spectra.
+struct JobAlignment {
+    std::array<JobShift, SpectrumSet::count> shifts;
+    JobFilePath table; ///< of the shifts of all files; or
+    JobFilePath foil;  ///< "foil/{name}.dat", as it stands in the job: what shows them
+
+    bool any() const
+    {
+        bool given = !table.path.isEmpty() || !foil.path.isEmpty();
+        for (const JobShift& shift : shifts)
+            given = given || !shift.energy.isEmpty();
+        return given;
+    }
+};
+
 /// Of what is made to be read.
 enum class Language { English, Japanese };
 
@@ -119,6 +143,7 @@ struct Job {
     std::optional<bool> victreenIsPre; ///< which line: of the pre-edge, or of the post-edge
     std::optional<bool> exactMethod;   ///< exact, or least squares
 
+    JobAlignment alignment;
     NoiseModel noise = NoiseModel::Scatter;
     QString gain;          ///< variance over reading of the detector behind the sample
     QString gain0;         ///< of that before the sample

@@ -1,6 +1,7 @@
 #include "jobs/JobReader.h"
 
 #include "analysis/PointTable.h"
+#include "jobs/AlignmentKeys.h"
 #include "jobs/JobSettings.h"
 #include "jobs/MapName.h"
 #include "jobs/MapPattern.h"
@@ -45,6 +46,7 @@ void JobReader::read(const toml::table& root)
     const Settings settings = settingsOf(job);
     checkHistogram(job.valenceHistogram, settings.valenceHistogram);
     checkHistogram(job.thicknessHistogram, settings.thicknessHistogram);
+    checkAlignment(*this, job);
     checkTargets();
     checkMaps();
     checkOutput(root);
@@ -75,6 +77,7 @@ KeyReader::Keys JobReader::keys()
         {"valences", {}, {{"ref1", number(job.valence1)}, {"ref2", number(job.valence2)}}},
         {"point", call(&JobReader::readPoints), pointKeys(m_anyPoint)},
         {"conditions", {}, conditionKeys()},
+        {"alignment", {}, alignmentKeys(*this, job.alignment)},
         {"noise", {}, noiseKeys()},
         {"systematics", {}, {{"uneven", belowOne(job.uneven)}}},
         {"rank", {}, {{"counts", positive(job.rankCounts)}, {"t_ts", positive(job.rankThickness)}}},

@@ -49,6 +49,20 @@ victreen = "post"
 # "exact" (four points) or "least-squares" (four points or more).
 method = "least-squares"
 
+# Where the energies of scans are off: what is added to those of each spectrum, in eV, before
+# anything is formed from it.
+[alignment]
+ref1 = 0.0
+ref2 = 0.0
+target = 0.0
+blank = 0.0
+# Or a table of all files with the columns file and shift; paths start from this folder.
+# shifts = "shifts.csv"
+# Or foils that were measured along with the spectra; {name} is the name of the spectrum's file
+# without its suffix. The foil of Ref 1 sets the scale; ref2 or blank with a number needs none. Foils are
+# read like spectra: foil = { file = "foil/{name}.txt", columns = ... }.
+# foil = "foil/{name}.dat"
+
 # How sure the results are. The noise of a spectrum comes from its "scatter" before the edge, or
 # from "counts": the readings times a gain for each detector, behind and before the sample.
 # "none" leaves the uncertainties out. level is that of the interval of the valence. Images of

@@ -133,6 +133,7 @@ public:
             line(key, numberText(value));
     }
     void spectrum(const char* key, const JobFilePath& file);
+    void pattern(const char* key, const JobFilePath& file);
     void targets();
     /// A list, an item a line.
     void list(const char* key, const std::vector<JobFilePath>& files, bool ofPaths)
@@ -217,6 +218,15 @@ void JobText::spectrum(const char* key, const JobFilePath& file)
     line(key, "{ file = " + quoted(shortest(file.path)) + source + " }");
 }
 
+void JobText::pattern(const char* key, const JobFilePath& file)
+{
+    if (file.path.isEmpty())
+        return;
+    const QByteArray source = sourceText(file.source);
+    line(key,
+         source.isEmpty() ? quoted(file.path) : "{ file = " + quoted(file.path) + source + " }");
+}
+
 void JobText::targets()
 {
     if (m_job.targets.empty())
@@ -271,6 +281,11 @@ void writeConditions(const Job& job, JobText& to)
         to.line("victreen", *job.victreenIsPre ? "\"pre\"" : "\"post\"");
     if (job.exactMethod)
         to.line("method", *job.exactMethod ? "\"exact\"" : "\"least-squares\"");
+    to.begin("[alignment]", "alignment");
+    for (std::size_t i = 0; i < spectrumKeys.size(); ++i)
+        to.number(spectrumKeys[i], job.alignment.shifts[i].energy);
+    to.file("shifts", job.alignment.table.path);
+    to.pattern("foil", job.alignment.foil);
     to.begin("[noise]", "noise");
     if (job.noise != NoiseModel::Scatter)
         to.word("model", job.noise);

@@ -61,16 +61,29 @@ void readSource(KeyReader& reader, const toml::table& table, const QString& key,
         reader.fail(table, key, QStringLiteral("needs the key ") + QLatin1String(needed));
 }
 
+/// A file, or a table with it and how it is read.
+KeyReader::Handler withSource(KeyReader& reader, const KeyReader::Handler& file,
+                              SpectrumSource& source)
+{
+    return [&reader, file, &source](const toml::node& node, const QString& key) {
+        if (const toml::table* table = node.as_table())
+            readSource(reader, *table, key, "file", file, source);
+        else
+            file(node, key);
+    };
+}
+
 } // namespace
 
 KeyReader::Handler spectrumFile(KeyReader& reader, JobFilePath& file)
 {
-    return [&reader, &file](const toml::node& node, const QString& key) {
-        if (const toml::table* table = node.as_table())
-            readSource(reader, *table, key, "file", reader.filePath(file), file.source);
-        else
-            reader.filePath(file)(node, key);
-    };
+    return withSource(reader, reader.filePath(file), file.source);
+}
+
+KeyReader::Handler foilPattern(KeyReader& reader, JobFilePath& file)
+{
+    return withSource(reader, reader.text(file.path, file.place, "a pattern of files"),
+                      file.source);
 }
 
 KeyReader::Handler targetFiles(KeyReader& reader, std::vector<JobFilePath>& files,

@@ -14,6 +14,56 @@ QByteArray quoted(QByteArray field)
     return plain ? field : '"' + field.replace("\"", "\"\"") + '"';
 }
 
+/// Takes a text apart, field by field.
+class Fields
+{
+public:
+    explicit Fields(const QByteArray& text)
+        : m_text(text), m_at(text.startsWith("\xEF\xBB\xBF") ? 3 : 0)
+    {
+    }
+
+    bool atEnd() const { return m_at >= m_text.size(); }
+    int line() const { return m_line; }
+
+    /// @param more  whether another field of the same record follows
+    QByteArray next(bool& more)
+    {
+        QByteArray field;
+        if (!atEnd() && m_text[m_at] == '"')
+            field = inQuotes();
+        const int from = m_at;
+        while (!atEnd() && m_text[m_at] != ',' && m_text[m_at] != '\n')
+            ++m_at;
+        field += m_text.mid(from, m_at - from);
+        more = !atEnd() && m_text[m_at] == ',';
+        if (!more) {
+            if (field.endsWith('\r'))
+                field.chop(1);
+            ++m_line;
+        }
+        ++m_at;
+        return field;
+    }
+
+private:
+    QByteArray inQuotes()
+    {
+        QByteArray field;
+        for (++m_at; !atEnd(); ++m_at) {
+            if (m_text[m_at] == '"' && (++m_at >= m_text.size() || m_text[m_at] != '"'))
+                return field;
+            m_line += m_text[m_at] == '\n' ? 1 : 0;
+            field += m_text[m_at];
+        }
+        return field;
+    }
+
+    const QByteArray& m_text;
+    int m_at;
+    int m_line = 1;
+};
+
 } // namespace
 
 QByteArray csv::line(const QByteArrayList& fields)
@@ -37,4 +87,19 @@ QByteArray csv::number(double value)
 QByteArray csv::number(const std::optional<double>& value)
 {
     return value ? number(*value) : QByteArray();
+}
+
+std::vector<csv::Record> csv::records(const QByteArray& text)
+{
+    std::vector<Record> records;
+    Fields fields(text);
+    while (!fields.atEnd()) {
+        Record record{fields.line(), {}};
+        bool more = true;
+        while (more)
+            record.fields += fields.next(more);
+        if (record.fields != QByteArrayList{QByteArray()})
+            records.push_back(record);
+    }
+    return records;
 }

@@ -120,7 +120,7 @@ void tst_NightSample::targetsHoldTheTruth()
         const JobFilePath& target = (*targets)[static_cast<std::size_t>(i)];
         const auto file = InputFile::open(target.path);
         QVERIFY2(file, qPrintable(target.path));
-        const TargetRow row = analyseTarget(*m_job, *m_common, targetName(*m_job, target), *file);
+        const TargetRow row = analyseTarget(*m_job, *m_common, {targetName(*m_job, target), *file});
         QVERIFY2(row.isGood(), qPrintable(row.refusal));
         QCOMPARE(row.warnings, QStringList());
         QCOMPARE(row.target.toUtf8(), truth[i + 1][0]);

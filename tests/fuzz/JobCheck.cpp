@@ -80,6 +80,13 @@ bool sameNoise(const Job& job, const Job& expected)
            job.rankCounts == expected.rankCounts && job.rankThickness == expected.rankThickness;
 }
 
+bool sameAlignment(const JobAlignment& a, const JobAlignment& b)
+{
+    return a.table.path == b.table.path && samePath(a.foil, b.foil) &&
+           std::equal(a.shifts.begin(), a.shifts.end(), b.shifts.begin(),
+                      [](const JobShift& x, const JobShift& y) { return x.energy == y.energy; });
+}
+
 bool samePaths(const Job& job, const Job& expected)
 {
     if (job.output.path != expected.output.path || job.targets.size() != expected.targets.size())
@@ -114,6 +121,8 @@ const char* settingsDifference(const Job& job, const Job& expected)
         return "histograms";
     if (!sameNoise(job, expected) && sameOutput(job, expected))
         return "output";
+    if (!sameAlignment(job.alignment, expected.alignment))
+        return "alignment";
     return samePoints(job, expected) ? nullptr : "rows";
 }
 

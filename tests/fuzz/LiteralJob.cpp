@@ -225,6 +225,33 @@ bool readNoise(const toml::table& root, Job& job)
            isPositive(job.rankThickness);
 }
 
+bool readAlignment(const toml::table& root, const QString& folder, Job& job)
+{
+    Reading reading = section(root, "alignment", "ref1 ref2 target blank shifts foil");
+    const char* const names[] = {"ref1", "ref2", "target", "blank"};
+    int numbers = 0;
+    for (std::size_t i = 0; i < 4; ++i) {
+        QString& shift = job.alignment.shifts.at(i).energy;
+        shift = reading.number(names[i]);
+        numbers += shift.isEmpty() ? 0 : 1;
+        reading.ok = reading.ok && (shift.isEmpty() || std::abs(shift.toDouble()) <= 100);
+    }
+    job.alignment.table.path = reading.path("shifts", folder);
+    JobFilePath& foil = job.alignment.foil;
+    const toml::node* node = reading.node("foil");
+    if (!node)
+        return reading.ok && (!reading.node("shifts") || numbers == 0);
+    if (node->is_table()) {
+        reading.ok = readSource(*node->as_table(), "file", foil.source) && reading.ok;
+        node = node->as_table()->get("file");
+    }
+    if (!node || !node->is_string())
+        return false;
+    foil.path = fromUtf8(**node->as_string());
+    return reading.ok && foil.path.contains(QStringLiteral("{name}")) && !reading.node("shifts") &&
+           !reading.node("ref1") && !reading.node("target") && !job.spectra.at(0).path.isEmpty();
+}
+
 bool readOutput(const toml::table& root, const QString& folder, Job& job)
 {
     Reading output = section(root, "output", "folder pictures report map_files tiff hdf5 language");
@@ -535,13 +562,15 @@ bool readJob(const QByteArray& text, const QString& folder, Job& job)
         return false;
     }
     const QStringList keys{
-        QStringLiteral("files"),  QStringLiteral("edge"),       QStringLiteral("valences"),
-        QStringLiteral("point"),  QStringLiteral("conditions"), QStringLiteral("calculate"),
-        QStringLiteral("output"), QStringLiteral("map"),        QStringLiteral("histogram"),
-        QStringLiteral("noise"),  QStringLiteral("rank"),       QStringLiteral("systematics")};
+        QStringLiteral("files"),    QStringLiteral("edge"),       QStringLiteral("valences"),
+        QStringLiteral("point"),    QStringLiteral("conditions"), QStringLiteral("calculate"),
+        QStringLiteral("output"),   QStringLiteral("map"),        QStringLiteral("histogram"),
+        QStringLiteral("noise"),    QStringLiteral("rank"),       QStringLiteral("systematics"),
+        QStringLiteral("alignment")};
     return onlyKeys(root, keys) && readFiles(root, folder, job) && readNumbers(root, job) &&
            readConditions(root, job) && readPoints(root, folder, job) && readCalculate(root, job) &&
-           readNoise(root, job) && readOutput(root, folder, job) && readHistograms(root, job) &&
+           readNoise(root, job) && readAlignment(root, folder, job) &&
+           readOutput(root, folder, job) && readHistograms(root, job) &&
            readMaps(root, folder, job) && mapsFit(job) && targetsFit(job);
 }
 

@@ -223,14 +223,14 @@ void tst_JobFile::errorsHaveLineAndReason_data()
     };
     row("unknown key", "\nedges = 1\n",
         "job:2:1: edges: unknown key, did you mean edge; known are: files, edge, valences, point, "
-        "conditions, noise, systematics, rank, map, histogram, output, calculate");
+        "conditions, alignment, noise, systematics, rank, map, histogram, output, calculate");
     row("unknown key in a table", "[edge]\nenergy = 1\n  start = 2\n",
         "job:3:3: edge.start: unknown key; known are: energy, pre_edge_end, post_edge_start");
     row("unknown key in a point", "[[point]]\nenergy = 1\nv_point = true\nblank = 2\n",
         "job:4:1: point.blank: unknown key; known are: energy, use, t_ratio, v_point, map");
     row("unknown key of several lines", "\"a\\nb\\u2028c\" = 1\n",
         "job:1:1: a\uFFFDb\uFFFDc: unknown key; known are: files, edge, valences, point, "
-        "conditions, noise, systematics, rank, map, histogram, output, calculate");
+        "conditions, alignment, noise, systematics, rank, map, histogram, output, calculate");
     row("the first of several errors", "[files]\nref3 = 1\n[edge]\nenergy = \"x\"\n",
         "job:2:1: files.ref3: unknown key, did you mean ref1; known are: ref1, ref2, target, "
         "targets, blank, map_result");

@@ -44,7 +44,10 @@ public:
         add({{}, {}, job.targetSource});
         for (const JobMap& map : job.maps)
             add(map);
-        for (const JobFilePath& file : {job.output, job.mapResult})
+        for (const JobShift& shift : job.alignment.shifts)
+            lines << shift.energy;
+        for (const JobFilePath& file :
+             {job.output, job.mapResult, job.alignment.table, job.alignment.foil})
             add(file);
         lines << job.edge << job.preEdgeEnd << job.postEdgeStart << job.valence1 << job.valence2
               << job.gain << job.gain0 << job.level << job.mapScatter << job.uneven
@@ -116,6 +119,7 @@ public:
         job.folder = folder;
         numbers();
         conditions();
+        alignment();
         points();
         if (m_random.oneIn(2))
             outputs();
@@ -250,6 +254,21 @@ private:
             for (JobPoint& point : *job.points)
                 if (chance())
                     point.map = path();
+    }
+    void alignment()
+    {
+        JobAlignment& alignment = job.alignment;
+        const int kind = m_random.below(4);
+        for (std::size_t i = 0; i < alignment.shifts.size(); ++i)
+            if (kind == 0 || (kind == 1 && (i == SpectrumSet::Ref2 || i == SpectrumSet::Blank)))
+                alignment.shifts[i].energy = maybe(m_random.uniform(-100, 100));
+        if (kind == 1) {
+            job.spectra[SpectrumSet::Ref1] = path();
+            alignment.foil = {QStringLiteral("foil/{name}") + name()};
+            alignment.foil.source = chance() ? source() : SpectrumSource();
+        } else if (kind == 2) {
+            alignment.table = path();
+        }
     }
     void outputs()
     {

@@ -17,6 +17,8 @@ private slots:
     void numbers();
     void everyNumberReadsBack();
     void nothingIsEmpty();
+    void recordsAreTakenApart();
+    void linesComeBack();
 };
 
 // RFC 4180: what stands in quotation marks, and how.
@@ -71,6 +73,38 @@ void tst_Csv::nothingIsEmpty()
 {
     QCOMPARE(csv::number(std::optional<double>()), QByteArray());
     QCOMPARE(csv::number(std::optional<double>(0.5)), QByteArray("0.5"));
+}
+
+void tst_Csv::recordsAreTakenApart()
+{
+    const auto records = csv::records("\xEF\xBB\xBF"
+                                      "a,b\r\n\r\n\"x\ny\",\"say \"\"so\"\"\"\n,\n1,\"open, ");
+    const QList<QPair<int, QByteArrayList>> expected{
+        {1, {"a", "b"}}, {3, {"x\ny", "say \"so\""}}, {5, {"", ""}}, {6, {"1", "open, "}}};
+    QCOMPARE(static_cast<int>(records.size()), expected.size());
+    for (int i = 0; i < expected.size(); ++i) {
+        QCOMPARE(records[static_cast<std::size_t>(i)].line, expected[i].first);
+        QCOMPARE(records[static_cast<std::size_t>(i)].fields, expected[i].second);
+    }
+    QVERIFY(csv::records({}).empty());
+    QVERIFY(csv::records("\r\n\n").empty());
+}
+
+void tst_Csv::linesComeBack()
+{
+    Random random;
+    for (int i = 0; i < 2000; ++i) {
+        QByteArrayList fields{"first"};
+        for (int k = random.below(4); k > 0; --k) {
+            QByteArray field;
+            for (int n = random.below(6); n > 0; --n)
+                field += "a,\"\n\r;"[random.below(6)];
+            fields += field;
+        }
+        const auto records = csv::records(csv::line(fields) + csv::line({"end"}));
+        QCOMPARE(static_cast<int>(records.size()), 2);
+        QCOMPARE(records.front().fields, fields);
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_Csv)
