@@ -1,0 +1,107 @@
+#include "batch/JobData.h"
+#include "examples/MapSample.h"
+#include "examples/MixedSampleFiles.h"
+#include "examples/StackFiles.h"
+#include "formats/StackMaps.h"
+#include "formats/StackProcess.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QTemporaryDir>
+
+#include <array>
+
+namespace
+{
+
+constexpr int side = 2048;
+
+/// A stack of four frames of 16 bits with flats and dark, in the layouts that are measured.
+struct Layout {
+    const char* name;
+    const char* keys; ///< of its [[map]]
+};
+constexpr std::array<Layout, 4> layouts{
+    {{"img", "stack = \"scan.dat\"\nreference = \"scan.dat.ref\"\n"},
+     {"his", "stack = \"scan.his\"\nenergies = \"scan.his.txt\"\nflat = \"scan.his.flat\"\ndark = "
+             "\"scan.his.dark\"\n"},
+     {"tiff", "stack = \"pages.tif\"\nvalues = \"counts\"\nflat = \"pages-flat.tif\"\ndark = "
+              "\"pages-dark.tif\"\n"},
+     {"exchange", "stack = \"exchange.h5\"\n"}}};
+
+/// The files, in memory, as a page cache has them.
+class Files
+{
+public:
+    Files() : m_dir(QStringLiteral("/dev/shm/stacks-XXXXXX"))
+    {
+        MapSample map;
+        map.columns = map.rows = side;
+        if (!writeStackExample(m_dir.path(), map).isEmpty())
+            qFatal("no place for the files");
+        setStackProgram(QStringLiteral(STACK_PROGRAM));
+    }
+
+    Job job(const Layout& layout) const
+    {
+        const QByteArray text =
+            "[files]\nref1 = \"ref1.dat\"\nref2 = \"ref2.dat\"\nblank = \"blank.dat\"\n"
+            "[conditions]\nthickness = \"sum-by-sum\"\nreferences_minus_victreen = false\n"
+            "[output]\nfolder = \"out\"\n[[point]]\nenergy = 8313\n[[point]]\nenergy = 8381\n"
+            "[[point]]\nenergy = 8390\nv_point = true\n[[point]]\nenergy = 8404.5\n"
+            "[[map]]\nname = \"m\"\n" +
+            QByteArray(layout.keys);
+        JobError error;
+        const auto job = parseJob(text, m_dir.path(), error);
+        if (!job)
+            qFatal("%s", qPrintable(errorText(QStringLiteral("job"), error)));
+        return *job;
+    }
+
+private:
+    QTemporaryDir m_dir;
+};
+
+/// From the files to a and t/ts of every pixel in memory.
+void mapOfStack(benchmark::State& state)
+{
+    static const Files files;
+    const Layout& layout = layouts[static_cast<std::size_t>(state.range(0))];
+    const Job job = files.job(layout);
+    JobError error;
+    const auto common = readJobData(job, error);
+    const JobStack& given = *job.maps.front().stack;
+    Workers workers(2);
+    std::size_t pixels = 0;
+    for (auto _ : state) {
+        FileFault fault;
+        const std::unique_ptr<Stack> stack = openStack(given.source, fault);
+        std::vector<MapData> images;
+        if (!stack || stackMaps(*stack, given.source.path, mapEnergies(), {}, images, workers))
+            qFatal("%s cannot be read", layout.name);
+        std::vector<MapSource> sources(common->input.table.size());
+        for (std::size_t i = 0; i < images.size(); ++i)
+            sources[i] = images[i].source();
+        MapResults results;
+        HistogramCounts valence;
+        HistogramCounts thickness;
+        const Settings& settings = common->settings;
+        mapResult(common->input, sources, results,
+                  {valence, thickness, settings.valenceHistogram, settings.thicknessHistogram,
+                   settings.valences},
+                  workers);
+        pixels = results.size();
+    }
+    if (pixels != std::size_t{side} * side)
+        state.SkipWithError("pixels are missing");
+    state.SetLabel(layout.name);
+}
+BENCHMARK(mapOfStack)
+    ->DenseRange(0, 3)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();
