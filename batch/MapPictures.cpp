@@ -1,6 +1,7 @@
 #include "batch/MapPictures.h"
 
 #include "batch/MapReadOut.h"
+#include "batch/SigmaPixels.h"
 #include "results/HistogramGraph.h"
 #include "results/MapPicture.h"
 #include "results/ThicknessGraph.h"
@@ -10,6 +11,7 @@
 #include <QPainter>
 
 #include <array>
+#include <optional>
 
 namespace
 {
@@ -39,19 +41,44 @@ public:
                    boxes(input.thicknessHistogram, input.thicknessSettings)},
           m_xRange(ends(input.valenceSettings)), m_yRange(ends(input.thicknessSettings))
     {
+        if (input.sigmas != nullptr)
+            m_sigmas.emplace(m_pixels, *input.sigmas);
     }
 
     QImage map(MapQuantity quantity) const
     {
+        return painted(m_pixels, quantity, m_ranges, m_captions);
+    }
+
+    /// Without pixels whose valence means nothing.
+    QImage masked() const
+    {
+        MapPixels pixels = m_pixels;
+        pixels.meaningless = m_sigmas->meaningless();
+        return painted(pixels, MapQuantity::Valence, m_ranges, m_captions);
+    }
+
+    /// Standard deviations.
+    QImage sigma(MapQuantity quantity) const
+    {
+        MapCaptions captions = m_captions;
+        captions.valence = m_words("σ of the valence");
+        captions.thickness = m_words("σ of t/ts");
+        return painted(m_sigmas->pixels(), quantity, m_sigmas->ranges(), captions);
+    }
+
+    QImage painted(const MapPixels& pixels, MapQuantity quantity, const MapRanges& ranges,
+                   const MapCaptions& captions) const
+    {
         MapPicture picture;
-        picture.setMap(m_pixels, m_grid, quantity, m_ranges);
+        picture.setMap(pixels, m_grid, quantity, ranges);
         const QFont font;
-        QImage image(picture.goodSize(font, m_captions), QImage::Format_RGB32);
+        QImage image(picture.goodSize(font, captions), QImage::Format_RGB32);
         GraphFrame frame;
         frame.begin(image.width(), image.height());
         QPainter painter(&image);
         painter.setFont(font);
-        picture.draw(painter, frame, m_captions);
+        picture.draw(painter, frame, captions);
         painter.end();
         image.setText(QString::fromLatin1(plotAreaKey), plotAreaText(frame.coord, image.size()));
         return image;
@@ -94,15 +121,17 @@ private:
     MapRanges m_ranges;
     AxisEnds m_xRange; ///< of the graphs, as in the window
     AxisEnds m_yRange;
+    std::optional<SigmaPixels> m_sigmas;
 };
 
 struct Kind {
     const char* name;
     bool ofThickness;
     QImage (*paint)(const MapPainter&);
+    bool ofSigmas = false;
 };
 
-constexpr std::array<Kind, 6> kinds{{
+constexpr std::array<Kind, 9> kinds{{
     {"valence", false, [](const MapPainter& map) { return map.map(MapQuantity::Valence); }},
     {"thickness", true, [](const MapPainter& map) { return map.map(MapQuantity::Thickness); }},
     {"valence-by-thickness", true,
@@ -110,6 +139,11 @@ constexpr std::array<Kind, 6> kinds{{
     {"histogram-valence", false, [](const MapPainter& map) { return map.valenceHistogram(); }},
     {"histogram-thickness", true, [](const MapPainter& map) { return map.thicknessHistogram(); }},
     {"t-a", true, [](const MapPainter& map) { return map.cloud(); }},
+    {"valence-masked", false, [](const MapPainter& map) { return map.masked(); }, true},
+    {"sigma-valence", false, [](const MapPainter& map) { return map.sigma(MapQuantity::Valence); },
+     true},
+    {"sigma-thickness", true,
+     [](const MapPainter& map) { return map.sigma(MapQuantity::Thickness); }, true},
 }};
 
 } // namespace
@@ -132,6 +166,7 @@ MapCaptions mapCaptions(const OutputWords& words, const QString& title)
     captions.second = words("Position 2 (units of the stage)");
     captions.column = words("Column");
     captions.row = words("Row");
+    captions.meaningless = words("valence means nothing: %1");
     return captions;
 }
 
@@ -165,7 +200,8 @@ PictureFiles drawMapPictures(const QString& folder, const QString& name,
     const MapPainter painter(name, input, language);
     std::array<PictureFiles, kinds.size()> files;
     workers.run(kinds.size(), [&](std::size_t i, unsigned) {
-        if (kinds[i].ofThickness && !input.hasThickness)
+        if ((kinds[i].ofThickness && !input.hasThickness) ||
+            (kinds[i].ofSigmas && input.sigmas == nullptr))
             return;
         const QImage image = kinds[i].paint(painter);
         if (!image.isNull())

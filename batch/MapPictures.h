@@ -22,13 +22,17 @@ struct MapPictureInput {
     ReferenceValences valences;
     bool hasThickness = true;               ///< false for the three-point method
     const MissingPixels* missing = nullptr; ///< of the results
+    const MapSigmas* sigmas = nullptr;      ///< of the results, where they are known
 };
 
 /// Paints the pictures of a map as NAME-valence.png, NAME-thickness.png,
 /// NAME-valence-by-thickness.png, NAME-histogram-valence.png, NAME-histogram-thickness.png and
 /// NAME-t-a.png, each written beside its place and renamed; without thickness only the first and
-/// the fourth. The colours span the boxes of the histograms. Needs a QGuiApplication (see
-/// batch/PictureApplication.h); may be called from any thread.
+/// the fourth. Where the standard deviations are known, there are also NAME-valence-masked.png,
+/// NAME-sigma-valence.png and, with thickness, NAME-sigma-thickness.png, in which pixels whose
+/// valence means nothing have a colour of their own; their colours go from 0 to a round number that
+/// 95 % of the others do not reach. The colours of the rest span the boxes of the histograms. Needs
+/// a QGuiApplication (see batch/PictureApplication.h); may be called from any thread.
 /// @param folder    is made if need be
 /// @param name      may stand in a file's name
 /// @param language  "en" or "ja"

@@ -167,7 +167,8 @@ void MapAnalysis::drawPictures()
                                 settings.thicknessHistogram,
                                 settings.valences,
                                 hasThickness(),
-                                &*m_missing};
+                                &*m_missing,
+                                m_sigmas ? &*m_sigmas : nullptr};
     const PictureFiles pictures =
         drawMapPictures(mapFolder(m_job, m_map), m_map.name, input, languageName(m_job), m_workers);
     for (const QString& path : pictures.written)

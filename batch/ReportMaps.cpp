@@ -26,6 +26,13 @@ struct Caption {
 };
 
 constexpr Caption captions[] = {
+    {"-valence-masked.png",
+     QT_TRANSLATE_NOOP("Output", "Map of valences that mean something: dark red where t/ts is not "
+                                 "known to a third")},
+    {"-sigma-valence.png",
+     QT_TRANSLATE_NOOP("Output", "Standard deviation of each pixel's valence, by counting alone")},
+    {"-sigma-thickness.png",
+     QT_TRANSLATE_NOOP("Output", "Standard deviation of each pixel's t/ts, by counting alone")},
     {"-valence-by-thickness.png",
      QT_TRANSLATE_NOOP("Output", "Valence by thickness: thin pixels are pale")},
     {"-histogram-valence.png", QT_TRANSLATE_NOOP("Output", "Histogram of valences")},

@@ -503,5 +503,29 @@
         <source>± (references)</source>
         <translation>±（参照試料）</translation>
     </message>
+    <message>
+        <source>σ of the valence</source>
+        <translation>価数の σ</translation>
+    </message>
+    <message>
+        <source>σ of t/ts</source>
+        <translation>t/ts の σ</translation>
+    </message>
+    <message>
+        <source>valence means nothing: %1</source>
+        <translation>価数に意味なし: %1</translation>
+    </message>
+    <message>
+        <source>Map of valences that mean something: dark red where t/ts is not known to a third</source>
+        <translation>意味のある価数のマップ: t/ts が 3 分の 1 の精度でわからない画素は暗い赤</translation>
+    </message>
+    <message>
+        <source>Standard deviation of each pixel's valence, by counting alone</source>
+        <translation>画素ごとの価数の標準偏差 (計数のみ)</translation>
+    </message>
+    <message>
+        <source>Standard deviation of each pixel's t/ts, by counting alone</source>
+        <translation>画素ごとの t/ts の標準偏差 (計数のみ)</translation>
+    </message>
 </context>
 </TS>

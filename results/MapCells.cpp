@@ -10,8 +10,9 @@ using MapColours::Code;
 
 // Neither in the colour map nor in its fadings: told apart from them, and from one another, by
 // normal eyes and by those that lack a pigment.
-constexpr QRgb belowColour = 0xff5ac8ff; // light blue
-constexpr QRgb aboveColour = 0xffff3b1f; // red
+constexpr QRgb belowColour = 0xff5ac8ff;       // light blue
+constexpr QRgb aboveColour = 0xffff3b1f;       // red
+constexpr QRgb meaninglessColour = 0xff660000; // dark red
 constexpr QRgb paperColour = 0xffffffff;
 constexpr QRgb lightGrey = 0xffc8c8c8;
 constexpr QRgb darkGrey = 0xff7f7f7f;
@@ -32,6 +33,7 @@ std::vector<QRgb> makeTable(MapQuantity quantity)
                 qRgb(faded(qRed(full), strength), faded(qGreen(full), strength),
                      faded(qBlue(full), strength));
         }
+    colours[MapColours::meaningless] = meaninglessColour;
     colours[MapColours::below] = belowColour;
     colours[MapColours::above] = aboveColour;
     colours[MapColours::missing] = MapColours::missingColour(quantity);
@@ -54,6 +56,8 @@ public:
               ordered(quantity == MapQuantity::Thickness ? ranges.thickness : ranges.valence)),
           m_strengths(ordered(ranges.thickness))
     {
+        if (pixels.meaningless != nullptr)
+            counts.meaningless = 0;
     }
 
     Code operator()(std::size_t i)
@@ -61,6 +65,8 @@ public:
         const double t = m_pixels.t[i];
         const double value = m_quantity == MapQuantity::Thickness ? t : m_pixels.valence(i);
         const bool fades = m_quantity == MapQuantity::ValenceByThickness;
+        if (counts.meaningless && m_pixels.isMeasured(i) && m_pixels.meaningless[i])
+            return counted(MapColours::meaningless, *counts.meaningless);
         if (!m_pixels.isMeasured(i) || !std::isfinite(value) || (fades && !std::isfinite(t)))
             return counted(MapColours::missing, counts.missing);
         if (value < m_colours.from)

@@ -5,6 +5,7 @@
 #include "results/MapGrid.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 /// What a picture shows in colours.
@@ -27,6 +28,7 @@ struct MapCounts {
     std::size_t above = 0;
     std::size_t thinner = 0; ///< than the range of the strengths, shown as its end
     std::size_t thicker = 0;
+    std::optional<std::size_t> meaningless; ///< the valence means nothing; where that is known
 };
 
 /// Colours of a picture, as codes of 16 bits: 256 colours of the map at 64 strengths, and codes of
@@ -36,6 +38,7 @@ namespace MapColours
 using Code = std::uint16_t;
 
 constexpr int strengths = 64;
+constexpr Code meaningless = 0xfffb;
 constexpr Code below = 0xfffc;
 constexpr Code above = 0xfffd;
 constexpr Code nothing = 0xfffe; ///< no pixel lies there

@@ -18,6 +18,8 @@ struct MapPixels {
     ReferenceValences valences;
     /// Which pixels have no result, where more is known than by the positions and the numbers.
     const MissingPixels* missing = nullptr;
+    /// Which pixels have a valence that means nothing [columns * rows]; null where nobody knows.
+    const bool* meaningless = nullptr;
 
     std::size_t size() const
     {

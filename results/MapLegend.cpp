@@ -131,6 +131,9 @@ QVector<LegendEntry> countEntries(const MapCaptions& captions, const MapCounts& 
          MapColours::table(quantity)[MapColours::below]},
         {captions.above.arg(number(std::max(range.from, range.to))).arg(counts.above),
          MapColours::table(quantity)[MapColours::above]}};
+    if (counts.meaningless)
+        entries.append({captions.meaningless.arg(*counts.meaningless),
+                        MapColours::table(quantity)[MapColours::meaningless]});
     if (quantity != MapQuantity::ValenceByThickness)
         return entries;
     const AxisEnds& strengths = ranges.thickness;

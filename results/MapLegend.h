@@ -26,6 +26,7 @@ struct MapCaptions {
     QString second;
     QString column; ///< titles of the axes where positions are of no use
     QString row;
+    QString meaningless; ///< "means nothing: %1"
 };
 
 /// An entry under the map: a text, with a square of the colour that it is about.

@@ -100,6 +100,8 @@ private slots:
     void allPicturesAreWritten();
     void withoutThicknessTwoArePainted();
     void coloursAreAtTheirPositions();
+    void deviationsHaveTheirPictures();
+    void picturesStayWithoutDeviations();
     void picturesAreTheSameForAnyThreads();
     void aFolderThatCannotBeMadeIsTold();
     void readOutHasEachPixelOfASmallMap();
@@ -152,6 +154,68 @@ void TestMapPictures::coloursAreAtTheirPositions()
     QCOMPARE(at(paths[0], 5.0, 0.0), qRgb(200, 200, 200));
     QCOMPARE(at(paths[1], 5.5, 0.5 * 2), qRgb(33, 145, 140));
     QCOMPARE(at(paths[2], 5.0, 0.0), qRgb(127, 127, 127));
+}
+
+/// Deviations of the valence of 0.01, where t/ts is 0.25 those of 0.1 of t/ts, which says nothing
+/// of the valence; elsewhere t/ts has 0.02, but for a pixel with 0.09.
+void TestMapPictures::deviationsHaveTheirPictures()
+{
+    const QTemporaryDir folder;
+    const Sample sample(6, 4);
+    MapSigmas sigmas;
+    QVERIFY(sigmas.a.resize(24) && sigmas.t.resize(24));
+    for (std::size_t i = 0; i < 24; ++i) {
+        sigmas.a[i] = 0.01F;
+        sigmas.t[i] = i / 6 == 1 ? 0.1F : 0.02F;
+    }
+    sigmas.t[23] = 0.09F;
+    MapPictureInput input = sample.input();
+    input.sigmas = &sigmas;
+    Workers workers(2);
+    const QStringList paths =
+        drawMapPictures(folder.path(), QStringLiteral("a"), input, QStringLiteral("en"), workers)
+            .written;
+    QCOMPARE(names(paths.mid(6)).join(QLatin1Char(' ')),
+             QStringLiteral("a-valence-masked.png a-sigma-valence.png a-sigma-thickness.png"));
+    constexpr QRgb meaningless = 0xff660000;
+    constexpr QRgb missing = 0xffc8c8c8;
+    constexpr QRgb above = 0xffff3b1f;
+    for (const QString& path : paths.mid(6)) {
+        QCOMPARE(at(path, 6.0, 0.5), meaningless);
+        QCOMPARE(at(path, 6.5, 0.0), meaningless); // t/ts is 0
+        QCOMPARE(at(path, 5.0, 0.0), missing);
+        QVERIFY(at(path, 6.0, 1.0) != meaningless);
+    }
+    // The masked map has the colours of the map; the bars end at 0.01 and 0.02.
+    QCOMPARE(at(paths[6], 6.0, 1.0), at(paths[0], 6.0, 1.0));
+    QCOMPARE(at(paths[7], 6.0, 1.0), viridis()[255]);
+    QCOMPARE(at(paths[8], 6.0, 1.0), viridis()[255]);
+    QCOMPARE(at(paths[8], 7.5, 1.5), above);
+}
+
+/// Byte by byte: what is known besides changes no picture of the results.
+void TestMapPictures::picturesStayWithoutDeviations()
+{
+    const QTemporaryDir folder;
+    const Sample sample(6, 4);
+    MapSigmas sigmas;
+    QVERIFY(sigmas.a.resize(24) && sigmas.t.resize(24));
+    std::fill(sigmas.a.begin(), sigmas.a.end(), 0.01F);
+    std::fill(sigmas.t.begin(), sigmas.t.end(), 0.01F);
+    MapPictureInput input = sample.input();
+    Workers workers(2);
+    const auto draw = [&](const char* name) {
+        drawMapPictures(folder.filePath(QLatin1String(name)), QStringLiteral("a"), input,
+                        QStringLiteral("en"), workers);
+        return contents(folder.filePath(QLatin1String(name)));
+    };
+    const QMap<QString, QByteArray> without = draw("without");
+    input.sigmas = &sigmas;
+    const QMap<QString, QByteArray> with = draw("with");
+    QCOMPARE(without.size(), 6);
+    QCOMPARE(with.size(), 9);
+    for (auto file = without.begin(); file != without.end(); ++file)
+        QVERIFY(with[file.key()] == file.value());
 }
 
 void TestMapPictures::picturesAreTheSameForAnyThreads()
@@ -258,10 +322,10 @@ void TestMapPictures::mapOfAJobHasItsPictures_data()
     QTest::addColumn<QByteArray>("output");
     QTest::addColumn<int>("points");
     QTest::addColumn<int>("files");
-    QTest::newRow("pictures") << QByteArray("pictures = true") << 4 << 1 + 2 + 6;
-    QTest::newRow("pictures alone") << QByteArray("pictures = true\nmap_files = false") << 4 << 6;
-    QTest::newRow("three points") << QByteArray("pictures = true") << 3 << 1 + 2 + 2;
-    QTest::newRow("report") << QByteArray("pictures = false") << 4 << 1 + 2 + 6;
+    QTest::newRow("pictures") << QByteArray("pictures = true") << 4 << 1 + 2 + 9;
+    QTest::newRow("pictures alone") << QByteArray("pictures = true\nmap_files = false") << 4 << 9;
+    QTest::newRow("three points") << QByteArray("pictures = true") << 3 << 1 + 2 + 4;
+    QTest::newRow("report") << QByteArray("pictures = false") << 4 << 1 + 2 + 9;
     QTest::newRow("none") << QByteArray("pictures = false\nreport = false") << 4 << 1 + 2;
 }
 

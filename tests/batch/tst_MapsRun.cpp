@@ -377,10 +377,11 @@ void tst_MapsRun::picturesOfTheMap()
     QCOMPARE(made.drawsMaps(), pictures || report);
     const MapOutcome outcome = analysed(made);
     QStringList expected;
-    for (const char* name : {"valence", "thickness", "valence-by-thickness", "histogram-valence",
-                             "histogram-thickness", "t-a"}) {
-        const bool withoutThickness =
-            QByteArray(name).endsWith("valence") && !QByteArray(name).contains("thickness");
+    for (const char* name :
+         {"valence", "thickness", "valence-by-thickness", "histogram-valence",
+          "histogram-thickness", "t-a", "valence-masked", "sigma-valence", "sigma-thickness"}) {
+        const QByteArray kind = name;
+        const bool withoutThickness = kind != "t-a" && !kind.contains("thickness");
         if ((pictures || report) && (!three || withoutThickness))
             expected +=
                 in("results/maps/area 1/area 1-") + QLatin1String(name) + QStringLiteral(".png");
@@ -401,7 +402,7 @@ void tst_MapsRun::pictureThatCannotBeWritten()
     const MapOutcome outcome = analysed(made);
     QVERIFY(outcome.fileFailed);
     QCOMPARE(outcome.failure, QStringLiteral("Can't write the file [%1]").arg(picture));
-    QCOMPARE(outcome.files.size(), 3 + 5);
+    QCOMPARE(outcome.files.size(), 3 + 8);
     QCOMPARE(outcome.row.refusal, QString());
 }
 
