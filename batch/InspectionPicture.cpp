@@ -65,11 +65,11 @@ QImage spectrumOf(const FittedSpectrum& spectrum, bool isMut, const OutputWords&
     constexpr const char* selector = "AXafsFileSelect";
     PreviewCaptions captions;
     QString values = QStringLiteral("numbers");
-    if (isMut) {
+    if (isMut)
+        values = words.ofWindow(selector, "mut");
+    if (isMut && std::isfinite(spectrum.edgeJump()) && std::isfinite(spectrum.edgeJumpNoC()))
         captions = {words.ofWindow(selector, "Edge Jump(1) : %1"),
                     words.ofWindow(selector, "Edge Jump(2) : %1")};
-        values = words.ofWindow(selector, "mut");
-    }
     return graphPicture(words.ofWindow(selector, "Eng.[eV]"), values,
                         [&](QPainter& painter, GraphFrame& frame) {
                             drawSpectrumPreview(painter, frame, &spectrum, captions);

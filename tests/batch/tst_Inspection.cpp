@@ -39,6 +39,8 @@ private slots:
     void pictures();
     void program();
     void pictureReplacesNothing();
+    void guide_data();
+    void guide();
 
 private:
     QString file(const char* name) const { return m_dir.filePath(QString::fromUtf8(name)); }
@@ -484,6 +486,33 @@ void tst_Inspection::pictureReplacesNothing()
                              QStringLiteral("--picture"), QStringLiteral("/proc/nowhere/x.png")});
     QCOMPARE(nowhere.status, 3);
     QCOMPARE(nowhere.errors, QByteArray("/proc/nowhere/x.png: cannot be written\n"));
+}
+
+void tst_Inspection::guide_data()
+{
+    QTest::addColumn<QString>("page");
+    for (const char* const language : {"en", "ja"})
+        QTest::newRow(language)
+            << QStringLiteral(DOCS_FOLDER "/%1/formats.md").arg(QLatin1String(language));
+}
+
+/// What the guide shows is what the program says of the examples.
+void tst_Inspection::guide()
+{
+    QFETCH(QString, page);
+    const QString text = QString::fromUtf8(contents(page));
+    const QString command = QStringLiteral("    $ drovik-batch --inspect ");
+    int shown = 0;
+    for (int at = text.indexOf(command); at >= 0; at = text.indexOf(command, at + 1), ++shown) {
+        QStringList lines =
+            text.mid(at, text.indexOf(QStringLiteral("\n\n"), at) - at).split(QLatin1Char('\n'));
+        const QString name = lines.takeFirst().mid(command.size());
+        for (QString& line : lines)
+            line.remove(0, 4);
+        QCOMPARE(lines.join(QLatin1Char('\n')) + QLatin1Char('\n'),
+                 textOf(QStringLiteral(EXAMPLES "/") + name));
+    }
+    QCOMPARE(shown, 2);
 }
 
 QTEST_MAIN(tst_Inspection)
