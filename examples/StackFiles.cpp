@@ -349,7 +349,7 @@ QString writeStackExample(const QString& folder, const MapSample& map)
                                                     {"pages.tif", writeTiffStack},
                                                     {"scan.dat", writeImgStack},
                                                     {"scan.his", writeHisStack}}) {
-        const QString path = place.filePath(QLatin1String(name));
+        QString path = place.filePath(QLatin1String(name));
         if (!write(path, stack))
             return path;
     }

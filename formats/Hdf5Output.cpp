@@ -62,6 +62,7 @@ void putAttribute(hid_t owner, const std::string& name, hid_t type,
 std::vector<const char*> pointersTo(const std::vector<std::string>& texts)
 {
     std::vector<const char*> pointers;
+    pointers.reserve(texts.size());
     for (const std::string& text : texts)
         pointers.push_back(text.c_str());
     return pointers;

@@ -40,6 +40,15 @@ double* putPositions(double* to, const ResultImages& map)
     return to;
 }
 
+/// Values of all images, each with its standard deviations behind it where they are known.
+void putImages(double* to, const ResultImages& map)
+{
+    for (const ResultImage& image : map.images)
+        for (const auto* const numbers : {&image.value, &image.sigma})
+            for (std::size_t i = 0; *numbers && i < map.size(); ++i)
+                *to++ = (*numbers)(i);
+}
+
 bool rises(const std::vector<double>& axis)
 {
     for (std::size_t i = 1; i < axis.size(); ++i)
@@ -110,11 +119,7 @@ WriteOutcome writeHdf5(const QString& path, const ResultImages& map)
     const PixelMemory pixels((places + images * map.size()) * sizeof(double));
     if (!pixels.isThere())
         return WriteOutcome::CannotWrite;
-    double* to = SharedPixels::doublesAt(pixels.data());
-    to = axes ? put(put(to, axes->x), axes->y) : putPositions(to, map);
-    for (const ResultImage& image : map.images)
-        for (const auto* const numbers : {&image.value, &image.sigma})
-            for (std::size_t i = 0; *numbers && i < map.size(); ++i)
-                *to++ = (*numbers)(i);
+    double* const to = SharedPixels::doublesAt(pixels.data());
+    putImages(axes ? put(put(to, axes->x), axes->y) : putPositions(to, map), map);
     return writeByStackProcess(path, std::move(words), pixels);
 }
