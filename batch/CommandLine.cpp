@@ -26,7 +26,7 @@ void describe(QCommandLineParser& parser)
         option("watch", "Goes on with new files of the job, until a signal ends it."),
         option("rank", "Prints which energies to measure, the best first, from the references."),
         option("inspect", "Tells what a file holds: format, energies, size, noise, edge.", "FILE"),
-        option("picture", "With --inspect: draws it.", "FILE.png"),
+        option("picture", "With --inspect: draws it. With --rank: draws the choice.", "FILE.png"),
         option("convert", "Writes what the job reads as the window reads it, and a job for it."),
         option("to", "With --convert: the folder.", "FOLDER"),
         option("show", "Opens the job in the window."),
@@ -99,8 +99,8 @@ QString readCommandLine(QCommandLineParser& parser, CommandLine& asked)
     asked.to = parser.value(QStringLiteral("to"));
     if (asked.convert == asked.to.isEmpty())
         return QStringLiteral("--convert and --to FOLDER go together.");
-    if (isSet("picture") && !isSet("inspect"))
-        return QStringLiteral("--picture goes with --inspect.");
+    if (isSet("picture") && !isSet("inspect") && !asked.rank)
+        return QStringLiteral("--picture goes with --inspect or --rank.");
     asked.names = parser.positionalArguments();
     asked.job = asked.names.value(0);
     if (isSet("inspect"))

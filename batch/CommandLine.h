@@ -18,7 +18,7 @@ struct CommandLine {
     bool convert = false;
     QString to;        ///< folder of the conversion
     QString inspect;   ///< path of a file
-    QString picture;   ///< of it
+    QString picture;   ///< of it, or of ranked energies
     QString replay;    ///< path of a record
     QStringList names; ///< all that is no option
     QString job;

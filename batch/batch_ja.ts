@@ -527,5 +527,37 @@
         <source>Standard deviation of each pixel's t/ts, by counting alone</source>
         <translation>画素ごとの t/ts の標準偏差 (計数のみ)</translation>
     </message>
+    <message>
+        <source>V point %1</source>
+        <translation>V 点 %1</translation>
+    </message>
+    <message>
+        <source>Energy (eV)</source>
+        <translation>エネルギー (eV)</translation>
+    </message>
+    <message>
+        <source>mu-t, normalized</source>
+        <translation>規格化した μt</translation>
+    </message>
+    <message>
+        <source>standard deviation of the valence at a = 1/2, by counting</source>
+        <translation>a = 1/2 での価数の標準偏差 (計数)</translation>
+    </message>
+    <message>
+        <source>change of the valence for 0.1 eV</source>
+        <translation>0.1 eV による価数の変化</translation>
+    </message>
+    <message>
+        <source>the best, drawn above</source>
+        <translation>最良 (上の図)</translation>
+    </message>
+    <message>
+        <source>front: beaten by none in both</source>
+        <translation>両方で上回るものがない選び方</translation>
+    </message>
+    <message>
+        <source>other choices</source>
+        <translation>ほかの選び方</translation>
+    </message>
 </context>
 </TS>

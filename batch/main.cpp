@@ -6,7 +6,7 @@
 #include "batch/JobRun.h"
 #include "batch/Merge.h"
 #include "batch/PictureApplication.h"
-#include "batch/RankTable.h"
+#include "batch/RankJob.h"
 #include "batch/Replay.h"
 #include "batch/ResultPath.h"
 #include "batch/ShowJob.h"
@@ -63,29 +63,6 @@ int analyseOne(const QString& path, const Job& job, bool checkOnly)
     return report(path, job, runJob(job, *data));
 }
 
-int rankJob(const QString& path, const Job& job)
-{
-    Job references = job; // no target is needed
-    references.spectra[SpectrumSet::Target] = {};
-    references.targets.clear();
-    references.maps.clear();
-    if (references.points)
-        for (JobPoint& point : *references.points)
-            point.map = {};
-    JobError error;
-    const std::optional<JobData> data = readJobData(references, error);
-    if (!data)
-        return complain(errorText(path, error));
-    const std::vector<RankedChoice> ranked = rankEnergies(data->input, rankedTargetOf(job));
-    if (ranked.empty())
-        return complain(QStringLiteral("No energies were found: the references need common "
-                                       "energies below the edge, and two crossings above it."),
-                        ExitStatus::SomeRefused);
-    if (!console::print(rankTable(ranked, data->settings.valences)))
-        return complain(QStringLiteral("The table cannot be written."), ExitStatus::FileFailed);
-    return static_cast<int>(ExitStatus::Done);
-}
-
 /// @param application  of the program; may be replaced by one that paints
 int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
 {
@@ -120,12 +97,12 @@ int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
         return static_cast<int>(convertJob(options.job, *job, options.to, options.run.quiet));
     if (options.show)
         return complain(showJob(options.job));
-    if (options.rank)
-        return rankJob(options.job, *job);
-    if (job->paints()) {
+    if (job->paints() || !options.picture.isEmpty()) {
         application.reset();
         application = pictureApplication(argc, argv);
     }
+    if (options.rank)
+        return static_cast<int>(rankJob(options.job, *job, options.picture));
     if (options.merge && !job->output.path.isEmpty())
         return mergeShards(options.job, *text, *job, options.run);
     if (!job->output.path.isEmpty())

@@ -466,7 +466,7 @@ void tst_Inspection::program()
     QCOMPARE(run({QStringLiteral("--inspect"), bad, bad}).errors,
              QByteArray("--inspect takes one file.\n"));
     QCOMPARE(run({QStringLiteral("--picture"), bad, bad}).errors,
-             QByteArray("--picture goes with --inspect.\n"));
+             QByteArray("--picture goes with --inspect or --rank.\n"));
     QCOMPARE(run({QStringLiteral("--inspect"), m_dir.path()}).errors,
              m_dir.path().toUtf8() + ": cannot be opened: it is a folder\n");
 }

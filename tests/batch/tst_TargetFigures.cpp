@@ -5,6 +5,8 @@
 #include "tests/support/Files.h"
 
 #include <QDir>
+#include <QFileInfo>
+#include <QImage>
 #include <QtTest>
 
 #include <cmath>
@@ -54,6 +56,8 @@ private slots:
     void keysAreChecked_data();
     void keysAreChecked();
     void energiesAreRanked();
+    void rankedEnergiesAreDrawn();
+    void pictureReplacesNoInput();
     void rankingNeedsReferences();
 };
 
@@ -294,6 +298,50 @@ void tst_TargetFigures::energiesAreRanked()
     const auto more = firstRow(m_folder.run({QStringLiteral("--rank")}).text);
     QCOMPARE(more["points"], best["points"]);
     QVERIFY(near(2.0 * more["sigma_a_half"].toDouble(), best["sigma_a_half"].toDouble()));
+}
+
+/// In the language of the job; the best choice is a dot of its own in both.
+void tst_TargetFigures::rankedEnergiesAreDrawn()
+{
+    QVector<QImage> images;
+    for (const QByteArray& language : {QByteArray("en"), QByteArray("ja")}) {
+        m_folder.writeJob(
+            "[conditions]\nthickness = \"sum-by-sum\"\nreferences_minus_victreen = false\n");
+        QByteArray job = contents(m_folder.file("job.toml"));
+        job.replace("[output]\n", "[output]\nlanguage = \"" + language + "\"\n");
+        m_folder.write("job.toml", job);
+        const QString picture = m_folder.file(QString::fromLatin1("rank-" + language + ".png"));
+        const BatchOutput output =
+            m_folder.run({QStringLiteral("--rank"), QStringLiteral("--picture"), picture});
+        QCOMPARE(output.errors, QString());
+        QCOMPARE(output.status, 0);
+        QVERIFY(output.text.startsWith("rank,v,points,"));
+        images.append(QImage(picture));
+        QCOMPARE(images.last().size(), QSize(900, 900));
+        int best = 0;
+        for (int y = 470; y < 830; ++y)
+            for (int x = 80; x < 540; ++x) // beside the legend
+                best += images.last().pixel(x, y) == qRgb(138, 28, 0) ? 1 : 0;
+        QVERIFY2(best > 60 && best < 300, qPrintable(QString::number(best)));
+    }
+    QVERIFY(images[0] != images[1]);
+    QVERIFY(!QFileInfo::exists(m_folder.file("out")));
+}
+
+void tst_TargetFigures::pictureReplacesNoInput()
+{
+    m_folder.writeJob();
+    for (const char* name : {"ref1.dat", "job.toml", "scans/35.dat"}) {
+        const QByteArray before = contents(m_folder.file(name));
+        QVERIFY(!before.isEmpty());
+        const BatchOutput output = m_folder.run(
+            {QStringLiteral("--rank"), QStringLiteral("--picture"), QString::fromUtf8(name)});
+        QCOMPARE(output.status, 2);
+        QCOMPARE(output.text, QByteArray());
+        QCOMPARE(output.errors, QLatin1String(name) +
+                                    QStringLiteral(": would be written over what the job reads\n"));
+        QCOMPARE(contents(m_folder.file(name)), before);
+    }
 }
 
 void tst_TargetFigures::rankingNeedsReferences()
