@@ -13,9 +13,6 @@
 namespace
 {
 
-/// So much of a text shows what it is.
-constexpr std::int64_t headBytes = 1 << 16;
-
 using namespace std::string_view_literals;
 
 bool beginsWith(std::string_view text, std::string_view beginning)

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <cstdint>
+
 class ByteSource;
 
 /// What a file is by its content.
@@ -23,6 +25,9 @@ enum class FileKind {
     AthenaProject,
     Compressed,
 };
+
+/// So much of a text shows what it is, bytes.
+constexpr std::int64_t headBytes = 1 << 16;
 
 /// Recognises a file from its first bytes; reads no more than its beginning and the places where
 /// a signature may stand. A file that cannot be read is Unknown.

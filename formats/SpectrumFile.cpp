@@ -24,7 +24,6 @@ Outcome fault(const QString& reason, int line = 0)
 /// the fifth are taken for I0 and I, whatever it says.
 QString modeWarning(const ByteSource& file)
 {
-    constexpr std::int64_t headBytes = 1 << 16;
     constexpr std::size_t modeTokens = 5;
     constexpr std::size_t incident = 3;
     constexpr std::size_t transmitted = 4;

@@ -1,5 +1,6 @@
 #include "formats/StackEnergies.h"
 
+#include "formats/AssumedUnit.h"
 #include "formats/TextTable.h"
 
 #include <algorithm>
@@ -7,9 +8,6 @@
 
 namespace
 {
-
-/// Energies of X-rays in keV are below, in eV above.
-constexpr double largestKiloElectronVolt = 100.0;
 
 /// Energies nearer to one another are the same: those of angles are rounded.
 constexpr double sameEnergy = 1e-4; // eV
@@ -74,9 +72,8 @@ std::optional<QString> toElectronVolt(std::vector<double>& energies, const QStri
     }
     bool kilo = unit.compare(QLatin1String("keV"), Qt::CaseInsensitive) == 0;
     if (!kilo && unit.compare(QLatin1String("eV"), Qt::CaseInsensitive) != 0) {
-        kilo = largest < largestKiloElectronVolt;
-        assumed = kilo ? QStringLiteral("the energies, all below 100, are taken for keV")
-                       : QStringLiteral("the energies are taken for eV");
+        kilo = isTakenForKilo(largest);
+        assumed = assumedUnitText(kilo);
     }
     if (kilo)
         for (double& energy : energies)

@@ -1,15 +1,13 @@
 #include "formats/TableSpectrum.h"
 
 #include "analysis/BraggLaw.h"
+#include "formats/AssumedUnit.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace
 {
-
-/// Energies of X-rays in keV are below, in eV above.
-constexpr double largestKiloElectronVolt = 100.0;
 
 /// Goes through the rows of a table.
 class RowReader
@@ -41,10 +39,9 @@ void RowReader::guessUnit(FoundSpectrum& spectrum)
     double largest = 0.0;
     for (std::size_t row = 0; row < m_table.rows(); ++row)
         largest = std::fmax(largest, m_table.at(row, m_meaning.energy));
-    const bool kilo = largest < largestKiloElectronVolt;
+    const bool kilo = isTakenForKilo(largest);
     m_meaning.unit = kilo ? EnergyUnit::KiloElectronVolt : EnergyUnit::ElectronVolt;
-    spectrum.assumed += kilo ? QStringLiteral("the energies, all below 100, are taken for keV")
-                             : QStringLiteral("the energies are taken for eV");
+    spectrum.assumed += assumedUnitText(kilo);
 }
 
 double RowReader::energyOf(double x) const
