@@ -25,10 +25,8 @@ std::vector<double> incidentOf(const std::string& text)
         std::array<std::string_view, rowTokens> row;
         for (std::string_view& token : row)
             token = tokens.next();
-        if (started && !row.back().empty()) {
-            const std::string_view token = row[incidentToken];
-            incident.push_back(numberFromToken(token.data(), token.data() + token.size()));
-        }
+        if (started && !row.back().empty())
+            incident.push_back(numberFromToken(row[incidentToken]));
         started = started || line.find("Offset") != std::string::npos;
     }
     return incident;

@@ -40,7 +40,7 @@ std::vector<double> numbersIn(const std::string& line)
     std::vector<double> numbers;
     std::istringstream words(line);
     for (std::string word; words >> word;)
-        numbers.push_back(numberFromToken(word.data(), word.data() + word.size()));
+        numbers.push_back(numberFromToken(word));
     return numbers;
 }
 

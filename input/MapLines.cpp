@@ -101,7 +101,7 @@ private:
             ++m_p;
         if (!endsToken())
             return false;
-        value = numberFromToken(first, m_p);
+        value = numberFromToken({first, static_cast<std::size_t>(m_p - first)});
         return true;
     }
 
@@ -140,11 +140,6 @@ bool readRecord(const char*& p, const char* last, MapPosition& position, Intensi
     return true;
 }
 
-double number(std::string_view token)
-{
-    return numberFromToken(token.data(), token.data() + token.size());
-}
-
 /// Not-a-number where there are not two of them, or they are no counts.
 double varianceOf(const Intensities& seen, MapChunk& chunk)
 {
@@ -164,9 +159,10 @@ bool readAnyLine(std::string_view line, MapChunk& chunk)
     if (tokens[2].empty())
         return true;
     const bool both = !tokens[3].empty();
-    const Intensities seen{number(tokens[2]), both ? number(tokens[3]) : 1.0, both};
+    const Intensities seen{numberFromToken(tokens[2]), both ? numberFromToken(tokens[3]) : 1.0,
+                           both};
     const double mut = pixelMut(seen.transmitted, seen.incident);
-    const MapPosition position{number(tokens[0]), number(tokens[1])};
+    const MapPosition position{numberFromToken(tokens[0]), numberFromToken(tokens[1])};
     if (!chunk.mut.append(&mut, 1) || !chunk.positions.append(&position, 1))
         return false;
     const double variance = chunk.gains ? varianceOf(seen, chunk) : 0.0;

@@ -35,11 +35,6 @@ double absorption(double incident, double transmitted)
     return ratio > 0.0 ? std::log(ratio) : 0.0;
 }
 
-double number(std::string_view text)
-{
-    return numberFromToken(text.data(), text.data() + text.size());
-}
-
 } // namespace
 
 bool SpectrumReader::readLines(const char* first, const char* last)
@@ -71,8 +66,8 @@ bool SpectrumReader::readLine(std::string_view line)
     }
     if (!hasRoom())
         return false;
-    const double angle = number(row[1]);
-    const Readings readings{number(row[3]), number(row[4])};
+    const double angle = numberFromToken(row[1]);
+    const Readings readings{numberFromToken(row[3]), numberFromToken(row[4])};
     m_points.push_back({angle, photonEnergy(angle, m_spacing),
                         absorption(readings.incident, readings.transmitted)});
     if (m_readings != nullptr)
@@ -88,7 +83,7 @@ void SpectrumReader::readHeaderLine(std::string_view line)
         const std::string_view following = tokens.next();
         m_started = m_started || token == "Offset";
         if (token == "D=" && !spacingFound && !following.empty()) {
-            m_spacing = number(following);
+            m_spacing = numberFromToken(following);
             spacingFound = true;
         }
         token = following;

@@ -35,12 +35,13 @@ QString textFromNumber(double value)
 double sixDigits(double value)
 {
     std::array<char, longestNumber> text{};
-    return numberFromToken(text.data(), writeNumber(value, text.data()));
+    const char* const end = writeNumber(value, text.data());
+    return numberFromToken({text.data(), static_cast<std::size_t>(end - text.data())});
 }
 
-double numberFromToken(const char* first, const char* last)
+double numberFromToken(std::string_view token)
 {
-    if (const std::optional<double> value = decimalFromToken(first, last))
+    if (const auto value = decimalFromToken(token.data(), token.data() + token.size()))
         return *value;
-    return numberFromText(textFromUtf8({first, static_cast<std::size_t>(last - first)}));
+    return numberFromText(textFromUtf8(token));
 }

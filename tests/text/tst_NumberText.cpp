@@ -16,7 +16,7 @@ constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 double fromToken(const QByteArray& token)
 {
-    return numberFromToken(token.constData(), token.constData() + token.size());
+    return numberFromToken({token.constData(), static_cast<std::size_t>(token.size())});
 }
 
 /// A token as files may hold it: mostly numbers, in every way of writing them, some spoiled.
