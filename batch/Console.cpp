@@ -8,6 +8,12 @@ void console::say(const QString& text)
     std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr);
 }
 
+int console::complain(const QString& text, ExitStatus status)
+{
+    say(text);
+    return static_cast<int>(status);
+}
+
 void console::warn(const QString& path, const std::vector<JobError>& doubts)
 {
     for (const JobError& doubt : doubts)

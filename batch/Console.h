@@ -1,5 +1,6 @@
 #pragma once
 
+#include "batch/ExitStatus.h"
 #include "batch/JobChecks.h"
 
 #include <QString>
@@ -11,6 +12,10 @@ namespace console
 {
 
 void say(const QString& text);
+
+/// Says why the program ends.
+/// @return its exit status
+int complain(const QString& text, ExitStatus status = ExitStatus::BadJob);
 
 /// "file:line:column: warning: reason" for each doubt.
 void warn(const QString& path, const std::vector<JobError>& doubts);

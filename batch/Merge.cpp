@@ -15,12 +15,6 @@
 namespace
 {
 
-int complain(const QString& text, ExitStatus status = ExitStatus::BadJob)
-{
-    console::say(text);
-    return static_cast<int>(status);
-}
-
 class Merge
 {
 public:
@@ -187,11 +181,11 @@ int mergeInto(RunRecord& record, const PreparedJob& prepared, const RunOptions& 
     QString why;
     const auto shards = shardsOf(RunFolder(prepared.job), why);
     if (!shards)
-        return complain(why);
+        return console::complain(why);
     Merge merge(prepared, record);
     for (const auto& [path, lock] : *shards)
         if (why = merge.take(path); !why.isEmpty())
-            return complain(why);
+            return console::complain(why);
     const QStringList gaps = merge.gaps();
     if (gaps.isEmpty()) {
         dropOthers(record, prepared);
@@ -199,11 +193,12 @@ int mergeInto(RunRecord& record, const PreparedJob& prepared, const RunOptions& 
     }
     for (const QString& gap : gaps)
         console::say(gap);
-    return complain(QStringLiteral("%1 of %2 are missing; without --merge the program calculates "
-                                   "them alone")
-                        .arg(gaps.size())
-                        .arg(prepared.list.targets.size() + prepared.list.maps.size()),
-                    ExitStatus::SomeRefused);
+    return console::complain(
+        QStringLiteral("%1 of %2 are missing; without --merge the program calculates "
+                       "them alone")
+            .arg(gaps.size())
+            .arg(prepared.list.targets.size() + prepared.list.maps.size()),
+        ExitStatus::SomeRefused);
 }
 
 } // namespace
@@ -214,7 +209,7 @@ int mergeShards(const QString& path, const QByteArray& text, const Job& job,
     JobError error;
     const auto prepared = prepareJob(path, text, job, {}, error);
     if (!prepared)
-        return complain(errorText(path, error));
+        return console::complain(errorText(path, error));
     return withRecord(RunFolder(job).record(),
                       [&](RunRecord& record) { return mergeInto(record, *prepared, options); });
 }

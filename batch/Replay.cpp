@@ -17,12 +17,6 @@
 namespace
 {
 
-int complain(const QString& text, ExitStatus status = ExitStatus::BadJob)
-{
-    console::say(text);
-    return static_cast<int>(status);
-}
-
 /// A run of the record, with its job as it would be today.
 struct ReplayedRun {
     Job job;
@@ -260,8 +254,8 @@ int Replay::run()
         if (const auto row = m_record.row(RowKind::Map, m_maps[i]))
             printed = tell(m_maps[i], mapDifferences(runOf(row->run), *row, m_workers));
     if (!printed)
-        return complain(QStringLiteral("The standard output cannot be written."),
-                        ExitStatus::FileFailed);
+        return console::complain(QStringLiteral("The standard output cannot be written."),
+                                 ExitStatus::FileFailed);
     if (stopSignal() != 0)
         return static_cast<int>(ExitStatus::Stopped) + stopSignal();
     return static_cast<int>(m_same == m_told ? ExitStatus::Done : ExitStatus::SomeRefused);
@@ -273,7 +267,7 @@ int replayRecord(const QString& path, const QStringList& names, const RunOptions
 {
     const QFileInfo file(path);
     if (!file.isFile() || file.size() == 0)
-        return complain(QStringLiteral("there is no record %1").arg(path));
+        return console::complain(QStringLiteral("there is no record %1").arg(path));
     try {
         // Where it may be written, what a kill left half done can be undone.
         RunRecord record(file.absoluteFilePath(),
@@ -281,9 +275,9 @@ int replayRecord(const QString& path, const QStringList& names, const RunOptions
         keepStopSignals();
         Replay replay(record, options);
         if (const QString unknown = replay.choose(names); !unknown.isEmpty())
-            return complain(QStringLiteral("%1 is not in the record").arg(unknown));
+            return console::complain(QStringLiteral("%1 is not in the record").arg(unknown));
         return replay.run();
     } catch (const RecordFailure& failure) {
-        return complain(failure.reason());
+        return console::complain(failure.reason());
     }
 }

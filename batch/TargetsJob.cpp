@@ -21,12 +21,6 @@ namespace
 
 constexpr double millisecond = 1e-3;
 
-int complain(const QString& text, ExitStatus status = ExitStatus::BadJob)
-{
-    console::say(text);
-    return static_cast<int>(status);
-}
-
 /// One run over the targets and maps of a job, into a record that is its own for as long.
 class ListRun
 {
@@ -47,7 +41,7 @@ public:
     {
         calculate();
         if (!m_failed.isEmpty())
-            return complain(m_failed, ExitStatus::FileFailed);
+            return console::complain(m_failed, ExitStatus::FileFailed);
         return m_left > 0 ? std::optional(stopped()) : std::nullopt;
     }
 
@@ -169,12 +163,13 @@ private:
     {
         const QString what = m_prepared.list.maps.empty() ? QStringLiteral("targets")
                                                           : QStringLiteral("targets and maps");
-        return complain(QStringLiteral("Stopped: %1 of %2 %3 are left; the same command goes on "
-                                       "with them.")
-                            .arg(m_left)
-                            .arg(m_count)
-                            .arg(what),
-                        ExitStatus::Stopped) +
+        return console::complain(
+                   QStringLiteral("Stopped: %1 of %2 %3 are left; the same command goes on "
+                                  "with them.")
+                       .arg(m_left)
+                       .arg(m_count)
+                       .arg(what),
+                   ExitStatus::Stopped) +
                stopSignal();
     }
 
@@ -251,14 +246,14 @@ int withRecord(const QString& path, const std::function<int(RunRecord&)>& use)
     bool inUse = false;
     const std::unique_ptr<FileLock> lock = RunFolder::lock(path, why, inUse);
     if (!lock)
-        return complain(why, inUse ? ExitStatus::BadJob : ExitStatus::FileFailed);
+        return console::complain(why, inUse ? ExitStatus::BadJob : ExitStatus::FileFailed);
     try {
         RunRecord record(path, RunRecord::Access::Write);
         return use(record);
     } catch (const RecordFailure& failure) {
-        return complain(failure.reason(), failure.kind() == RecordFailure::Kind::Disk
-                                              ? ExitStatus::FileFailed
-                                              : ExitStatus::BadJob);
+        return console::complain(failure.reason(), failure.kind() == RecordFailure::Kind::Disk
+                                                       ? ExitStatus::FileFailed
+                                                       : ExitStatus::BadJob);
     }
 }
 
@@ -298,13 +293,13 @@ int analyseTargets(const QString& path, const QByteArray& text, const Job& job,
     if (options.listOnly) {
         const auto list = listOf(job, error);
         return list ? static_cast<int>(printList(list->part(options.shard), options))
-                    : complain(errorText(path, error));
+                    : console::complain(errorText(path, error));
     }
     // A night begins with folders that are empty.
     auto prepared = options.watch ? prepareList(path, text, job, presentListOf(job), {}, error)
                                   : prepareJob(path, text, job, options.shard, error);
     if (!prepared)
-        return complain(errorText(path, error));
+        return console::complain(errorText(path, error));
     prepared->isWatched = options.watch;
     return options.checkOnly ? static_cast<int>(ExitStatus::Done) : runInFolder(*prepared, options);
 }

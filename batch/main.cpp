@@ -26,12 +26,6 @@
 namespace
 {
 
-int complain(const QString& text, ExitStatus status = ExitStatus::BadJob)
-{
-    console::say(text);
-    return static_cast<int>(status);
-}
-
 int report(const QString& path, const Job& job, const RunReport& run)
 {
     const bool printed = console::print(reportText(job, run).toUtf8());
@@ -39,9 +33,10 @@ int report(const QString& path, const Job& job, const RunReport& run)
     for (const QString& file : run.written)
         console::say(QStringLiteral("Written: ") + file);
     if (!printed)
-        return complain(QStringLiteral("The report cannot be written."), ExitStatus::FileFailed);
+        return console::complain(QStringLiteral("The report cannot be written."),
+                                 ExitStatus::FileFailed);
     if (run.resultNotWritten)
-        return complain(
+        return console::complain(
             errorText(path, {job.mapResult.place,
                              QStringLiteral("cannot write %1").arg(job.mapResult.path)}),
             ExitStatus::FileFailed);
@@ -52,11 +47,11 @@ int report(const QString& path, const Job& job, const RunReport& run)
 int analyseOne(const QString& path, const Job& job, bool checkOnly)
 {
     if (const std::optional<JobError> wrong = checkResultPath(job, path))
-        return complain(errorText(path, *wrong));
+        return console::complain(errorText(path, *wrong));
     JobError error;
     const std::optional<JobData> data = readJobData(job, error);
     if (!data)
-        return complain(errorText(path, error));
+        return console::complain(errorText(path, error));
     console::warn(path, doubtsBefore(factsOf(job, *data)));
     if (checkOnly)
         return static_cast<int>(ExitStatus::Done);
@@ -69,7 +64,7 @@ int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
     QCommandLineParser parser;
     CommandLine options;
     if (const QString wrong = readCommandLine(parser, options); !wrong.isEmpty())
-        return complain(wrong);
+        return console::complain(wrong);
     if (options.help)
         parser.showHelp(0);
     if (options.version)
@@ -77,7 +72,8 @@ int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
     if (options.showTemplate)
         return console::print(jobTemplate())
                    ? static_cast<int>(ExitStatus::Done)
-                   : complain(QStringLiteral("The job cannot be written."), ExitStatus::FileFailed);
+                   : console::complain(QStringLiteral("The job cannot be written."),
+                                       ExitStatus::FileFailed);
     if (!options.replay.isEmpty())
         return replayRecord(options.replay, options.names, options.run);
     if (!options.inspect.isEmpty()) {
@@ -92,11 +88,11 @@ int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
     const std::optional<Job> job =
         text ? parseJob(*text, QFileInfo(options.job).absolutePath(), error) : std::nullopt;
     if (!job)
-        return complain(errorText(options.job, error));
+        return console::complain(errorText(options.job, error));
     if (options.convert)
         return static_cast<int>(convertJob(options.job, *job, options.to, options.run.quiet));
     if (options.show)
-        return complain(showJob(options.job));
+        return console::complain(showJob(options.job));
     if (job->paints() || !options.picture.isEmpty()) {
         application.reset();
         application = pictureApplication(argc, argv);
@@ -124,8 +120,8 @@ int main(int argc, char* argv[])
     try {
         return run(application, argc, argv);
     } catch (const std::bad_alloc&) {
-        return complain(QStringLiteral("There is not enough memory."));
+        return console::complain(QStringLiteral("There is not enough memory."));
     } catch (const std::exception& failure) {
-        return complain(QString::fromLocal8Bit(failure.what()));
+        return console::complain(QString::fromLocal8Bit(failure.what()));
     }
 }
