@@ -13,7 +13,6 @@
 namespace
 {
 
-constexpr const char* panel = "FourPs";
 constexpr const char* selector = "AXafsFileSelect";
 
 /// Writes the pictures of a folder; graphs that show nothing have none.
@@ -86,16 +85,16 @@ PictureFiles drawTargetGraphs(const QString& target, const Settings& settings,
         curve.points = fit->curve;
     const MutsContent content = mutsContent(settings, input, fit != nullptr ? &curve : nullptr);
     pictures.add(QStringLiteral("Muts"),
-                 graphPicture(words.ofWindow(panel, "Eng.[eV]"), words.ofWindow(panel, "mut"),
+                 graphPicture(words.ofPanel("Eng.[eV]"), words.ofPanel("mut"),
                               [&](QPainter& painter, GraphFrame& frame) {
                                   drawMutsGraph(painter, frame, content);
                               }));
     const double rho = thicknessRatios(input).selected(input.conditions.thickness);
-    pictures.add(QStringLiteral("M2M3"),
-                 graphPicture(words.ofWindow(panel, "M2"), words.ofWindow(panel, "M3"),
-                              [&](QPainter& painter, GraphFrame& frame) {
-                                  drawFourPointGraph(painter, frame, input.table, rho);
-                              }));
+    pictures.add(QStringLiteral("M2M3"), graphPicture(words.ofPanel("M2"), words.ofPanel("M3"),
+                                                      [&](QPainter& painter, GraphFrame& frame) {
+                                                          drawFourPointGraph(painter, frame,
+                                                                             input.table, rho);
+                                                      }));
     return pictures.files;
 }
 
@@ -106,7 +105,7 @@ PictureFiles drawComparisonGraph(const std::vector<LCFvs4PSPoint>& points,
     Pictures pictures(options, QString());
     const OutputWords& words = pictures.words;
     pictures.add(QStringLiteral("LCF vs 4PS"),
-                 graphPicture(words.ofWindow(panel, "LCF"), words.ofWindow(panel, "4ps"),
+                 graphPicture(words.ofPanel("LCF"), words.ofPanel("4ps"),
                               [&](QPainter& painter, GraphFrame& frame) {
                                   drawLcfGraph(painter, frame, points, valences);
                               }));

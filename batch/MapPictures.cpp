@@ -16,8 +16,6 @@
 namespace
 {
 
-constexpr const char* panel = "FourPs";
-
 AxisEnds ends(const HistogramSettings& settings)
 {
     return {settings.first, settings.last};
@@ -86,7 +84,7 @@ public:
 
     QImage valenceHistogram() const
     {
-        return graphPicture(m_words("Valence"), m_words.ofWindow(panel, "Num."),
+        return graphPicture(m_words("Valence"), m_words.ofPanel("Num."),
                             [this](QPainter& painter, GraphFrame& frame) {
                                 drawValenceHistogram(painter, frame, m_input.valenceHistogram,
                                                      m_xRange, m_input.valences);
@@ -95,7 +93,7 @@ public:
 
     QImage thicknessHistogram() const
     {
-        return graphPicture(m_words.ofWindow(panel, "Thick."), m_words.ofWindow(panel, "Num."),
+        return graphPicture(m_words.ofPanel("Thick."), m_words.ofPanel("Num."),
                             [this](QPainter& painter, GraphFrame& frame) {
                                 drawThicknessHistogram(painter, frame, m_input.thicknessHistogram,
                                                        m_yRange);
@@ -104,7 +102,7 @@ public:
 
     QImage cloud() const
     {
-        return graphPicture(m_words("Valence"), m_words.ofWindow(panel, "Thick."),
+        return graphPicture(m_words("Valence"), m_words.ofPanel("Thick."),
                             [this](QPainter& painter, GraphFrame& frame) {
                                 const MapPoints points{m_pixels.a, m_pixels.t, m_pixels.size(), 0};
                                 ThicknessGraph().draw(painter, frame, points, m_input.valences,

@@ -18,6 +18,9 @@ public:
     /// A text of the window, in its words.
     QString ofWindow(const char* context, const char* text) const;
 
+    /// One of its panel.
+    QString ofPanel(const char* text) const { return ofWindow("FourPs", text); }
+
     /// A line of the window's calculations, also behind a name ("s1.dat: ..."), translated with its
     /// numbers; any other as it is.
     QString line(const QString& line) const;

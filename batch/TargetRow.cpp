@@ -122,17 +122,17 @@ QByteArrayList targetColumns()
 
 QByteArrayList targetFields(const TargetRow& row)
 {
-    using Number = std::optional<double>;
+    using Known = std::optional<double>;
     const TargetResult found = row.result.value_or(TargetResult());
     const ThicknessRatios ratios = found.ratios.value_or(ThicknessRatios());
     const bool hasThickness = row.result && found.method != Method::ThreePoint;
-    const auto ofResult = [&](double value) { return row.result ? Number(value) : Number(); };
-    const auto ofRatios = [&](double value) { return found.ratios ? Number(value) : Number(); };
-    const auto ofFit = [&](auto value) { return row.fit ? Number(value(*row.fit)) : Number(); };
+    const auto ofResult = [&](double value) { return row.result ? Known(value) : Known(); };
+    const auto ofRatios = [&](double value) { return found.ratios ? Known(value) : Known(); };
+    const auto ofFit = [&](auto value) { return row.fit ? Known(value(*row.fit)) : Known(); };
     QByteArrayList fields{row.target.toUtf8(), row.result ? methodName(found.method) : ""};
-    for (const Number& number :
+    for (const Known& number :
          {ofResult(found.a), ofResult(found.valence),
-          hasThickness ? Number(found.thickness) : Number(), ofRatios(ratios.trSbyS),
+          hasThickness ? Known(found.thickness) : Known(), ofRatios(ratios.trSbyS),
           ofRatios(ratios.trMean), ofRatios(ratios.trLsA), ofRatios(ratios.trLsB),
           ofRatios(ratios.trLsANB), ofRatios(ratios.trLsBNB), ofRatios(ratios.trVic2), row.edgeJump,
           row.edgeJumpNoC, ofFit([](const LinearCombination& fit) { return fit.p1; }),

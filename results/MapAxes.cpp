@@ -1,6 +1,7 @@
 #include "results/MapAxes.h"
 
 #include "display/Pixel.h"
+#include "results/MapFrame.h"
 #include "results/RoundSteps.h"
 
 #include <QFontMetrics>
@@ -12,11 +13,8 @@
 namespace
 {
 
-constexpr int markLength = 4;
 constexpr int gap = 4;
 constexpr double scaleBarPart = 0.25; // of the plot's width, at most
-
-const QColor frameColour(90, 90, 90);
 
 AxisMarks yMarks(const QFontMetrics& metrics, double from, double to, int height)
 {
@@ -49,9 +47,10 @@ void drawXMarks(QPainter& painter, const ChCoord& coord, const QRect& plot)
     const AxisMarks marks = xMarks(metrics, coord.rx0, coord.rx1, plot.width());
     for (std::size_t i = 0; i < marks.values.size(); ++i) {
         const int x = truncToInt(coord.xToScreen(marks.values[i]));
-        painter.drawLine(x, plot.bottom() + 1, x, plot.bottom() + markLength);
+        painter.drawLine(x, plot.bottom() + 1, x, plot.bottom() + mapFrame::markLength);
         const int width = metrics.horizontalAdvance(marks.texts[i]);
-        painter.drawText(x - width / 2, plot.bottom() + markLength + gap / 2 + metrics.ascent(),
+        painter.drawText(x - width / 2,
+                         plot.bottom() + mapFrame::markLength + gap / 2 + metrics.ascent(),
                          marks.texts[i]);
     }
 }
@@ -62,10 +61,10 @@ void drawYMarks(QPainter& painter, const ChCoord& coord, const QRect& plot)
     const AxisMarks marks = yMarks(metrics, coord.ry0, coord.ry1, plot.height());
     for (std::size_t i = 0; i < marks.values.size(); ++i) {
         const int y = truncToInt(coord.yToScreen(marks.values[i]));
-        painter.drawLine(plot.left() - 1, y, plot.left() - markLength, y);
+        painter.drawLine(plot.left() - 1, y, plot.left() - mapFrame::markLength, y);
         const int width = metrics.horizontalAdvance(marks.texts[i]);
-        painter.drawText(plot.left() - markLength - gap - width, y + metrics.ascent() / 2 - 1,
-                         marks.texts[i]);
+        painter.drawText(plot.left() - mapFrame::markLength - gap - width,
+                         y + metrics.ascent() / 2 - 1, marks.texts[i]);
     }
 }
 
@@ -77,13 +76,13 @@ int mapAxisWidth(const QFont& font, double from, double to, int height)
     int width = 0;
     for (const QString& text : yMarks(metrics, from, to, height).texts)
         width = std::max(width, metrics.horizontalAdvance(text));
-    return metrics.lineSpacing() + gap + width + gap + markLength;
+    return metrics.lineSpacing() + gap + width + gap + mapFrame::markLength;
 }
 
 int mapAxisHeight(const QFont& font)
 {
     const QFontMetrics metrics(font);
-    return markLength + gap + 2 * metrics.lineSpacing();
+    return mapFrame::markLength + gap + 2 * metrics.lineSpacing();
 }
 
 void drawMapAxes(QPainter& painter, const ChCoord& coord, const QString& xTitle,
@@ -91,13 +90,13 @@ void drawMapAxes(QPainter& painter, const ChCoord& coord, const QString& xTitle,
 {
     const QFontMetrics metrics = painter.fontMetrics();
     const QRect plot = plotArea(coord);
-    painter.setPen(frameColour);
+    painter.setPen(mapFrame::colour);
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(plot.adjusted(-1, -1, 0, 0));
     painter.setPen(Qt::black);
     drawXMarks(painter, coord, plot);
     drawYMarks(painter, coord, plot);
-    const int under = plot.bottom() + markLength + gap / 2 + metrics.lineSpacing();
+    const int under = plot.bottom() + mapFrame::markLength + gap / 2 + metrics.lineSpacing();
     painter.drawText(QRect(plot.left(), under, plot.width(), metrics.lineSpacing()),
                      Qt::AlignHCenter | Qt::AlignTop | Qt::TextDontClip, xTitle);
     painter.save();

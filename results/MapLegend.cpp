@@ -1,5 +1,6 @@
 #include "results/MapLegend.h"
 
+#include "results/MapFrame.h"
 #include "results/RoundSteps.h"
 #include "text/NumberText.h"
 
@@ -13,11 +14,8 @@ namespace
 
 constexpr int barWidth = 18;
 constexpr int fieldWidth = 84; // of the two-dimensional legend
-constexpr int markLength = 4;
-constexpr int gap = 6;
+constexpr int textGap = 6;
 constexpr int entryGap = 18;
-
-const QColor frameColour(90, 90, 90);
 
 int squareSide(const QFontMetrics& metrics)
 {
@@ -26,7 +24,7 @@ int squareSide(const QFontMetrics& metrics)
 
 int entryWidth(const QFontMetrics& metrics, const LegendEntry& entry)
 {
-    const int square = qAlpha(entry.colour) == 0 ? 0 : squareSide(metrics) + gap;
+    const int square = qAlpha(entry.colour) == 0 ? 0 : squareSide(metrics) + textGap;
     return square + metrics.horizontalAdvance(entry.text);
 }
 
@@ -92,8 +90,9 @@ void drawValueMarks(QPainter& painter, const QRect& field, const AxisEnds& range
         const double part = (marks.values[i] - low) / (high - low);
         const int y = field.bottom() - qRound(part * (field.height() - 1));
         const int x = field.right() + 1;
-        painter.drawLine(x, y, x + markLength, y);
-        painter.drawText(x + markLength + 3, y + metrics.ascent() / 2 - 1, marks.texts[i]);
+        painter.drawLine(x, y, x + mapFrame::markLength, y);
+        painter.drawText(x + mapFrame::markLength + 3, y + metrics.ascent() / 2 - 1,
+                         marks.texts[i]);
     }
 }
 
@@ -110,12 +109,13 @@ void drawStrengthMarks(QPainter& painter, const QRect& field, const AxisEnds& ra
     for (std::size_t i = 0; i < marks.values.size(); ++i) {
         const double part = (marks.values[i] - low) / (high - low);
         const int x = field.left() + qRound(part * (field.width() - 1));
-        painter.drawLine(x, y, x, y + markLength);
+        painter.drawLine(x, y, x, y + mapFrame::markLength);
         painter.drawText(x - metrics.horizontalAdvance(marks.texts[i]) / 2,
-                         y + markLength + metrics.ascent(), marks.texts[i]);
+                         y + mapFrame::markLength + metrics.ascent(), marks.texts[i]);
     }
     const int left = field.center().x() - metrics.horizontalAdvance(title) / 2;
-    painter.drawText(left, y + markLength + metrics.ascent() + metrics.lineSpacing(), title);
+    painter.drawText(left, y + mapFrame::markLength + metrics.ascent() + metrics.lineSpacing(),
+                     title);
 }
 
 } // namespace
@@ -161,9 +161,9 @@ void drawLegend(QPainter& painter, const QRect& box, const QVector<LegendEntry>&
         if (qAlpha(entries[i].colour) != 0) {
             const QRect square(at.x(), at.y() + (metrics.height() - side) / 2, side, side);
             painter.fillRect(square, QColor(entries[i].colour));
-            painter.setPen(frameColour);
+            painter.setPen(mapFrame::colour);
             painter.drawRect(square.adjusted(0, 0, -1, -1));
-            at.rx() += side + gap;
+            at.rx() += side + textGap;
         }
         painter.setPen(Qt::black);
         painter.drawText(at.x(), at.y() + metrics.ascent(), entries[i].text);
@@ -175,7 +175,7 @@ int colourBarWidth(const QFont& font, MapQuantity quantity, const MapRanges& ran
     const QFontMetrics metrics(font);
     const AxisMarks marks = barMarks(metrics, colourRange(quantity, ranges), height);
     const int field = quantity == MapQuantity::ValenceByThickness ? fieldWidth : barWidth;
-    return field + markLength + 3 + widest(metrics, marks.texts) + gap;
+    return field + mapFrame::markLength + 3 + widest(metrics, marks.texts) + textGap;
 }
 
 void drawColourBar(QPainter& painter, const QRect& box, MapQuantity quantity,
@@ -185,9 +185,10 @@ void drawColourBar(QPainter& painter, const QRect& box, MapQuantity quantity,
     const QFontMetrics metrics = painter.fontMetrics();
     QRect field(box.left(), box.top(), fades ? fieldWidth : barWidth, box.height());
     if (fades)
-        field.setHeight(std::max(1, box.height() - 2 * metrics.lineSpacing() - markLength));
+        field.setHeight(
+            std::max(1, box.height() - 2 * metrics.lineSpacing() - mapFrame::markLength));
     painter.drawImage(field, colourField(quantity));
-    painter.setPen(frameColour);
+    painter.setPen(mapFrame::colour);
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(field.adjusted(-1, -1, 0, 0));
     painter.setPen(Qt::black);
@@ -196,5 +197,5 @@ void drawColourBar(QPainter& painter, const QRect& box, MapQuantity quantity,
         drawStrengthMarks(painter, field, ranges.thickness, captions.thickness);
     const QString title =
         quantity == MapQuantity::Thickness ? captions.thickness : captions.valence;
-    painter.drawText(box.left(), box.top() - gap - metrics.descent(), title);
+    painter.drawText(box.left(), box.top() - textGap - metrics.descent(), title);
 }

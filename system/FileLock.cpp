@@ -1,5 +1,7 @@
 #include "system/FileLock.h"
 
+#include "system/FileMode.h"
+
 #include <QFile>
 #include <QSysInfo>
 
@@ -10,8 +12,6 @@
 
 namespace
 {
-
-constexpr mode_t readAndWriteForAll = 0666;
 
 QString holder(int descriptor)
 {

@@ -1,5 +1,7 @@
 #include "system/SafeFile.h"
 
+#include "system/FileMode.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -16,7 +18,6 @@ namespace
 {
 
 constexpr mode_t permissionBits = 07777;
-constexpr mode_t readAndWriteForAll = 0666;
 
 constexpr char besideName[] = ".drovik-XXXXXX"; ///< six letters take the place of those at its end
 
