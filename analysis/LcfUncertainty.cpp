@@ -309,9 +309,9 @@ LcfUncertainty lcfUncertainty(const JudgedFit& judged, const SpectrumNoises& noi
     result.reducedChiSquare = residuals.reducedChiSquare(noises);
     result.biasA = residuals.bias(noises);
     const double a = judged.fit.share1();
-    const double half =
+    const double halfWidth =
         studentQuantile(level, result.degrees) * std::hypot(result.sigmaA, result.sigmaARef);
-    if (std::isfinite(a) && std::isfinite(half))
-        result.a = Interval{a - half, a + half};
+    if (std::isfinite(a) && std::isfinite(halfWidth))
+        result.a = Interval{a - halfWidth, a + halfWidth};
     return result;
 }

@@ -10,7 +10,7 @@ namespace
 
 /// Pixels that one task takes. Sums are formed for each task and then in the tasks' order, so that
 /// they are the same whoever does which.
-constexpr std::size_t taskSize = std::size_t{1} << 16;
+constexpr std::size_t summaryTask = std::size_t{1} << 16;
 
 /// A sum that keeps what rounding loses (A. Neumaier, Z. Angew. Math. Mech. 54 (1974) 39).
 class Sum
@@ -56,7 +56,7 @@ class Spreads
 {
 public:
     explicit Spreads(std::size_t pixels, Workers& workers)
-        : m_pixels(pixels), m_pieces((pixels + taskSize - 1) / taskSize), m_workers(workers)
+        : m_pixels(pixels), m_pieces((pixels + summaryTask - 1) / summaryTask), m_workers(workers)
     {
     }
 
@@ -93,8 +93,8 @@ private:
     void collect(std::size_t task, const Value& value)
     {
         Piece piece;
-        const std::size_t first = task * taskSize;
-        const std::size_t last = std::min(first + taskSize, m_pixels);
+        const std::size_t first = task * summaryTask;
+        const std::size_t last = std::min(first + summaryTask, m_pixels);
         for (std::size_t i = first; i < last; ++i) {
             if (const std::optional<double> number = value(i)) {
                 m_values[first + piece.count++] = *number;
@@ -107,7 +107,7 @@ private:
     void square(std::size_t task, double mean)
     {
         Piece& piece = m_pieces[task];
-        const double* values = m_values.data() + task * taskSize;
+        const double* values = m_values.data() + task * summaryTask;
         for (std::size_t i = 0; i < piece.count; ++i)
             piece.squares.add((values[i] - mean) * (values[i] - mean));
     }
@@ -117,7 +117,7 @@ private:
     {
         std::size_t count = 0;
         for (std::size_t task = 0; task < m_pieces.size(); ++task) {
-            std::memmove(m_values.data() + count, m_values.data() + task * taskSize,
+            std::memmove(m_values.data() + count, m_values.data() + task * summaryTask,
                          m_pieces[task].count * sizeof(double));
             count += m_pieces[task].count;
         }

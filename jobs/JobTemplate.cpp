@@ -3,7 +3,7 @@
 namespace
 {
 
-constexpr char text[] =
+constexpr char templateText[] =
     R"(# A job for drovik-batch (TOML). What is left out stays as the window has it at its
 # start. Paths start from the folder of this file; energies are in eV.
 
@@ -171,5 +171,5 @@ language = "en"
 
 QByteArray jobTemplate()
 {
-    return text;
+    return templateText;
 }

@@ -14,7 +14,7 @@ namespace
 {
 
 /// Three numbers, a count and blanks.
-constexpr std::size_t longestLine = 4 * longestNumber + 8;
+constexpr std::size_t longestBoxLine = 4 * longestNumber + 8;
 
 } // namespace
 
@@ -42,7 +42,7 @@ bool writeHistogram(const HistogramCounts& histogram, const QString& path)
     if (!file.open())
         return false;
     const int bins = static_cast<int>(histogram.counts.size());
-    std::array<char, longestLine> line{};
+    std::array<char, longestBoxLine> line{};
     for (int i = -1; i <= bins; ++i) {
         const int count = i < 0       ? histogram.under
                           : i == bins ? histogram.over

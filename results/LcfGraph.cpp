@@ -10,7 +10,7 @@
 namespace
 {
 
-constexpr double roomAround = 0.2; // in valences
+constexpr double roomBesideLine = 0.2; // in valences
 const QColor diagonalColor(0, 200, 0);
 
 // Where both methods agree.
@@ -28,8 +28,8 @@ void drawLcfGraph(QPainter& painter, GraphFrame& frame, const std::vector<LCFvs4
 {
     if (!beginGraph(painter, frame, !points.empty()))
         return;
-    const double low = valences.ref1 - roomAround;
-    const double high = valences.ref2 + roomAround;
+    const double low = valences.ref1 - roomBesideLine;
+    const double high = valences.ref2 + roomBesideLine;
     frame.setRangeOnce(low, low, high, high);
     const ChCoord& coord = frame.coord;
     const GridSteps steps = valenceSteps(valences.ref1, valences.ref2);

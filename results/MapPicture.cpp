@@ -26,7 +26,7 @@ constexpr int thinnest = 24;
 constexpr int narrowestCanvas = 460;
 constexpr int lowestPlot = 120; // room for the marks of the colour bar
 
-constexpr int gap = 8;
+constexpr int partGap = 8;
 
 double length(const std::vector<double>& edges)
 {
@@ -86,13 +86,15 @@ MapPicture::Margins MapPicture::margins(const QFont& font, const MapCaptions& ca
 {
     const QFontMetrics metrics(font);
     const int line = metrics.lineSpacing();
-    const int legend = legendHeight(font, entries(captions, false), canvasWidth - 2 * gap) + line;
+    const int legend =
+        legendHeight(font, entries(captions, false), canvasWidth - 2 * partGap) + line;
     const QString& barTitle =
         m_quantity == MapQuantity::Thickness ? captions.thickness : captions.valence;
     const int bar = std::max(colourBarWidth(font, m_quantity, m_ranges, usualLength),
                              metrics.horizontalAdvance(barTitle));
-    return {mapAxisWidth(font, yRange.from, yRange.to, usualLength) + gap / 2, bar + 3 * gap,
-            (captions.title.isEmpty() ? 1 : 2) * line + gap, mapAxisHeight(font) + gap + legend};
+    return {mapAxisWidth(font, yRange.from, yRange.to, usualLength) + partGap / 2,
+            bar + 3 * partGap, (captions.title.isEmpty() ? 1 : 2) * line + partGap,
+            mapAxisHeight(font) + partGap + legend};
 }
 
 QVector<LegendEntry> MapPicture::entries(const MapCaptions& captions, bool withView) const
@@ -163,14 +165,14 @@ void MapPicture::draw(QPainter& painter, GraphFrame& frame, const MapCaptions& c
     const int line = painter.fontMetrics().lineSpacing();
     const int plotHeight = truncToInt(coord.py0 - coord.py1);
     drawColourBar(painter,
-                  QRect(truncToInt(coord.px1) + 2 * gap, truncToInt(coord.py1),
-                        room.right - 2 * gap, plotHeight),
+                  QRect(truncToInt(coord.px1) + 2 * partGap, truncToInt(coord.py1),
+                        room.right - 2 * partGap, plotHeight),
                   m_quantity, m_ranges, captions);
-    painter.drawText(gap, gap / 2 + painter.fontMetrics().ascent(), captions.title);
-    const int legendTop = truncToInt(coord.py0) + mapAxisHeight(font) + gap / 2;
-    const QRect legend(gap, legendTop, canvas.width() - 2 * gap, room.bottom);
+    painter.drawText(partGap, partGap / 2 + painter.fontMetrics().ascent(), captions.title);
+    const int legendTop = truncToInt(coord.py0) + mapAxisHeight(font) + partGap / 2;
+    const QRect legend(partGap, legendTop, canvas.width() - 2 * partGap, room.bottom);
     drawLegend(painter, legend, entries(captions, false));
-    drawLegend(painter, QRect(gap, canvas.height() - line - gap / 2, legend.width(), line),
+    drawLegend(painter, QRect(partGap, canvas.height() - line - partGap / 2, legend.width(), line),
                entries(captions, true));
 }
 

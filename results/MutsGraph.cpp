@@ -27,7 +27,7 @@ constexpr int selectedWidth = 2;
 constexpr int chosenWidth = 3;
 constexpr int usedWidth = 3;
 
-constexpr double roomAround = 0.05;
+constexpr double roomAboveAndBelow = 0.05;
 constexpr std::size_t blankIndex = 3;
 
 bool hasPoints(const FittedSpectrum* data)
@@ -179,10 +179,10 @@ AxisEnds curveRange(const std::vector<std::vector<QPointF>>& curves, const AxisE
         }
     }
     if (min > max)
-        return {-roomAround, 1.0 + roomAround};
+        return {-roomAboveAndBelow, 1.0 + roomAboveAndBelow};
     if (min == max)
         return {min - 0.5, max + 0.5};
-    return {min - roomAround * (max - min), max + roomAround * (max - min)};
+    return {min - roomAboveAndBelow * (max - min), max + roomAboveAndBelow * (max - min)};
 }
 
 void drawMutsGraph(QPainter& painter, GraphFrame& frame, const MutsContent& content)

@@ -14,7 +14,7 @@ constexpr std::size_t blockSize = 8192;
 
 /// Longest line of a pixel: five numbers that may fill their fields and more, blanks, and the empty
 /// line behind a row.
-constexpr std::size_t longestLine = 5 * (fieldWidth + longestNumber) + 16;
+constexpr std::size_t longestPixelLine = 5 * (fieldWidth + longestNumber) + 16;
 
 /// One line for a pixel.
 char* writePixel(const MapPosition& position, double a, double valence, double t, char* out)
@@ -52,7 +52,7 @@ public:
     {
         const std::size_t first = block * blockSize;
         const std::size_t last = std::min(first + blockSize, m_pixels);
-        if (!text.resize((last - first) * longestLine))
+        if (!text.resize((last - first) * longestPixelLine))
             return false;
         const auto columns = static_cast<std::size_t>(m_results.columns);
         std::size_t rowEnd = (first / columns + 1) * columns;

@@ -34,9 +34,9 @@ QString nearestName(const QString& misspelt, const QStringList& names)
     QString nearest;
     int best = std::max(1, misspelt.size() / 3) + 1;
     for (const QString& name : names) {
-        const int changes = distance(misspelt, name);
-        if (changes < best) {
-            best = changes;
+        const int steps = distance(misspelt, name);
+        if (steps < best) {
+            best = steps;
             nearest = name;
         }
     }
