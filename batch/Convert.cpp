@@ -8,6 +8,7 @@
 #include "formats/MapText.h"
 #include "formats/StackMaps.h"
 #include "input/KnownPositions.h"
+#include "jobs/AlignmentKeys.h"
 #include "jobs/JobWriter.h"
 #include "jobs/TargetList.h"
 #include "system/FileLock.h"
@@ -82,6 +83,7 @@ public:
                 planCopy(point.map);
         for (std::size_t i = 0; i < m_new.maps.size(); ++i)
             planMap(list->maps[i], m_new.maps[i]);
+        planAlignment();
         for (JobFilePath* const result : {&m_new.output, &m_new.mapResult})
             if (!result->path.isEmpty())
                 result->path = m_names.whole(m_names.placeOf(result->path));
@@ -110,6 +112,8 @@ private:
     void planSpectrum(JobFilePath& spectrum);
     void planCopy(JobFilePath& file);
     void planMap(const MapJob& files, JobMap& map);
+    void planAlignment();
+    void planFoil(const QString& path, const QString& place, bool isTarget);
     void checkText() const;
     void checkPlaces();
     bool converts(const QString& path, const SpectrumSource& source) const;
@@ -207,6 +211,41 @@ void Conversion::planMap(const MapJob& files, JobMap& map)
         map.images.push_back({wanted ? m_names.whole(step.places.back()) : QString()});
     }
     m_maps.push_back(std::move(step));
+}
+
+/// The foil of a spectrum, by the name that the spectrum has in the folder.
+void Conversion::planFoil(const QString& path, const QString& place, bool isTarget)
+{
+    const JobFilePath& foil = m_job.alignment.foil;
+    const QString from = foilFile(m_job, path);
+    const QString to = QDir(m_new.folder).relativeFilePath(foilFile(m_new, m_names.whole(place)));
+    if (!QFileInfo::exists(from))
+        return; // the target is refused for it, as it was
+    m_names.keep(to);
+    m_files.push_back({from, to, foil.source, true, isTarget, foil.place});
+    if (converts(from, foil.source))
+        m_new.alignment.foil.source = {};
+}
+
+void Conversion::planAlignment()
+{
+    JobAlignment& alignment = m_new.alignment;
+    for (const FileStep& step : m_files)
+        if (!alignment.table.path.isEmpty() && step.isSpectrum &&
+            QDir(m_job.folder).relativeFilePath(step.path) != step.place)
+            console::say(QStringLiteral("%1 is %2 now; the table of shifts has its old name")
+                             .arg(step.path, step.place));
+    planCopy(alignment.table);
+    if (alignment.foil.path.isEmpty())
+        return;
+    const QString suffix = QFileInfo(alignment.foil.path).suffix();
+    alignment.foil.path = QStringLiteral("foils/{name}");
+    if (!suffix.isEmpty() && !suffix.contains(QLatin1Char('}')))
+        alignment.foil.path += QLatin1Char('.') + suffix;
+    const std::vector<FileStep> spectra = m_files;
+    for (const FileStep& step : spectra)
+        if (step.isSpectrum)
+            planFoil(step.path, step.place, step.isTarget);
 }
 
 /// The job to come is one.
@@ -335,6 +374,10 @@ void Conversion::writeMap(const MapStep& step)
 
 void Conversion::sayWhatIsLost() const
 {
+    if (m_job.alignment.any())
+        console::say(
+            QStringLiteral("[alignment] is carried for drovik-batch alone: the window shows "
+                           "the energies of the files"));
     if (m_energyChange > 0.0 || m_mutChange > 0.0)
         console::say(QStringLiteral("the spectra are carried to %1 eV and %2 of mu-t")
                          .arg(m_energyChange, 0, 'g', 2)

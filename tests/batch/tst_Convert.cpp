@@ -35,6 +35,8 @@ private slots:
     void twoReadingsOfAFile();
     void filesFromOutside();
     void tiltIsTold();
+    void alignmentIsTold_data();
+    void alignmentIsTold();
     void unreadableTarget();
     void unreadableReference();
     void folderOfOthersIsLeftAlone();
@@ -373,6 +375,47 @@ void tst_Convert::tiltIsTold()
                  QStringLiteral("map area: tilt_ev_per_row is not carried: in the window the "
                                 "references are taken at the energies of the points\n")),
              qPrintable(converted.errors));
+}
+
+void tst_Convert::alignmentIsTold_data()
+{
+    QTest::addColumn<QByteArray>("keys");
+    QTest::newRow("numbers") << QByteArray("target = 0.25\n");
+    QTest::newRow("table") << QByteArray("shifts = \"shifts.txt\"\n");
+    QTest::newRow("foils") << QByteArray("foil = \"scans/foils/{name}.foil\"\n");
+}
+
+/// Its shifts are those of the job all the same.
+void tst_Convert::alignmentIsTold()
+{
+    QFETCH(QByteArray, keys);
+    const BatchFolder folder({35});
+    folder.write("shifts.txt",
+                 "file,shift\nref1.dat,0\nref2.dat,0\nblank.dat,0\nscans/35.dat,0.25\n");
+    QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("scans/foils")));
+    const QByteArray foil = contents(folder.file("ref1.dat"));
+    for (const char* const name : {"ref1", "ref2", "blank"})
+        folder.write(("scans/foils/" + QByteArray(name) + ".foil").constData(), foil);
+    SpectrumPoints points;
+    QCOMPARE(readSpectrum(ArrayBytes(foil), points), ReadOutcome::Read);
+    for (SpectrumPoint& point : points)
+        point.energy -= 0.25;
+    folder.write("scans/foils/35.foil", beamlineText("foil", points).text);
+    folder.writeJob("[alignment]\n" + keys);
+    const BatchOutput before = folder.run();
+    QVERIFY2(before.status == 0, qPrintable(before.errors));
+    const BatchOutput converted = folder.run(convert());
+    QVERIFY2(converted.status == 0, qPrintable(converted.errors));
+    QVERIFY(converted.errors.startsWith(QStringLiteral(
+        "[alignment] is carried for drovik-batch alone: the window shows the energies of the "
+        "files\n")));
+    const BatchOutput after = folder.runPlainly({QStringLiteral("window/job.toml")});
+    QVERIFY2(after.status == 0, qPrintable(after.errors));
+    const auto table = figuresOf(folder.results());
+    const int shift = table.first().indexOf(QStringLiteral("shift"));
+    QVERIFY(shift >= 0);
+    QVERIFY(std::abs(table.last()[shift].toDouble() - 0.25) < 0.01);
+    QCOMPARE(figuresOf(contents(folder.file("window/results/results.csv"))), table);
 }
 
 /// It is copied, and refused in the converted job too.
