@@ -13,12 +13,6 @@
 namespace
 {
 
-ExitStatus complain(const QString& text, ExitStatus status)
-{
-    console::say(text);
-    return status;
-}
-
 /// No target is needed.
 Job withoutTargets(const Job& job)
 {
@@ -42,28 +36,32 @@ bool losesInput(const QString& path, const Job& job, const QString& picture)
 
 } // namespace
 
-ExitStatus rankJob(const QString& path, const Job& job, const QString& picture)
+int rankJob(const QString& path, const Job& job, const QString& picture)
 {
     if (!picture.isEmpty() && losesInput(path, job, picture))
-        return complain(picture + QStringLiteral(": would be written over what the job reads"),
-                        ExitStatus::BadJob);
+        return console::complain(picture +
+                                     QStringLiteral(": would be written over what the job reads"),
+                                 ExitStatus::BadJob);
     JobError error;
     const std::optional<JobData> data = readJobData(withoutTargets(job), error);
     if (!data)
-        return complain(errorText(path, error), ExitStatus::BadJob);
+        return console::complain(errorText(path, error), ExitStatus::BadJob);
     const std::vector<RankedChoice> ranked = rankEnergies(data->input, rankedTargetOf(job));
     if (ranked.empty())
-        return complain(QStringLiteral("No energies were found: the references need common "
-                                       "energies below the edge, and two crossings above it."),
-                        ExitStatus::SomeRefused);
+        return console::complain(
+            QStringLiteral("No energies were found: the references need common "
+                           "energies below the edge, and two crossings above it."),
+            ExitStatus::SomeRefused);
     const ReferenceValences& valences = data->settings.valences;
     if (!console::print(rankTable(ranked, valences)))
-        return complain(QStringLiteral("The table cannot be written."), ExitStatus::FileFailed);
+        return console::complain(QStringLiteral("The table cannot be written."),
+                                 ExitStatus::FileFailed);
     if (picture.isEmpty())
-        return ExitStatus::Done;
+        return static_cast<int>(ExitStatus::Done);
     const QImage image =
         rankPicture(data->input.spectra, ranked, valences, OutputWords(languageName(job)));
     if (!writePicture(picture, image).failed.isEmpty())
-        return complain(picture + QStringLiteral(": cannot be written"), ExitStatus::FileFailed);
-    return ExitStatus::Done;
+        return console::complain(picture + QStringLiteral(": cannot be written"),
+                                 ExitStatus::FileFailed);
+    return static_cast<int>(ExitStatus::Done);
 }

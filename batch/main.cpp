@@ -98,7 +98,7 @@ int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
         application = pictureApplication(argc, argv);
     }
     if (options.rank)
-        return static_cast<int>(rankJob(options.job, *job, options.picture));
+        return rankJob(options.job, *job, options.picture);
     if (options.merge && !job->output.path.isEmpty())
         return mergeShards(options.job, *text, *job, options.run);
     if (!job->output.path.isEmpty())
