@@ -50,7 +50,7 @@ private:
     const ReportTargets::Row& m_row;
 };
 
-struct Closure {
+struct ReportedClosure {
     double ref1 = notANumber;
     double ref2 = notANumber;
 
@@ -63,12 +63,12 @@ struct Closure {
 };
 
 /// That of the first row which has one; it is the same for all.
-Closure closureOf(const ReportTargets& targets)
+ReportedClosure closureOf(const ReportTargets& targets)
 {
     for (const ReportTargets::Row* row : rowsWithValence(targets)) {
         const Figures figure(targets, *row);
-        const Closure closure{figure("closure_ref1").value_or(notANumber),
-                              figure("closure_ref2").value_or(notANumber)};
+        const ReportedClosure closure{figure("closure_ref1").value_or(notANumber),
+                                      figure("closure_ref2").value_or(notANumber)};
         if (closure.isThere())
             return closure;
     }
@@ -81,7 +81,7 @@ QString threeDecimals(double value)
     return QString::number(std::abs(value) < none ? 0.0 : value, 'f', 3);
 }
 
-QString closureText(const Closure& closure, const OutputWords& words)
+QString closureText(const ReportedClosure& closure, const OutputWords& words)
 {
     return words("Closure: with Ref 1 and Ref 2 in the target's place the method finds a = %1 and "
                  "%2; it should find 1 and 0.")
@@ -244,7 +244,7 @@ bool hasErrors(const ReportTargets& targets)
 
 QByteArray closureAlarm(const ReportFacts& facts, const OutputWords& words)
 {
-    const Closure closure = closureOf(facts.targets);
+    const ReportedClosure closure = closureOf(facts.targets);
     if (!closure.isDoubtful())
         return {};
     return "<p class=\"alarm\" role=\"alert\"><strong>" +
@@ -259,7 +259,7 @@ QByteArray errorsSection(const ReportFacts& facts, const OutputWords& words)
         return {};
     QByteArray html =
         "<section id=\"errors\">\n<h2>" + htmlText(words("How sure the valences are")) + "</h2>\n";
-    if (const Closure closure = closureOf(facts.targets); closure.isThere())
+    if (const ReportedClosure closure = closureOf(facts.targets); closure.isThere())
         html += paragraph(closureText(closure, words));
     return html + limit(facts.targets, words) + errorTable(facts, words) + meanings(facts, words) +
            details(facts.targets, words) + "</section>\n";
