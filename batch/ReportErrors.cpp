@@ -147,7 +147,7 @@ QByteArray errorRow(const ReportTargets& targets, const ReportTargets::Row& row,
 
 QByteArray errorTable(const ReportFacts& facts, const OutputWords& words)
 {
-    QByteArray html = "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"" +
+    QByteArray html = R"(<div class="scroll" tabindex="0" role="region" aria-label=")" +
                       htmlText(words("How sure the valences are")) + "\">\n<table>\n<thead>\n<tr>";
     for (const QString& title : {words("No."), words("Target"), words("Valence"),
                                  words("%1 % interval").arg(textFromNumber(100.0 * facts.level)),
@@ -247,7 +247,7 @@ QByteArray closureAlarm(const ReportFacts& facts, const OutputWords& words)
     const ReportedClosure closure = closureOf(facts.targets);
     if (!closure.isDoubtful())
         return {};
-    return "<p class=\"alarm\" role=\"alert\"><strong>" +
+    return R"(<p class="alarm" role="alert"><strong>)" +
            htmlText(words("The valences are doubtful.")) + "</strong> " +
            htmlText(closureText(closure, words)) + ' ' +
            htmlText(words("The crossings or the thickness ratio are wrong.")) + "</p>\n";
