@@ -1,5 +1,6 @@
 #include "batch/ResultTables.h"
 
+#include "batch/ClosureLine.h"
 #include "batch/GraphPictures.h"
 #include "batch/JobKey.h"
 #include "batch/MapRow.h"
@@ -11,6 +12,8 @@
 
 #include <QDir>
 #include <QFileInfo>
+
+#include <cmath>
 
 namespace
 {
@@ -33,6 +36,9 @@ public:
         dropUnfinishedFiles(m_folder.path());
         if (!m_job.targets.empty())
             writeTargets();
+        if (const auto& uncertainty = m_prepared.common.uncertainty)
+            m_written.closure = closureLine(uncertainty->closure, std::move(m_fractions),
+                                            m_prepared.common.settings.valences);
         if (!m_job.maps.empty())
             writeMaps();
         if (m_job.pictures)
@@ -69,6 +75,7 @@ private:
     RunFileRows m_rows;
     std::vector<ReportInput> m_images;
     std::vector<LCFvs4PSPoint> m_points;
+    std::vector<double> m_fractions; ///< of the targets, finite ones
     ResultsWritten m_written;
 };
 
@@ -133,6 +140,9 @@ void Results::takeTarget(const RecordedRow& row)
     message(row.name(), field("refusal"));
     if (!field("warnings").isEmpty())
         message(row.name(), "warning: " + field("warnings"));
+    bool isNumber = false;
+    if (const double a = field("a").toDouble(&isNumber); isNumber && std::isfinite(a))
+        m_fractions.push_back(a);
     if (m_job.report)
         m_facts.targets.add(row.fields, row.readOut);
     if (m_job.hdf5)

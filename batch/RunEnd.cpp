@@ -32,6 +32,8 @@ int writeAndTell(RunRecord& record, const PreparedJob& prepared, bool quiet)
         console::say(QStringLiteral("cannot write %1").arg(written.failed));
         return static_cast<int>(ExitStatus::FileFailed);
     }
+    if (!quiet && !written.closure.isEmpty())
+        console::say(written.closure);
     for (const QString& file : written.files)
         if (!quiet)
             console::say(QStringLiteral("Written: ") + file);

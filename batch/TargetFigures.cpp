@@ -112,6 +112,19 @@ void addNoise(const TargetFigures& figures, const TargetResult* result, UnseenEr
     }
 }
 
+/// What is outside the range in which a transmission spectrum is of use.
+void doubtThickness(const UnseenErrors& unseen, QStringList& doubts)
+{
+    constexpr double mostMut = 4.0; // 2 % of the light: as much as often leaks or is harmonic
+    constexpr double leastJump = 0.1;
+    if (unseen.largestMut && *unseen.largestMut > mostMut)
+        doubts += QStringLiteral("mu-t goes up to %1, so that light of other ways counts")
+                      .arg(textFromNumber(*unseen.largestMut));
+    if (unseen.edgeJump && *unseen.edgeJump < leastJump)
+        doubts += QStringLiteral("the edge jump is %1, so that the lines' errors count")
+                      .arg(textFromNumber(*unseen.edgeJump));
+}
+
 /// Of readings that the job takes for photons, the gain is doubted; of others it is a figure.
 void doubt(const TargetFigures& figures, NoiseModel model, QStringList& doubts)
 {
@@ -124,6 +137,10 @@ void doubt(const TargetFigures& figures, NoiseModel model, QStringList& doubts)
         doubts += QStringLiteral("these readings are not photons: their scatter has %1 times the "
                                  "variance")
                       .arg(textFromNumber(*figures.gain));
+    constexpr double farOutside = 3.0;
+    if (const auto& outside = figures.unseen.sigmasOutside; outside && *outside > farOutside)
+        doubts += QStringLiteral("a lies %1 standard deviations outside 0 to 1")
+                      .arg(QString::number(*outside, 'g', 3));
     if (figures.fit && figures.fit->isBiased())
         doubts += QStringLiteral("the references' noise moves the fit's a by %1")
                       .arg(textFromNumber(figures.fit->biasA));
@@ -142,6 +159,7 @@ TargetFigures targetFigures(const JobData& data, const TargetResult* result,
         return figures;
     figures.closure = data.uncertainty->closure;
     figures.unseen = unseenErrors(data, result, fit);
+    doubtThickness(figures.unseen, figures.doubts);
     if (data.noise.model == NoiseModel::None)
         return figures;
     if (const auto& noise = data.noises[SpectrumSet::Target])

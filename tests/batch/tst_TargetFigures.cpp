@@ -1,4 +1,5 @@
 #include "analysis/SystematicErrors.h"
+#include "batch/ClosureLine.h"
 #include "batch/TargetFigures.h"
 #include "examples/MixedSampleFiles.h"
 #include "tests/batch/BatchFolder.h"
@@ -10,6 +11,8 @@
 #include <QtTest>
 
 #include <cmath>
+
+Q_DECLARE_METATYPE(Closure)
 
 namespace
 {
@@ -51,6 +54,11 @@ private slots:
     void gainThatIsNoneIsDoubted();
     void noneLeavesThemOut();
     void verboseTellsWhatCountingDoesNotSee();
+    void closureIsToldOnceAJob_data();
+    void closureIsToldOnceAJob();
+    void farOutsideIsDoubted();
+    void thicknessBeyondUseIsDoubted_data();
+    void thicknessBeyondUseIsDoubted();
     void unseenErrorsComeBackFromTheRecord();
     void levelWidensTheInterval();
     void keysAreChecked_data();
@@ -220,6 +228,86 @@ void tst_TargetFigures::verboseTellsWhatCountingDoesNotSee()
     m_folder.writeJob();
     QVERIFY(
         !m_folder.run({QStringLiteral("--again")}).errors.contains(QStringLiteral("eV higher")));
+}
+
+void tst_TargetFigures::closureIsToldOnceAJob_data()
+{
+    const Closure good{{1.007, {}}, {-0.002, {}}};
+    const Closure bad{{0.74, {}}, {-0.055, {}}};
+    QTest::addColumn<Closure>("closure");
+    QTest::addColumn<QVector<double>>("fractions");
+    QTest::addColumn<QString>("line");
+    // 0.34 * 0.007 - 0.66 * 0.002 = 0.00106 of a, in valence the other way round
+    QTest::newRow("measured") << good << QVector<double>{0.9, 0.34, 0.1}
+                              << "closure: Ref 1 as target has a = 1.007, Ref 2 a = -0.002; they "
+                                 "should have 1 and 0. At a = 0.340, the targets' median, a "
+                                 "valence is off by -0.001";
+    QTest::newRow("no target") << good << QVector<double>()
+                               << "closure: Ref 1 as target has a = 1.007, Ref 2 a = -0.002; they "
+                                  "should have 1 and 0";
+    QTest::newRow("wrong") << bad << QVector<double>{1.0}
+                           << "warning: closure: Ref 1 as target has a = 0.740, Ref 2 a = -0.055; "
+                              "they should have 1 and 0. At a = 1.000, the targets' median, a "
+                              "valence is off by 0.260";
+    QTest::newRow("none") << Closure() << QVector<double>{0.5} << QString();
+}
+
+void tst_TargetFigures::closureIsToldOnceAJob()
+{
+    QFETCH(Closure, closure);
+    QFETCH(QVector<double>, fractions);
+    QFETCH(QString, line);
+    QCOMPARE(closureLine(closure, {fractions.begin(), fractions.end()}, {2.0, 3.0}), line);
+}
+
+/// More of Ref 1 than all, by more than noise does: never clipped, but said.
+void tst_TargetFigures::farOutsideIsDoubted()
+{
+    const QByteArray before = contents(m_folder.file("scans/35.dat"));
+    const QTemporaryDir made;
+    MixedSample sample;
+    sample.fraction = 1.1;
+    QVERIFY(writeSample(made.path(), sample, 2).isEmpty());
+    m_folder.write("scans/35.dat", contents(made.filePath(QStringLiteral("target.dat"))));
+    const auto row = rowOf("[conditions]\nthickness = \"sum-by-sum\"\n"
+                           "references_minus_victreen = false\n");
+    m_folder.write("scans/35.dat", before);
+    const double a = row["a"].toDouble();
+    QVERIFY2(std::abs(a - 1.1) < 0.02, row["a"]);
+    const double sigma = std::hypot(row["sigma_a"].toDouble(), row["sigma_a_ref"].toDouble());
+    QCOMPARE(row["warnings"], "a lies " + QByteArray::number((a - 1.0) / sigma, 'g', 3) +
+                                  " standard deviations outside 0 to 1");
+}
+
+void tst_TargetFigures::thicknessBeyondUseIsDoubted_data()
+{
+    QTest::addColumn<double>("factor"); ///< on the transmitted light's logarithm
+    QTest::addColumn<QByteArray>("what");
+    QTest::newRow("thick") << 12.0 << QByteArray("mu-t goes up to ");
+    QTest::newRow("thin") << 0.1 << QByteArray("the edge jump is ");
+}
+
+/// Of a sample that is so many times as thick.
+void tst_TargetFigures::thicknessBeyondUseIsDoubted()
+{
+    QFETCH(double, factor);
+    QFETCH(QByteArray, what);
+    const QByteArray before = contents(m_folder.file("scans/35.dat"));
+    QByteArray text;
+    for (const QByteArray& line : before.split('\n')) {
+        QList<QByteArray> tokens = line.simplified().split(' ');
+        if (tokens.size() >= 5 && tokens[3].toDouble() > 1e6) {
+            const double mut = std::log(tokens[3].toDouble() / tokens[4].toDouble());
+            tokens[4] = QByteArray::number(tokens[3].toDouble() * std::exp(-factor * mut), 'g', 17);
+        }
+        text += tokens.join(' ') + '\n';
+    }
+    m_folder.write("scans/35.dat", text);
+    const auto row = rowOf({});
+    m_folder.write("scans/35.dat", before);
+    QVERIFY2(row["warnings"].contains(what), row["warnings"]);
+    QCOMPARE(row["warnings"].count("the edge jump is ") + row["warnings"].count("mu-t goes up to "),
+             1);
 }
 
 void tst_TargetFigures::unseenErrorsComeBackFromTheRecord()
