@@ -3,6 +3,7 @@
 #include "app/FourPs.h"
 #include "app/GraphMenu.h"
 #include "display/ScreenRoom.h"
+#include "system/Workers.h"
 #include "text/NumberText.h"
 
 #include <QComboBox>
@@ -126,7 +127,7 @@ void MapWindow::refresh()
         take({});
     }
     m_picture.setMap(m_pixels, m_grid, static_cast<MapQuantity>(m_quantity->currentIndex()),
-                     m_panel.mapRanges());
+                     m_panel.mapRanges(), &Workers::shared());
     m_fresh = true;
     if (!m_region.empty())
         take(m_region); // the same pixels, their new values

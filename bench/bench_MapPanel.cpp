@@ -1,5 +1,6 @@
 #include "app/Body.h"
 #include "app/FourPs.h"
+#include "app/MapWindow.h"
 #include "examples/MapSample.h"
 #include "examples/MixedSampleFiles.h"
 #include "input/AEPoint.h"
@@ -62,11 +63,16 @@ struct Session {
 };
 
 /// A click on a thickness button: the map of four rows, histograms, and the repaint of "t/a" and
-/// both histograms.
+/// both histograms; and of the window of the map, where that is open.
 void click(benchmark::State& state)
 {
     const auto side = static_cast<int>(state.range(0));
     const Session session(side);
+    const bool mapOpen = state.range(1) != 0;
+    if (mapOpen) {
+        session.panel().mapWindow().show();
+        QApplication::processEvents();
+    }
     const double pixels = static_cast<double>(side) * side;
     const double bytes = residentBytes() - session.emptyBytes;
     bool mean = false;
@@ -88,9 +94,10 @@ void click(benchmark::State& state)
 }
 
 BENCHMARK(click)
-    ->ArgName("side")
-    ->Arg(1024)
-    ->Arg(2048)
+    ->ArgNames({"side", "map_window"})
+    ->Args({1024, 0})
+    ->Args({1024, 1})
+    ->Args({2048, 0})
     ->Unit(benchmark::kMillisecond)
     ->UseManualTime()
     ->Iterations(41);

@@ -1,7 +1,10 @@
 #include "results/MapCells.h"
 
+#include "system/Workers.h"
+
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace
 {
@@ -99,6 +102,32 @@ private:
     AxisEnds m_strengths;
 };
 
+constexpr std::size_t blockSize = std::size_t{1} << 14;
+
+/// Calls `work` for every block of so many of [0, count), on the workers' threads if there are any.
+void inBlocks(std::size_t count, std::size_t size, Workers* workers,
+              const std::function<void(std::size_t begin, std::size_t end)>& work)
+{
+    const std::size_t blocks = (count + size - 1) / size;
+    const auto block = [&](std::size_t number) {
+        const std::size_t begin = number * size;
+        work(begin, std::min(begin + size, count));
+    };
+    if (workers != nullptr)
+        return workers->run(blocks, [&](std::size_t number, unsigned) { block(number); });
+    for (std::size_t number = 0; number < blocks; ++number)
+        block(number);
+}
+
+void add(const MapCounts& part, MapCounts& sum)
+{
+    sum.missing += part.missing;
+    sum.below += part.below;
+    sum.above += part.above;
+    sum.thinner += part.thinner;
+    sum.thicker += part.thicker;
+}
+
 } // namespace
 
 const std::vector<QRgb>& MapColours::table(MapQuantity quantity)
@@ -123,24 +152,34 @@ int stepOf(double value, const AxisEnds& range, int steps)
 }
 
 MapCells mapCells(const MapPixels& pixels, const MapGrid& grid, MapQuantity quantity,
-                  const MapRanges& ranges)
+                  const MapRanges& ranges, Workers* workers)
 {
     MapCells cells;
     cells.columns = grid.columns();
     cells.rows = grid.rows();
-    Coder code(pixels, quantity, ranges);
     std::vector<Code> ofPixels(pixels.size());
-    for (std::size_t i = 0; i < ofPixels.size(); ++i)
-        ofPixels[i] = code(i);
-    cells.counts = code.counts;
-    cells.codes.reserve(static_cast<std::size_t>(cells.columns) *
-                        static_cast<std::size_t>(cells.rows));
-    for (int row = 0; row < cells.rows; ++row)
-        for (int column = 0; column < cells.columns; ++column) {
-            const std::ptrdiff_t pixel = grid.pixel(column, row);
-            cells.codes.push_back(pixel == MapGrid::none
-                                      ? MapColours::nothing
-                                      : ofPixels[static_cast<std::size_t>(pixel)]);
-        }
+    std::vector<MapCounts> counts((ofPixels.size() + blockSize - 1) / blockSize);
+    inBlocks(ofPixels.size(), blockSize, workers, [&](std::size_t begin, std::size_t end) {
+        Coder code(pixels, quantity, ranges);
+        for (std::size_t i = begin; i < end; ++i)
+            ofPixels[i] = code(i);
+        counts[begin / blockSize] = code.counts;
+    });
+    for (const MapCounts& part : counts)
+        add(part, cells.counts);
+    const auto columns = static_cast<std::size_t>(cells.columns);
+    const auto rows = static_cast<std::size_t>(cells.rows);
+    cells.codes.resize(columns * rows);
+    const std::size_t rowsAtOnce = 1 + blockSize / std::max<std::size_t>(columns, 1);
+    inBlocks(rows, rowsAtOnce, workers, [&](std::size_t begin, std::size_t end) {
+        std::size_t cell = begin * columns;
+        for (std::size_t row = begin; row < end; ++row)
+            for (int column = 0; column < cells.columns; ++column) {
+                const std::ptrdiff_t pixel = grid.pixel(column, static_cast<int>(row));
+                cells.codes[cell++] = pixel == MapGrid::none
+                                          ? MapColours::nothing
+                                          : ofPixels[static_cast<std::size_t>(pixel)];
+            }
+    });
     return cells;
 }

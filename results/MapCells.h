@@ -8,6 +8,8 @@
 #include <optional>
 #include <vector>
 
+class Workers;
+
 /// What a picture shows in colours.
 enum class MapQuantity {
     Valence,
@@ -68,5 +70,6 @@ struct MapCells {
     MapCounts counts;
 };
 
+/// @param workers  share the pixels out; null for the calling thread alone. The cells are the same.
 MapCells mapCells(const MapPixels& pixels, const MapGrid& grid, MapQuantity quantity,
-                  const MapRanges& ranges);
+                  const MapRanges& ranges, Workers* workers = nullptr);

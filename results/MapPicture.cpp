@@ -70,13 +70,13 @@ bool MapPicture::ViewKey::operator==(const ViewKey& other) const
 }
 
 void MapPicture::setMap(const MapPixels& pixels, std::shared_ptr<const MapGrid> grid,
-                        MapQuantity quantity, const MapRanges& ranges)
+                        MapQuantity quantity, const MapRanges& ranges, Workers* workers)
 {
     m_pixels = pixels;
     m_grid = std::move(grid);
     m_quantity = quantity;
     m_ranges = ranges;
-    m_cells = mapCells(m_pixels, *m_grid, m_quantity, m_ranges);
+    m_cells = mapCells(m_pixels, *m_grid, m_quantity, m_ranges, workers);
     m_key.reset();
     m_view = MapView();
 }

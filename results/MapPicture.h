@@ -14,8 +14,9 @@ class MapPicture
 public:
     /// Takes what is to be shown. The arrays need to live until another map is taken.
     /// @param grid  of these pixels; pictures of one map share it
+    /// @param workers  share the pixels out; null for the calling thread alone
     void setMap(const MapPixels& pixels, std::shared_ptr<const MapGrid> grid, MapQuantity quantity,
-                const MapRanges& ranges);
+                const MapRanges& ranges, Workers* workers = nullptr);
 
     /// Paints the map with the painter's font. The frame's range is that of the map unless one is
     /// set; the range of the first axis follows that of the second one, so that both have the same

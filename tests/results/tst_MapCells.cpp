@@ -1,4 +1,5 @@
 #include "results/MapCells.h"
+#include "system/Workers.h"
 #include "tests/support/SmallMap.h"
 
 #include <QColor>
@@ -49,6 +50,8 @@ private slots:
     void rangeMayBeTurnedRound();
     void ownColoursAreFarFromAllOthers();
     void brightnessRisesWithTheValue();
+    void threadsChangeNothing_data();
+    void threadsChangeNothing();
 };
 
 void TestMapCells::coloursAreThoseOfTheTable()
@@ -186,6 +189,43 @@ void TestMapCells::brightnessRisesWithTheValue()
         QVERIFY(brightness > before * 1.03);
         before = brightness;
     }
+}
+
+void TestMapCells::threadsChangeNothing_data()
+{
+    QTest::addColumn<int>("columns");
+    QTest::addColumn<int>("rows");
+    QTest::newRow("one pixel") << 1 << 1;
+    QTest::newRow("a block") << 128 << 128;
+    QTest::newRow("a row more") << 128 << 129;
+    QTest::newRow("many blocks") << 301 << 207;
+    QTest::newRow("one long row") << 40000 << 1;
+    QTest::newRow("one column") << 1 << 40000;
+}
+
+/// Of pixels of every kind: the same cells and counts as of one thread.
+void TestMapCells::threadsChangeNothing()
+{
+    QFETCH(int, columns);
+    QFETCH(int, rows);
+    SmallMap map(columns, rows);
+    for (int row = 0; row < rows; ++row)
+        for (int column = 0; column < columns; ++column) {
+            const int i = row * columns + column;
+            map.set(column, row, i % 97 == 0 ? std::nan("") : 1.8 + 0.014 * (i % 101));
+        }
+    Workers workers(3);
+    const MapGrid grid(map.pixels());
+    const auto quantity = MapQuantity::ValenceByThickness;
+    const MapCells alone = mapCells(map.pixels(), grid, quantity, ranges);
+    const MapCells shared = mapCells(map.pixels(), grid, quantity, ranges, &workers);
+    QVERIFY(shared.codes == alone.codes);
+    const auto listed = [](const MapCounts& c) {
+        return std::vector<std::size_t>{c.missing, c.below, c.above, c.thinner, c.thicker};
+    };
+    QCOMPARE(listed(shared.counts), listed(alone.counts));
+    QCOMPARE(alone.counts.missing, static_cast<std::size_t>((columns * rows + 96) / 97));
+    QCOMPARE(alone.codes.size(), static_cast<std::size_t>(columns * rows));
 }
 
 QTEST_APPLESS_MAIN(TestMapCells)
