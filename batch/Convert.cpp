@@ -59,10 +59,10 @@ class Conversion
 {
 public:
     Conversion(const QString& path, const Job& job, const QString& folder)
-        : m_path(path), m_job(job), m_new(job), m_names(job.folder, folder), m_inputs(job, path)
+        : m_path(path), m_job(job), m_new(job), m_names(job.folder, folder), m_inputs(job, path),
+          m_jobName(QFileInfo(path).fileName())
     {
         m_new.folder = folder;
-        m_jobName = QFileInfo(path).fileName();
         m_names.keep(m_jobName);
     }
 

@@ -72,8 +72,10 @@ SharedPositions countedPositions(int columns, int rows)
     const auto width = static_cast<std::size_t>(columns);
     if (!positions.resize(width * static_cast<std::size_t>(rows)))
         return nullptr;
-    for (std::size_t i = 0; i < positions.size(); ++i)
-        positions[i] = {static_cast<double>(i % width), static_cast<double>(i / width)};
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+        const std::size_t row = i / width;
+        positions[i] = {static_cast<double>(i - row * width), static_cast<double>(row)};
+    }
     return std::make_shared<const MapPositions>(std::move(positions));
 }
 
