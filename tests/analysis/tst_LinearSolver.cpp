@@ -43,10 +43,9 @@ bool agrees(const Matrix<n>& a, const Vector<n>& b)
     for (const auto& row : a)
         lines.emplace_back(row.begin(), row.end());
     const Numbers right(b.begin(), b.end());
-    const int size = static_cast<int>(n);
-    const formulas::Decomposition expected = formulas::luDecompose(size, lines);
-    const Numbers expectedY = formulas::luForward(size, expected, right);
-    const Numbers expectedX = formulas::luBackward(size, expected, expectedY);
+    const formulas::Decomposition expected = formulas::luDecompose(n, lines);
+    const Numbers expectedY = formulas::luForward(n, expected, right);
+    const Numbers expectedX = formulas::luBackward(n, expected, expectedY);
 
     Matrix<n> lower{};
     Matrix<n> upper{};
@@ -57,7 +56,7 @@ bool agrees(const Matrix<n>& a, const Vector<n>& b)
     luForward<n>(lower, b, y, perm);
     luBackward<n>(upper, y, x, perm);
     for (std::size_t i = 0; i < n; ++i)
-        if (static_cast<int>(perm[i]) != expected.perm[i])
+        if (static_cast<std::size_t>(perm[i]) != expected.perm[i])
             return false;
     return sameLines<n>(lower, expected.lower) && sameLines<n>(upper, expected.upper) &&
            sameNumbers<n>(y, expectedY) && sameNumbers<n>(x, expectedX) &&

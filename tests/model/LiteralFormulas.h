@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cmath>
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <type_traits>
@@ -21,35 +22,35 @@ using Lines = std::vector<Numbers>;
 struct Decomposition {
     Lines lower;
     Lines upper;
-    std::vector<int> perm;
+    std::vector<std::size_t> perm;
 };
 
-inline Decomposition luDecompose(int n, Lines matrix)
+inline Decomposition luDecompose(std::size_t n, Lines matrix)
 {
-    Decomposition d{std::move(matrix), Lines(n, Numbers(n, 0.0)), std::vector<int>(n)};
+    Decomposition d{std::move(matrix), Lines(n, Numbers(n, 0.0)), std::vector<std::size_t>(n)};
     Lines& a = d.lower;
-    std::vector<int>& perm = d.perm;
-    for (int i = 0; i < n; i++)
+    std::vector<std::size_t>& perm = d.perm;
+    for (std::size_t i = 0; i < n; i++)
         perm[i] = i;
-    for (int k = 0; k < n; k++) {
-        int best = k;
-        for (int j = k; j < n; j++)
-            if (std::fabs(a[perm[j]][k]) > best)
+    for (std::size_t k = 0; k < n; k++) {
+        std::size_t best = k;
+        for (std::size_t j = k; j < n; j++)
+            if (std::fabs(a[perm[j]][k]) > static_cast<double>(best))
                 best = j;
-        const int swapped = perm[k];
+        const std::size_t swapped = perm[k];
         perm[k] = perm[best];
         perm[best] = swapped;
         double pivot = a[perm[k]][k];
         if (pivot == 0.0)
             pivot = 1.0;
-        for (int i = k + 1; i < n; i++) {
+        for (std::size_t i = k + 1; i < n; i++) {
             a[perm[i]][k] = a[perm[i]][k] / pivot;
-            for (int j = k + 1; j < n; j++)
+            for (std::size_t j = k + 1; j < n; j++)
                 a[perm[i]][j] = a[perm[i]][j] - a[perm[k]][j] * a[perm[i]][k];
         }
     }
-    for (int i = 0; i < n; i++) {
-        for (int j = i; j < n; j++) {
+    for (std::size_t i = 0; i < n; i++) {
+        for (std::size_t j = i; j < n; j++) {
             d.upper[perm[i]][j] = a[perm[i]][j];
             a[perm[i]][j] = i == j ? 1.0 : 0.0;
         }
@@ -58,24 +59,24 @@ inline Decomposition luDecompose(int n, Lines matrix)
 }
 
 /// @param y  the right side
-inline Numbers luForward(int n, const Decomposition& d, Numbers y)
+inline Numbers luForward(std::size_t n, const Decomposition& d, Numbers y)
 {
-    for (int k = 0; k <= n - 2; k++) {
-        const int r = d.perm[k];
+    for (std::size_t k = 0; k + 1 < n; k++) {
+        const std::size_t r = d.perm[k];
         y[r] = y[r] / d.lower[r][k];
-        for (int i = k + 1; i < n; i++)
+        for (std::size_t i = k + 1; i < n; i++)
             y[d.perm[i]] = y[d.perm[i]] - y[r] * d.lower[d.perm[i]][k];
     }
     return y;
 }
 
 /// @param x  what luForward brings
-inline Numbers luBackward(int n, const Decomposition& d, Numbers x)
+inline Numbers luBackward(std::size_t n, const Decomposition& d, Numbers x)
 {
-    for (int k = n - 1; k >= 0; k--) {
-        const int r = d.perm[k];
+    for (std::size_t k = n; k-- > 0;) {
+        const std::size_t r = d.perm[k];
         x[r] = x[r] / d.upper[r][k];
-        for (int i = k - 1; i >= 0; i--)
+        for (std::size_t i = k; i-- > 0;)
             x[d.perm[i]] = x[d.perm[i]] - x[r] * d.upper[d.perm[i]][k];
     }
     return x;
@@ -83,11 +84,11 @@ inline Numbers luBackward(int n, const Decomposition& d, Numbers x)
 
 inline Numbers solve(Lines matrix, Numbers right)
 {
-    const int n = static_cast<int>(matrix.size());
+    const std::size_t n = matrix.size();
     const Decomposition d = luDecompose(n, std::move(matrix));
     const Numbers x = luBackward(n, d, luForward(n, d, std::move(right)));
     Numbers unknowns;
-    for (int k = 0; k < n; k++)
+    for (std::size_t k = 0; k < n; k++)
         unknowns.push_back(x[d.perm[k]]);
     return unknowns;
 }
