@@ -90,7 +90,7 @@ void PanelReader::takeFiles()
 /// Text of a field; words count as 0, as they do in the panel.
 QString PanelReader::number(const QLineEdit* field, const QString& name)
 {
-    const QString text = field->text();
+    QString text = field->text();
     const double value = numberFromText(text);
     if (!std::isfinite(value))
         lose(name);
