@@ -56,7 +56,7 @@ bool agrees(const Matrix<n>& a, const Vector<n>& b)
     luForward<n>(lower, b, y, perm);
     luBackward<n>(upper, y, x, perm);
     for (std::size_t i = 0; i < n; ++i)
-        if (static_cast<std::size_t>(perm[i]) != expected.perm[i])
+        if (perm[i] != expected.perm[i])
             return false;
     return sameLines<n>(lower, expected.lower) && sameLines<n>(upper, expected.upper) &&
            sameNumbers<n>(y, expectedY) && sameNumbers<n>(x, expectedX) &&
