@@ -17,8 +17,9 @@ QStringList filesOf(const Job& job, const Shard& shard)
 {
     const RunFolder folder(job);
     const QString record = shard.isAll() ? folder.record() : folder.record(shard);
-    return {record, record + QStringLiteral("-journal"), folder.results(), folder.maps(),
-            folder.report(), folder.hdf5()};
+    return {record,           record + QStringLiteral("-journal"),
+            folder.results(), folder.maps(),
+            folder.report(),  folder.hdf5()};
 }
 
 } // namespace

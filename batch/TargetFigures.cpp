@@ -188,6 +188,27 @@ QByteArrayList figureColumns()
         "closure_ref2",    "dvalence_shift", "dvalence_leak", "shift",       "sigma_shift"};
 }
 
+namespace
+{
+
+/// Not-a-numbers where there is none.
+Interval intervalOf(const TargetFigures& figures)
+{
+    const auto interval = figures.point ? figures.point->valence(figures.valences) : std::nullopt;
+    return interval.value_or(Interval{notANumber, notANumber});
+}
+
+/// A shift that was found has an error; one that the job gives has none.
+std::pair<Number, Number> shiftOf(const TargetFigures& figures)
+{
+    if (!figures.shift)
+        return {};
+    const double sigma = figures.shift->sigma;
+    return {figures.shift->shift, sigma > 0.0 ? Number(sigma) : Number()};
+}
+
+} // namespace
+
 QByteArrayList figureFields(const TargetFigures& figures)
 {
     const auto ofPoint = [&](auto value) {
@@ -199,7 +220,8 @@ QByteArrayList figureFields(const TargetFigures& figures)
     const auto ofFit = [&](auto value) {
         return figures.fit ? known(value(*figures.fit)) : Number();
     };
-    const auto interval = figures.point ? figures.point->valence(figures.valences) : std::nullopt;
+    const Interval interval = intervalOf(figures);
+    const auto shift = shiftOf(figures);
     using Point = TargetUncertainty;
     using Fit = LcfUncertainty;
     QByteArrayList fields;
@@ -210,8 +232,8 @@ QByteArrayList figureFields(const TargetFigures& figures)
           ofPoint([](const Point& p) { return p.sigmaARef; }),
           ofPoint([&](const Point& p) { return p.sigmaValenceRef(figures.valences); }),
           ofThickness([](const Point& p) { return p.sigmaTRef; }),
-          interval ? Number(interval->low) : Number(),
-          interval ? Number(interval->high) : Number(),
+          known(interval.low),
+          known(interval.high),
           ofFit([](const Fit& f) { return f.sigmaA; }),
           ofFit([&](const Fit& f) { return f.sigmaValence(figures.valences); }),
           ofFit([](const Fit& f) { return f.sigmaARef; }),
@@ -222,8 +244,8 @@ QByteArrayList figureFields(const TargetFigures& figures)
           figures.closure.ref2.point,
           figures.unseen.targetShift,
           figures.unseen.leakage,
-          figures.shift ? Number(figures.shift->shift) : Number(),
-          figures.shift && figures.shift->sigma > 0.0 ? Number(figures.shift->sigma) : Number()})
+          shift.first,
+          shift.second})
         fields += csv::number(number);
     return fields;
 }

@@ -124,6 +124,7 @@ public:
     }
 
 private:
+    void setDone(const JobList& list);
     std::optional<int> lookAround();
     JobList listNow() const;
     bool isReady(const QByteArray& file, Clock::time_point now);
@@ -180,6 +181,16 @@ void Watch::sort(const Item& item, const std::vector<QByteArray>& files, const Q
     shown.insert(name);
 }
 
+void Watch::setDone(const JobList& list)
+{
+    for (const JobFilePath& target : list.targets)
+        for (const QByteArray& file : filesOf(m_prepared.job, target))
+            m_files.setDone(file);
+    for (const MapJob& map : list.maps)
+        for (const QByteArray& image : imagesOf(map))
+            m_files.setDone(image);
+}
+
 std::optional<int> Watch::lookAround()
 {
     const Clock::time_point now = Clock::now();
@@ -200,12 +211,7 @@ std::optional<int> Watch::lookAround()
     if (anyDue)
         if (const auto status = m_actions.calculate(m_prepared, any))
             return status;
-    for (const JobFilePath& target : due.targets)
-        for (const QByteArray& file : filesOf(m_prepared.job, target))
-            m_files.setDone(file);
-    for (const MapJob& map : due.maps)
-        for (const QByteArray& image : imagesOf(map))
-            m_files.setDone(image);
+    setDone(due);
     m_prepared.list = std::move(ready);
     std::swap(m_shown, shown);
     return any || m_shown != shown ? m_actions.write(m_prepared) : std::nullopt;

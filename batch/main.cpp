@@ -58,8 +58,46 @@ int analyseOne(const QString& path, const Job& job, bool checkOnly)
     return report(path, job, runJob(job, *data));
 }
 
-/// @param application  of the program; may be replaced by one that paints
-int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
+/// The program and what it was started with.
+struct Start {
+    std::unique_ptr<QCoreApplication>& application; ///< may be replaced by one that paints
+    int argc;
+    char** argv;
+
+    void letPaint()
+    {
+        application.reset();
+        application = pictureApplication(argc, argv);
+    }
+};
+
+/// What the command line wants of a job.
+int run(Start& start, const CommandLine& options)
+{
+    JobError error;
+    const std::optional<QByteArray> text = readJobText(options.job, error);
+    const std::optional<Job> job =
+        text ? parseJob(*text, QFileInfo(options.job).absolutePath(), error) : std::nullopt;
+    if (!job)
+        return console::complain(errorText(options.job, error));
+    if (options.convert)
+        return static_cast<int>(convertJob(options.job, *job, options.to, options.run.quiet));
+    if (options.show)
+        return console::complain(showJob(options.job));
+    if (job->paints() || !options.picture.isEmpty())
+        start.letPaint();
+    if (options.rank)
+        return rankJob(options.job, *job, options.picture);
+    if (options.merge && !job->output.path.isEmpty())
+        return mergeShards(options.job, *text, *job, options.run);
+    if (!job->output.path.isEmpty())
+        return analyseTargets(options.job, *text, *job, options.run);
+    if (options.run.listOnly)
+        return static_cast<int>(printList({{job->spectra[SpectrumSet::Target]}, {}}, options.run));
+    return analyseOne(options.job, *job, options.run.checkOnly);
+}
+
+int run(Start start)
 {
     QCommandLineParser parser;
     CommandLine options;
@@ -77,35 +115,11 @@ int run(std::unique_ptr<QCoreApplication>& application, int argc, char** argv)
     if (!options.replay.isEmpty())
         return replayRecord(options.replay, options.names, options.run);
     if (!options.inspect.isEmpty()) {
-        if (!options.picture.isEmpty()) {
-            application.reset();
-            application = pictureApplication(argc, argv);
-        }
+        if (!options.picture.isEmpty())
+            start.letPaint();
         return static_cast<int>(inspect(options.inspect, options.picture));
     }
-    JobError error;
-    const std::optional<QByteArray> text = readJobText(options.job, error);
-    const std::optional<Job> job =
-        text ? parseJob(*text, QFileInfo(options.job).absolutePath(), error) : std::nullopt;
-    if (!job)
-        return console::complain(errorText(options.job, error));
-    if (options.convert)
-        return static_cast<int>(convertJob(options.job, *job, options.to, options.run.quiet));
-    if (options.show)
-        return console::complain(showJob(options.job));
-    if (job->paints() || !options.picture.isEmpty()) {
-        application.reset();
-        application = pictureApplication(argc, argv);
-    }
-    if (options.rank)
-        return rankJob(options.job, *job, options.picture);
-    if (options.merge && !job->output.path.isEmpty())
-        return mergeShards(options.job, *text, *job, options.run);
-    if (!job->output.path.isEmpty())
-        return analyseTargets(options.job, *text, *job, options.run);
-    if (options.run.listOnly)
-        return static_cast<int>(printList({{job->spectra[SpectrumSet::Target]}, {}}, options.run));
-    return analyseOne(options.job, *job, options.run.checkOnly);
+    return run(start, options);
 }
 
 } // namespace
@@ -118,7 +132,7 @@ int main(int argc, char* argv[])
     QCoreApplication::setApplicationName(QStringLiteral("drovik-batch"));
     QCoreApplication::setApplicationVersion(QStringLiteral(DROVIK_VERSION));
     try {
-        return run(application, argc, argv);
+        return run({application, argc, argv});
     } catch (const std::bad_alloc&) {
         return console::complain(QStringLiteral("There is not enough memory."));
     } catch (const std::exception& failure) {

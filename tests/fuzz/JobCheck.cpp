@@ -119,7 +119,9 @@ const char* settingsDifference(const Job& job, const Job& expected)
         return "maps";
     if (!sameHistograms(job, expected))
         return "histograms";
-    if (!sameNoise(job, expected) && sameOutput(job, expected))
+    if (!sameNoise(job, expected))
+        return "noise";
+    if (!sameOutput(job, expected))
         return "output";
     if (!sameAlignment(job.alignment, expected.alignment))
         return "alignment";
