@@ -190,6 +190,8 @@ void PanelSession::compareDisplayFiles()
                QString::number(m_model.currentDisplayFile));
 }
 
+/// As the model knows them, which has texts: the comments of 2D data go into a result byte by byte
+/// (tst_MapReader::headersInOtherEncodings), also those that are no UTF-8.
 QMap<QString, QByteArray> PanelSession::outputFiles() const
 {
     QMap<QString, QByteArray> files;
@@ -198,7 +200,7 @@ QMap<QString, QByteArray> PanelSession::outputFiles() const
     while (it.hasNext()) {
         QFile file(it.next());
         if (file.open(QIODevice::ReadOnly))
-            files[file.fileName()] = file.readAll();
+            files[file.fileName()] = QString::fromUtf8(file.readAll()).toUtf8();
     }
     return files;
 }
