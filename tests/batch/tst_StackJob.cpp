@@ -332,6 +332,7 @@ void tst_StackJob::tiltedBeam()
     const QByteArray flat =
         "point = [{ energy = 8305 }, { energy = 8315 }, { energy = 8376, v_point "
         "= true }, { energy = 8475 }]\n";
+    MapMean mean;
     const auto drift = [&](const QByteArray& keys) {
         const Job job = jobOf(flat + "[[map]]\nname = \"t\"\nstack = \"tilted.h5\"\ndark = 0\n" +
                                   keys + fine + conditions,
@@ -340,6 +341,7 @@ void tst_StackJob::tiltedBeam()
         const auto a = fractionsIn(m_dir.filePath(QStringLiteral("out/maps/t/t.dat")));
         if (!outcome.row.refusal.isEmpty() || a.empty())
             qFatal("%s", qPrintable(outcome.row.refusal));
+        mean = outcome.row.mean.value_or(MapMean());
         const auto [least, most] = std::minmax_element(a.begin(), a.end());
         return *most - *least;
     };
@@ -350,6 +352,13 @@ void tst_StackJob::tiltedBeam()
     const double ofRegion = drift("tilt_ev_per_row = 0.05\nrow0 = 20\nregion = { x = 1, y = 30, "
                                   "width = 2, height = 11 }\n");
     QVERIFY2(ofRegion < 0.005, qPrintable(QString::number(ofRegion)));
+    // Row by row, next to no tilt gives the deviations of none, with the counts of each row.
+    drift({});
+    const MapMean whole = mean;
+    drift("tilt_ev_per_row = 1e-9\n");
+    QVERIFY(whole.sigmaA > 0.0 && whole.sigmaT > 0.0);
+    QVERIFY(std::abs(mean.sigmaA / whole.sigmaA - 1.0) < 1e-6);
+    QVERIFY(std::abs(mean.sigmaT / whole.sigmaT - 1.0) < 1e-6);
 }
 
 void tst_StackJob::keyHasTheStack()
