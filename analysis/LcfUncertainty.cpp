@@ -53,14 +53,8 @@ public:
         return normalizedBetween(m_spectrum.points[place.left], m_spectrum.points[place.right],
                                  m_spectrum.preVic, m_spectrum.postVic, energy);
     }
-    double ofPoint(std::size_t i) const
-    {
-        return normalizedPoint(m_spectrum.points[i], m_spectrum.preVic, m_spectrum.postVic);
-    }
-    double heightAt(std::size_t i) const
-    {
-        return m_spectrum.vicDiffAt(m_spectrum.points[i].energy);
-    }
+    double ofPoint(std::size_t i) const { return m_sums.normalizedBases(i).normalized; }
+    double heightAt(std::size_t i) const { return m_sums.normalizedBases(i).height; }
 
     /// Variance of a normalized value by the noise of its own points; that of the lines is left
     /// out.
@@ -83,13 +77,12 @@ public:
         for (std::size_t i = 0; i < by.size(); ++i) {
             if (byNormalized[i] == 0.0)
                 continue;
-            const double energy = m_spectrum.points[i].energy;
-            const double value = ofPoint(i);
-            by[i] = byNormalized[i] / heightAt(i);
-            const Vector<6> pre = m_sums.preAt(energy);
-            const Vector<6> post = m_sums.postAt(energy);
-            for (std::size_t k = 0; k < byFits.size(); ++k)
-                byFits[k] -= by[i] * ((1.0 - value) * pre[k] + value * post[k]);
+            const NormalizedBases bases = m_sums.normalizedBases(i);
+            by[i] = byNormalized[i] / bases.height;
+            for (std::size_t k = 0; k < bases.pre.size(); ++k) {
+                byFits[k] -= by[i] * ((1.0 - bases.normalized) * bases.pre[k]);
+                byFits[k + bases.pre.size()] -= by[i] * (bases.normalized * bases.post[k]);
+            }
         }
         for (std::size_t i = 0; i < by.size(); ++i)
             by[i] += m_sums.fitWeight(byFits, i);
@@ -127,6 +120,12 @@ struct FittedPoint {
     double residual;
 };
 
+/// What the noise of the spectra makes of a fit.
+struct FitNoise {
+    double reducedChiSquare;
+    double bias; ///< of the fraction
+};
+
 /// The fit once more, point by point.
 class Residuals
 {
@@ -134,8 +133,7 @@ public:
     explicit Residuals(const JudgedFit& judged);
 
     LcfGradient gradient() const;
-    double reducedChiSquare(const SpectrumNoises& noises) const;
-    double bias(const SpectrumNoises& noises) const;
+    FitNoise judge(const SpectrumNoises& noises) const;
 
 private:
     void findInfluence();
@@ -205,31 +203,25 @@ LcfGradient Residuals::gradient() const
     return {m_ref1.byMeasured(by1), m_ref2.byMeasured(by2), m_target.byMeasured(byTarget)};
 }
 
-double Residuals::reducedChiSquare(const SpectrumNoises& noises) const
+FitNoise Residuals::judge(const SpectrumNoises& noises) const
 {
-    double sum = 0.0;
-    for (const FittedPoint& point : m_points) {
-        const double own = std::sqrt(noises[SpectrumSet::Target]->varianceAt(point.index)) /
-                           m_target.heightAt(point.index);
-        const double variance =
-            own * own +
-            m_fit.p1 * m_fit.p1 * m_ref1.variance(point.place1, *noises[SpectrumSet::Ref1]) +
-            m_fit.p2 * m_fit.p2 * m_ref2.variance(point.place2, *noises[SpectrumSet::Ref2]);
-        sum += point.residual * point.residual / variance;
-    }
-    const double degrees = static_cast<double>(m_points.size()) - 3.0;
-    return degrees > 0.0 ? sum / degrees : notANumber;
-}
-
-double Residuals::bias(const SpectrumNoises& noises) const
-{
+    double squares = 0.0;
     double sum1 = 0.0;
     double sum2 = 0.0;
     for (const FittedPoint& point : m_points) {
-        sum1 += m_ref1.variance(point.place1, *noises[SpectrumSet::Ref1]);
-        sum2 += m_ref2.variance(point.place2, *noises[SpectrumSet::Ref2]);
+        const double variance1 = m_ref1.variance(point.place1, *noises[SpectrumSet::Ref1]);
+        const double variance2 = m_ref2.variance(point.place2, *noises[SpectrumSet::Ref2]);
+        const double own = std::sqrt(noises[SpectrumSet::Target]->varianceAt(point.index)) /
+                           m_target.heightAt(point.index);
+        const double variance =
+            own * own + m_fit.p1 * m_fit.p1 * variance1 + m_fit.p2 * m_fit.p2 * variance2;
+        squares += point.residual * point.residual / variance;
+        sum1 += variance1;
+        sum2 += variance2;
     }
-    return -(m_influence[0] * sum1 * m_fit.p1 + m_influence[1] * sum2 * m_fit.p2);
+    const double degrees = static_cast<double>(m_points.size()) - 3.0;
+    return {degrees > 0.0 ? squares / degrees : notANumber,
+            -(m_influence[0] * sum1 * m_fit.p1 + m_influence[1] * sum2 * m_fit.p2)};
 }
 
 double variance(const std::vector<double>& gradient, const SpectrumNoise& noise)
@@ -306,8 +298,9 @@ LcfUncertainty lcfUncertainty(const JudgedFit& judged, const SpectrumNoises& noi
     result.sigmaA = std::sqrt(own);
     result.sigmaARef = std::sqrt(common);
     result.degrees = all.degrees();
-    result.reducedChiSquare = residuals.reducedChiSquare(noises);
-    result.biasA = residuals.bias(noises);
+    const FitNoise fitNoise = residuals.judge(noises);
+    result.reducedChiSquare = fitNoise.reducedChiSquare;
+    result.biasA = fitNoise.bias;
     const double a = judged.fit.share1();
     const double halfWidth =
         studentQuantile(level, result.degrees) * std::hypot(result.sigmaA, result.sigmaARef);

@@ -1,6 +1,9 @@
 #include "analysis/MeasuredSum.h"
 
+#include "analysis/NormalizedSpectrum.h"
+
 #include <algorithm>
+#include <utility>
 
 MeasuredSums::MeasuredSums(const FittedSpectrum& spectrum)
     : m_spectrum(spectrum), m_pre(VictreenBasis::below(spectrum.points, spectrum.preEdgeEnd)),
@@ -70,14 +73,30 @@ double MeasuredSums::fitWeight(const Vector<6>& fits, std::size_t point) const
     const double energy = m_spectrum.points[point].energy;
     double weight = 0.0;
     if (m_pre.selects(energy)) {
-        const Vector<3> q = m_pre.at(energy);
+        const Vector<3> q = m_kept.empty() ? m_pre.at(energy) : m_kept[point].pre;
         weight += fits[0] * q[0] + fits[1] * q[1] + fits[2] * q[2];
     }
     if (m_post.selects(energy)) {
-        const Vector<3> q = m_post.at(energy);
+        const Vector<3> q = m_kept.empty() ? m_post.at(energy) : m_kept[point].post;
         weight += fits[3] * q[0] + fits[4] * q[1] + fits[5] * q[2];
     }
     return weight;
+}
+
+NormalizedBases MeasuredSums::formNormalizedBases(std::size_t point) const
+{
+    const SpectrumPoint& measured = m_spectrum.points[point];
+    return {m_spectrum.vicDiffAt(measured.energy),
+            normalizedPoint(measured, m_spectrum.preVic, m_spectrum.postVic),
+            m_pre.at(measured.energy), m_post.at(measured.energy)};
+}
+
+void MeasuredSums::keepNormalizedBases()
+{
+    std::vector<NormalizedBases> all(m_spectrum.points.size());
+    for (std::size_t i = 0; i < all.size(); ++i)
+        all[i] = formNormalizedBases(i);
+    m_kept = std::move(all);
 }
 
 std::vector<double> MeasuredSums::weights(const MeasuredSum& sum) const

@@ -16,6 +16,14 @@ struct MeasuredSum {
     Vector<6> fits{}; ///< of the pre-edge fit's base functions, then of the post-edge fit's
 };
 
+/// A point of a spectrum in the normalization and in both fits.
+struct NormalizedBases {
+    double height = 0.0;     ///< of the post-edge line above the pre-edge line there
+    double normalized = 0.0; ///< its value
+    Vector<3> pre{};         ///< base functions of the pre-edge fit
+    Vector<3> post{};
+};
+
 /// The sums that a spectrum's numbers are: everything that is taken from a spectrum is linear in
 /// its mu-t.
 class MeasuredSums
@@ -37,6 +45,13 @@ public:
     Vector<6> preAt(double energy) const;
     Vector<6> postAt(double energy) const;
 
+    NormalizedBases normalizedBases(std::size_t point) const
+    {
+        return m_kept.empty() ? formNormalizedBases(point) : m_kept[point];
+    }
+    /// Forms those of all points now, for a spectrum that is asked for them again and again.
+    void keepNormalizedBases();
+
     /// Weight of each measured mu-t [points].
     std::vector<double> weights(const MeasuredSum& sum) const;
 
@@ -46,9 +61,12 @@ public:
     const FittedSpectrum& spectrum() const { return m_spectrum; }
 
 private:
+    NormalizedBases formNormalizedBases(std::size_t point) const;
+
     const FittedSpectrum& m_spectrum;
     VictreenBasis m_pre;
     VictreenBasis m_post;
+    std::vector<NormalizedBases> m_kept; ///< [points], or empty
 };
 
 double dot(const Vector<6>& a, const Vector<6>& b);

@@ -63,9 +63,9 @@ std::shared_ptr<const CommonUncertainty> commonUncertainty(const AnalysisInput& 
                            input.table, shifts[i].sigma);
     }
     if (input.spectra.isValid(SpectrumSet::Ref1))
-        common->ref1.emplace(*input.spectra[SpectrumSet::Ref1]);
+        common->ref1.emplace(*input.spectra[SpectrumSet::Ref1]).keepNormalizedBases();
     if (input.spectra.isValid(SpectrumSet::Ref2))
-        common->ref2.emplace(*input.spectra[SpectrumSet::Ref2]);
+        common->ref2.emplace(*input.spectra[SpectrumSet::Ref2]).keepNormalizedBases();
     common->closure = closureOf(input);
     common->shifted = shiftedReferences(input.spectra);
     return common;

@@ -165,15 +165,17 @@ TargetFigures targetFigures(const JobData& data, const TargetResult* result,
     if (const auto& noise = data.noises[SpectrumSet::Target])
         figures.noise = noise->sigma;
     figures.gain = data.gains[SpectrumSet::Target];
-    const MeasuredSums target(*data.spectra[SpectrumSet::Target]);
+    MeasuredSums target(*data.spectra[SpectrumSet::Target]);
     if (result != nullptr) {
         figures.point = targetUncertainty(data.input, result->method, covariancesOf(data, target),
                                           data.noise.level);
         figures.hasThickness = result->method != Method::ThreePoint;
     }
     const CommonUncertainty& common = *data.uncertainty;
-    if (fit != nullptr && common.ref1 && common.ref2)
+    if (fit != nullptr && common.ref1 && common.ref2) {
+        target.keepNormalizedBases();
         figures.fit = fitUncertainty(data, target, *fit);
+    }
     addNoise(figures, result, figures.unseen);
     doubt(figures, data.noise.model, figures.doubts);
     return figures;

@@ -20,9 +20,11 @@ LinearCombination fitOf(const SimulatedSample::Spectra& spectra)
 LcfUncertainty uncertaintyOf(const SimulatedSample::Spectra& spectra, const SpectrumNoises& noises,
                              double level)
 {
-    const MeasuredSums ref1(spectra[SpectrumSet::Ref1]);
-    const MeasuredSums ref2(spectra[SpectrumSet::Ref2]);
-    const MeasuredSums target(spectra[SpectrumSet::Target]);
+    MeasuredSums ref1(spectra[SpectrumSet::Ref1]);
+    MeasuredSums ref2(spectra[SpectrumSet::Ref2]);
+    MeasuredSums target(spectra[SpectrumSet::Target]);
+    for (MeasuredSums* sums : {&ref1, &ref2, &target})
+        sums->keepNormalizedBases();
     const LinearCombination fit = fitOf(spectra);
     return lcfUncertainty({ref1, ref2, target, range, fit}, noises, level);
 }
