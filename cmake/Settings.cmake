@@ -14,8 +14,11 @@ if(DROVIK_WERROR)
   target_compile_options(drovik_settings INTERFACE -Werror)
 endif()
 if(DROVIK_SANITIZE)
+  # A target with the property DROVIK_UNSANITIZED is left out (its own options come before these).
+  set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=undefined
+    -fno-omit-frame-pointer)
   target_compile_options(drovik_settings INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    "$<$<NOT:$<BOOL:$<TARGET_PROPERTY:DROVIK_UNSANITIZED>>>:${sanitizers}>")
   target_link_options(drovik_settings INTERFACE -fsanitize=address,undefined)
 endif()
 if(DROVIK_SANITIZE_THREADS)
