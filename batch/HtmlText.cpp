@@ -1,5 +1,7 @@
 #include "batch/HtmlText.h"
 
+#include "text/TextBytes.h"
+
 namespace
 {
 
@@ -24,5 +26,5 @@ QByteArray htmlText(const QString& text)
 
 QByteArray htmlText(const QByteArray& bytes)
 {
-    return htmlText(QString::fromUtf8(bytes.constData(), bytes.size()));
+    return htmlText(textFromUtf8({bytes.constData(), static_cast<std::size_t>(bytes.size())}));
 }
