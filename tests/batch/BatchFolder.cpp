@@ -11,6 +11,17 @@ const QByteArray BatchFolder::points =
     "[[point]]\nenergy = 8313\nt_ratio = true\n[[point]]\nenergy = 8381\nt_ratio = true\n"
     "[[point]]\nenergy = 8390\nv_point = true\n[[point]]\nenergy = 8404.5\nt_ratio = true\n";
 
+QMap<QByteArray, QByteArray> firstRow(const QByteArray& table)
+{
+    const QList<QByteArray> lines = table.split('\n');
+    const QList<QByteArray> names = lines.value(0).trimmed().split(',');
+    const QList<QByteArray> fields = lines.value(1).trimmed().split(',');
+    QMap<QByteArray, QByteArray> row;
+    for (int i = 0; i < names.size(); ++i)
+        row[names[i]] = fields.value(i);
+    return row;
+}
+
 BatchFolder::BatchFolder(const QList<int>& percents)
 {
     if (!QDir(path()).mkdir(QStringLiteral("scans")))

@@ -13,6 +13,9 @@ struct BatchOutput {
     QString errors;
 };
 
+/// Fields of the first row of a table, by the names of the columns.
+QMap<QByteArray, QByteArray> firstRow(const QByteArray& table);
+
 /// A folder with the references and the blank of the example, targets in "scans" and a job for
 /// them, and the program to run there.
 class BatchFolder

@@ -16,18 +16,6 @@ namespace
 
 const char* const columns = "columns = { energy = 1, mut = 2 }";
 
-/// Fields of the first row of a table, by the names of the columns.
-QMap<QByteArray, QByteArray> firstRow(const QByteArray& table)
-{
-    const QList<QByteArray> lines = table.split('\n');
-    const QList<QByteArray> names = lines.value(0).trimmed().split(',');
-    const QList<QByteArray> fields = lines.value(1).trimmed().split(',');
-    QMap<QByteArray, QByteArray> row;
-    for (int i = 0; i < names.size(); ++i)
-        row[names[i]] = fields.value(i);
-    return row;
-}
-
 /// A spectrum of the model in two columns, whose energies are told too low by the shift.
 /// @param part  of the state of Ref 1
 QByteArray spectrum(double part, double thickness, double shift, double noise = 0.0)

@@ -17,18 +17,6 @@ Q_DECLARE_METATYPE(Closure)
 namespace
 {
 
-/// Fields of the first row of a table, by the names of the columns.
-QMap<QByteArray, QByteArray> firstRow(const QByteArray& table)
-{
-    const QList<QByteArray> lines = table.split('\n');
-    const QList<QByteArray> names = lines.value(0).trimmed().split(',');
-    const QList<QByteArray> fields = lines.value(1).trimmed().split(',');
-    QMap<QByteArray, QByteArray> row;
-    for (int i = 0; i < names.size(); ++i)
-        row[names[i]] = fields.value(i);
-    return row;
-}
-
 bool near(double value, double expected, double part = 1e-9)
 {
     return std::abs(value - expected) <= part * std::abs(expected);
