@@ -125,15 +125,19 @@ void doubtThickness(const UnseenErrors& unseen, QStringList& doubts)
                       .arg(textFromNumber(*unseen.edgeJump));
 }
 
-/// Of readings that the job takes for photons, the gain is doubted; of others it is a figure.
+bool areNoPhotons(const std::optional<double>& gain)
+{
+    return gain && (*gain < smallestGain || *gain > largestGain);
+}
+
+/// Of readings that the job takes for photons, a strange gain is a doubt; of others it is told.
 void doubt(const TargetFigures& figures, NoiseModel model, QStringList& doubts)
 {
     if (figures.point && std::isfinite(figures.point->sigmaA) &&
         std::isfinite(figures.point->sigmaARef) && !figures.point->a)
         doubts += QStringLiteral("the interval of the valence has no bounds: the target's scale is "
                                  "not told from 0");
-    if (model == NoiseModel::Counts && figures.gain &&
-        (*figures.gain < smallestGain || *figures.gain > largestGain))
+    if (model == NoiseModel::Counts && areNoPhotons(figures.gain))
         doubts += QStringLiteral("these readings are not photons: their scatter has %1 times the "
                                  "variance")
                       .arg(textFromNumber(*figures.gain));
@@ -165,6 +169,8 @@ TargetFigures targetFigures(const JobData& data, const TargetResult* result,
     if (const auto& noise = data.noises[SpectrumSet::Target])
         figures.noise = noise->sigma;
     figures.gain = data.gains[SpectrumSet::Target];
+    if (data.noise.model != NoiseModel::Counts && areNoPhotons(figures.gain))
+        figures.unseen.gain = figures.gain;
     MeasuredSums target(*data.spectra[SpectrumSet::Target]);
     if (result != nullptr) {
         figures.point = targetUncertainty(data.input, result->method, covariancesOf(data, target),

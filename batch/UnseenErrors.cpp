@@ -20,7 +20,7 @@ struct Told {
     const char* after = "";
 };
 
-constexpr std::array<Told, 16> all{
+constexpr std::array<Told, 17> all{
     {{&UnseenErrors::targetShift, QT_TRANSLATE_NOOP("Output", "target 0.1 eV higher: valence "),
       true},
      {&UnseenErrors::ref1Shift, QT_TRANSLATE_NOOP("Output", "Ref 1 0.1 eV higher: valence "), true},
@@ -44,7 +44,10 @@ constexpr std::array<Told, 16> all{
       QT_TRANSLATE_NOOP("Output", "noise of the references: moves the fit by "), false,
       QT_TRANSLATE_NOOP("Output", " of its standard deviations")},
      {&UnseenErrors::largestMut, QT_TRANSLATE_NOOP("Output", "largest mu-t "), false},
-     {&UnseenErrors::edgeJump, QT_TRANSLATE_NOOP("Output", "edge jump "), false}}};
+     {&UnseenErrors::edgeJump, QT_TRANSLATE_NOOP("Output", "edge jump "), false},
+     {&UnseenErrors::gain,
+      QT_TRANSLATE_NOOP("Output", "these readings are not photons: their scatter has "), false,
+      QT_TRANSLATE_NOOP("Output", " times the variance")}}};
 
 QString shown(double value, bool isChange)
 {

@@ -8,8 +8,8 @@
 #include <optional>
 
 /// What counting does not see of a target: faults that no scatter shows, and what the methods tell
-/// of one another. Each stands by itself and is in no standard deviation. What was not asked for,
-/// or cannot be formed, is not there.
+/// of one another; and whether the readings are photons at all. Each stands by itself and is in no
+/// standard deviation. What was not asked for, or cannot be formed, is not there.
 struct UnseenErrors {
     using Number = std::optional<double>;
 
@@ -33,6 +33,7 @@ struct UnseenErrors {
     Number fitBiasInSigma; ///< its size in standard deviations of the fit's valence
     Number largestMut;     ///< of the target at the points in use, with what is subtracted later
     Number edgeJump;       ///< of the target
+    Number gain;           ///< variance of the readings over that of photons, where they are none
 };
 
 /// A line for each that is there, in the order of the fields.

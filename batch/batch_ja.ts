@@ -488,6 +488,14 @@
         <translation>エッジジャンプ </translation>
     </message>
     <message>
+        <source>these readings are not photons: their scatter has </source>
+        <translation>読み値は光子の数ではありません: ばらつきの分散は光子の </translation>
+    </message>
+    <message>
+        <source> times the variance</source>
+        <translation> 倍です</translation>
+    </message>
+    <message>
         <source>A bar reaches one standard deviation, by target and references together, to either side.</source>
         <translation>棒の長さは両側に標準偏差 1 つ分（試料と参照試料を合わせたもの）です。</translation>
     </message>

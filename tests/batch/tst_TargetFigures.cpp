@@ -161,12 +161,20 @@ void tst_TargetFigures::gainThatIsNoneIsDoubted()
     m_folder.write("scans/35.dat", text);
     const auto counts = rowOf("[noise]\nmodel = \"counts\"\n");
     const auto scatter = rowOf({});
+    const QStringList verbose{QStringLiteral("--again"), QStringLiteral("--verbose")};
+    const QString told = m_folder.run(verbose).errors;
     m_folder.write("scans/35.dat", before);
+    const QString photons = m_folder.run(verbose).errors;
     QVERIFY(counts["gain"].toDouble() > 100.0);
     QVERIFY2(counts["warnings"].startsWith("these readings are not photons: their scatter has "),
              counts["warnings"]);
     QCOMPARE(scatter["gain"], counts["gain"]);
     QCOMPARE(scatter["warnings"], QByteArray());
+    QVERIFY2(
+        told.contains(QRegularExpression(QStringLiteral(
+            "these readings are not photons: their scatter has [0-9.e+]+ times the variance"))),
+        qPrintable(told));
+    QVERIFY(!photons.contains(QStringLiteral("not photons")));
 }
 
 void tst_TargetFigures::noneLeavesThemOut()
@@ -304,12 +312,14 @@ void tst_TargetFigures::unseenErrorsComeBackFromTheRecord()
     errors.targetShift = 0.1;
     errors.sigmasOutside = 2.0 / 3.0;
     errors.edgeJump = -1e-300;
+    errors.gain = 0.02;
     const UnseenErrors back = unseenFromText(unseenText(errors));
     QCOMPARE(back.targetShift, errors.targetShift);
     QCOMPARE(back.sigmasOutside, errors.sigmasOutside);
     QCOMPARE(back.edgeJump, errors.edgeJump);
     QCOMPARE(unseenText(back), unseenText(errors));
-    QCOMPARE(unseenLines(back).size(), 3);
+    QCOMPARE(back.gain, errors.gain);
+    QCOMPARE(unseenLines(back).size(), 4);
     QVERIFY(unseenLines(unseenFromText("0.1,0.2")).isEmpty());
 }
 
