@@ -28,3 +28,9 @@ QByteArray htmlText(const QByteArray& bytes)
 {
     return htmlText(textFromUtf8({bytes.constData(), static_cast<std::size_t>(bytes.size())}));
 }
+
+QByteArray scrollingHtml(const QString& label, const QByteArray& html)
+{
+    return R"(<div class="scroll" tabindex="0" role="region" aria-label=")" + htmlText(label) +
+           "\">\n" + html + "</div>\n";
+}

@@ -8,3 +8,8 @@
 QByteArray htmlText(const QString& text);
 /// The same of bytes that should be UTF-8 and may be anything.
 QByteArray htmlText(const QByteArray& bytes);
+
+/// A part of a page that scrolls by itself, where it is long or the screen is narrow.
+/// @param label  for screen readers
+/// @param html   lines of the page
+QByteArray scrollingHtml(const QString& label, const QByteArray& html);

@@ -147,8 +147,7 @@ QByteArray errorRow(const ReportTargets& targets, const ReportTargets::Row& row,
 
 QByteArray errorTable(const ReportFacts& facts, const OutputWords& words)
 {
-    QByteArray html = R"(<div class="scroll" tabindex="0" role="region" aria-label=")" +
-                      htmlText(words("How sure the valences are")) + "\">\n<table>\n<thead>\n<tr>";
+    QByteArray html = "<table>\n<thead>\n<tr>";
     for (const QString& title : {words("No."), words("Target"), words("Valence"),
                                  words("%1 % interval").arg(textFromNumber(100.0 * facts.level)),
                                  words("1 % of leaked light"), words("Valence (fit)")})
@@ -156,7 +155,7 @@ QByteArray errorTable(const ReportFacts& facts, const OutputWords& words)
     html += "</tr>\n</thead>\n<tbody>\n";
     for (const ReportTargets::Row* row : rowsWithValence(facts.targets))
         html += errorRow(facts.targets, *row, words);
-    return html + "</tbody>\n</table>\n</div>\n";
+    return scrollingHtml(words("How sure the valences are"), html + "</tbody>\n</table>\n");
 }
 
 /// A sentence for each figure.
@@ -198,6 +197,8 @@ QByteArray details(const ReportTargets& targets, const OutputWords& words)
             html += "<li>" + htmlText(line) + "</li>\n";
         html += "</ul>\n</details>\n";
     }
+    if (count > 1)
+        html = scrollingHtml(words("What counting does not see:"), html);
     if (count > mostDetails)
         html += paragraph(words("What counting does not see of %1 more targets is told by "
                                 "drovik-batch --verbose.")

@@ -84,9 +84,8 @@ QByteArray heading(const QString& title, bool isNumber)
 /// A table that scrolls by itself where the screen is narrow.
 QByteArray scrolling(const QString& label, const QByteArray& head, const QByteArray& body)
 {
-    return R"(<div class="scroll" tabindex="0" role="region" aria-label=")" + htmlText(label) +
-           "\">\n<table class=\"sortable\">\n<thead>\n<tr>" + head + "</tr>\n</thead>\n<tbody>\n" +
-           body + "</tbody>\n</table>\n</div>\n";
+    return scrollingHtml(label, "<table class=\"sortable\">\n<thead>\n<tr>" + head +
+                                    "</tr>\n</thead>\n<tbody>\n" + body + "</tbody>\n</table>\n");
 }
 
 QByteArray remarks(const ReportTargets& targets, const QByteArrayList& fields,

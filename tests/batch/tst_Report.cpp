@@ -333,6 +333,8 @@ void TestReport::whatCountingDoesNotSee()
     const std::vector<QByteArray> rows(203, "a,2.66,,,0.001,0.001,2.65,2.67,,,,,,,,");
     const QByteArray many = reportPage(sureFacts(rows, unseenText(errors)));
     QCOMPARE(many.count("<details>"), 200);
+    QVERIFY(
+        many.contains("role=\"region\" aria-label=\"What counting does not see:\">\n<details>"));
     QVERIFY(many.contains("What counting does not see of 3 more targets is told by drovik-batch"));
 }
 
