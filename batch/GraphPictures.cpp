@@ -1,8 +1,6 @@
 #include "batch/GraphPictures.h"
 
-#include "batch/OutputWords.h"
 #include "batch/PictureFolder.h"
-#include "display/SpectrumPreview.h"
 #include "results/FourPointGraph.h"
 #include "results/LcfGraph.h"
 #include "results/MutsGraph.h"
@@ -33,8 +31,7 @@ public:
 
     QImage preview(const FittedSpectrum* spectrum) const
     {
-        const PreviewCaptions captions{words.ofWindow(selector, "Edge Jump(1) : %1"),
-                                       words.ofWindow(selector, "Edge Jump(2) : %1")};
+        const PreviewCaptions captions = previewCaptions(words);
         return graphPicture(words.ofWindow(selector, "Eng.[eV]"), words.ofWindow(selector, "mut"),
                             [&](QPainter& painter, GraphFrame& frame) {
                                 drawSpectrumPreview(painter, frame, spectrum, captions);
@@ -62,6 +59,12 @@ MutsContent mutsContent(const Settings& settings, const AnalysisInput& input,
 }
 
 } // namespace
+
+PreviewCaptions previewCaptions(const OutputWords& words)
+{
+    return {words.ofWindow(selector, "Edge Jump(1) : %1"),
+            words.ofWindow(selector, "Edge Jump(2) : %1")};
+}
 
 PictureFiles drawReferenceGraphs(const AnalysisInput& input, const GraphPictureOptions& options)
 {

@@ -3,9 +3,14 @@
 #include "analysis/LcfPoint.h"
 #include "analysis/LinearCombinationFit.h"
 #include "analysis/Settings.h"
+#include "batch/OutputWords.h"
 #include "batch/PictureFile.h"
+#include "display/SpectrumPreview.h"
 
 #include <QStringList>
+
+/// What the preview of a spectrum writes of its edge jumps, in the words of the window.
+PreviewCaptions previewCaptions(const OutputWords& words);
 
 /// The graphs of the window as pictures, painted by the window's painters. All need a
 /// QGuiApplication (see batch/PictureApplication.h) and may be called from any thread; a folder is

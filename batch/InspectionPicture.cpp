@@ -1,12 +1,9 @@
 #include "batch/InspectionPicture.h"
 
+#include "batch/GraphPictures.h"
 #include "batch/MapPictures.h"
-#include "batch/OutputWords.h"
-#include "batch/PictureFile.h"
-#include "display/SpectrumPreview.h"
 #include "results/MapPicture.h"
 
-#include <QFont>
 #include <QPainter>
 
 #include <algorithm>
@@ -50,14 +47,8 @@ QImage imageOf(const Inspection& inspection, const OutputWords& words)
     const AxisEnds range = rangeOf(map.mut);
     picture.setMap(pixels, std::make_shared<const MapGrid>(pixels), MapQuantity::Valence,
                    {range, range});
-    const QFont font;
-    QImage image(picture.goodSize(font, captions), QImage::Format_RGB32);
     GraphFrame frame;
-    frame.begin(image.width(), image.height());
-    QPainter painter(&image);
-    painter.setFont(font);
-    picture.draw(painter, frame, captions);
-    return image;
+    return mapImage(picture, captions, frame);
 }
 
 QImage spectrumOf(const FittedSpectrum& spectrum, bool isMut, const OutputWords& words)
@@ -68,8 +59,7 @@ QImage spectrumOf(const FittedSpectrum& spectrum, bool isMut, const OutputWords&
     if (isMut)
         values = words.ofWindow(selector, "mut");
     if (isMut && std::isfinite(spectrum.edgeJump()) && std::isfinite(spectrum.edgeJumpNoC()))
-        captions = {words.ofWindow(selector, "Edge Jump(1) : %1"),
-                    words.ofWindow(selector, "Edge Jump(2) : %1")};
+        captions = previewCaptions(words);
     return graphPicture(words.ofWindow(selector, "Eng.[eV]"), values,
                         [&](QPainter& painter, GraphFrame& frame) {
                             drawSpectrumPreview(painter, frame, &spectrum, captions);

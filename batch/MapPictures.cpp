@@ -3,11 +3,9 @@
 #include "batch/MapReadOut.h"
 #include "batch/SigmaPixels.h"
 #include "results/HistogramGraph.h"
-#include "results/MapPicture.h"
 #include "results/ThicknessGraph.h"
 
 #include <QFont>
-#include <QImage>
 #include <QPainter>
 
 #include <array>
@@ -70,14 +68,8 @@ public:
     {
         MapPicture picture;
         picture.setMap(pixels, m_grid, quantity, ranges);
-        const QFont font;
-        QImage image(picture.goodSize(font, captions), QImage::Format_RGB32);
         GraphFrame frame;
-        frame.begin(image.width(), image.height());
-        QPainter painter(&image);
-        painter.setFont(font);
-        picture.draw(painter, frame, captions);
-        painter.end();
+        QImage image = mapImage(picture, captions, frame);
         image.setText(QString::fromLatin1(plotAreaKey), plotAreaText(frame.coord, image.size()));
         return image;
     }
@@ -145,6 +137,17 @@ constexpr std::array<Kind, 9> kinds{{
 }};
 
 } // namespace
+
+QImage mapImage(MapPicture& picture, const MapCaptions& captions, GraphFrame& frame)
+{
+    const QFont font;
+    QImage image(picture.goodSize(font, captions), QImage::Format_RGB32);
+    frame.begin(image.width(), image.height());
+    QPainter painter(&image);
+    painter.setFont(font);
+    picture.draw(painter, frame, captions);
+    return image;
+}
 
 MapCaptions mapCaptions(const OutputWords& words, const QString& title)
 {

@@ -7,9 +7,11 @@
 #include "batch/PictureFile.h"
 #include "results/MapGrid.h"
 #include "results/MapLegend.h"
+#include "results/MapPicture.h"
 #include "system/Workers.h"
 
 #include <QByteArray>
+#include <QImage>
 #include <QString>
 
 /// What the pictures of a map show besides its results.
@@ -40,6 +42,10 @@ struct MapPictureInput {
 PictureFiles drawMapPictures(const QString& folder, const QString& name,
                              const MapPictureInput& input, const QString& language,
                              Workers& workers);
+
+/// Paints a map in its good size.
+/// @param frame  begun here; its coordinates are where the map lies
+QImage mapImage(MapPicture& picture, const MapCaptions& captions, GraphFrame& frame);
 
 /// The words of a map's picture.
 MapCaptions mapCaptions(const OutputWords& words, const QString& title);
