@@ -7,13 +7,26 @@ end
 
 local column = nil -- of the table that becomes a list
 
+-- A page in the list. The first column says in English what it is about, more than its link does.
+local function entry(row)
+  if column ~= 2 then
+    return row[column]
+  end
+  return pandoc.walk_block(pandoc.Div(row[column]), {
+    Link = function(link)
+      link.content = pandoc.utils.blocks_to_inlines(row[1])
+      return link
+    end,
+  }).content
+end
+
 local function contents(document)
   local blocks = { pandoc.Header(1, document.meta.backtext) }
   for _, block in ipairs(document.blocks) do
     if block.t == 'Table' then
       local items = {}
       for _, row in ipairs(pandoc.utils.to_simple_table(block).rows) do
-        items[#items + 1] = row[column]
+        items[#items + 1] = entry(row)
       end
       blocks[#blocks + 1] = pandoc.BulletList(items)
     end

@@ -85,20 +85,25 @@ void tst_GuidePages::contentsAreOfOneLanguage_data()
 {
     QTest::addColumn<QString>("language");
     QTest::addColumn<QString>("title");
-    QTest::newRow("English") << QStringLiteral("en") << QStringLiteral("Contents");
-    QTest::newRow("Japanese") << QStringLiteral("ja") << QStringLiteral("目次");
+    QTest::addColumn<QString>("entry");
+    QTest::newRow("English") << QStringLiteral("en") << QStringLiteral("Contents")
+                             << QStringLiteral("Ten minutes: a valence, and a map");
+    QTest::newRow("Japanese") << QStringLiteral("ja") << QStringLiteral("目次")
+                              << QStringLiteral("10 分でひとめぐり");
 }
 
 void tst_GuidePages::contentsAreOfOneLanguage()
 {
     QFETCH(QString, language);
     QFETCH(QString, title);
+    QFETCH(QString, entry);
     const QString page = GuideWindow::firstPage(QStringLiteral(GUIDE_PAGES "/../../app"),
                                                 language == QLatin1String("ja"));
     QCOMPARE(page,
              QDir::cleanPath(pages + QLatin1Char('/') + language + QStringLiteral("/index.html")));
     const GuideWindow window(page);
     QCOMPARE(window.documentTitle(), title);
+    QVERIFY(window.toPlainText().split(QLatin1Char('\n')).contains(entry));
     const QStringList links = valuesOf("href", page);
     // All of the language; of the three pages of both, two have a Japanese text of their own.
     QVERIFY(links.size() >= 11);
