@@ -29,15 +29,17 @@ std::size_t pixelsOf(const Region& region)
     return static_cast<std::size_t>(region.width) * static_cast<std::size_t>(region.height);
 }
 
-/// Memory of a plane, kept by the set.
+using Memory = std::vector<std::shared_ptr<void>>;
+
+/// Memory of a plane, kept with others.
 /// @return null where it is refused
 template <class T>
-T* newPlane(std::size_t pixels, FrameSet& set)
+T* newPlane(std::size_t pixels, Memory& kept)
 {
     auto memory = std::make_shared<PixelArray<T>>();
     if (!memory->resize(pixels))
         return nullptr;
-    set.memory.push_back(memory);
+    kept.push_back(memory);
     return memory->data();
 }
 
@@ -48,18 +50,18 @@ FileFault tooLarge(const QString& path)
 
 /// Reads one frame as it is stored, or the mean of several in double precision.
 std::optional<FileFault> readMean(const std::vector<Place>& places, const Region& region,
-                                  FrameSet& set, Plane& plane)
+                                  Memory& memory, Plane& plane)
 {
     const Place& first = places.front();
     const std::size_t pixels = pixelsOf(region);
     plane.type = pixelTypeOf(first.header);
-    auto* const stored = newPlane<char>(pixels * bytesOf(plane.type), set);
+    auto* const stored = newPlane<char>(pixels * bytesOf(plane.type), memory);
     if (stored == nullptr)
         return tooLarge(first.path);
     plane.pixels = stored;
     if (places.size() == 1)
         return readCameraPixels(first.path, first.header, region, stored);
-    auto* const mean = newPlane<double>(pixels, set);
+    auto* const mean = newPlane<double>(pixels, memory);
     if (mean == nullptr)
         return tooLarge(first.path);
     Frame frame;
@@ -268,22 +270,22 @@ std::optional<FileFault> CameraStack::open(const StackSource& source)
 std::optional<FileFault> CameraStack::read(const std::vector<std::size_t>& indices,
                                            const Region& region, FrameSet& set)
 {
-    Frame common;
+    Frame& common = set.shared;
     common.values = StackValues::Counts;
     common.darkLevel = m_darkLevel;
     std::optional<FileFault> fault;
-    if (!m_dark.empty())
-        fault = readMean(m_dark, region, set, common.dark);
+    if (!m_dark.empty() && common.dark.pixels == nullptr)
+        fault = readMean(m_dark, region, set.sharedMemory, common.dark);
     const bool oneFlat = m_flats.size() == 1;
-    if (!fault && oneFlat)
-        fault = readMean(m_flats.front(), region, set, common.flat);
+    if (!fault && oneFlat && common.flat.pixels == nullptr)
+        fault = readMean(m_flats.front(), region, set.sharedMemory, common.flat);
     for (std::size_t k = 0; !fault && k < indices.size(); ++k) {
         const std::size_t i = indices[k];
         Frame frame = common;
         frame.added = m_added.empty() ? 0.0 : m_added[i];
-        fault = readMean(m_frames[i], region, set, frame.frame);
+        fault = readMean(m_frames[i], region, set.memory, frame.frame);
         if (!fault && !oneFlat)
-            fault = readMean(m_flats[i], region, set, frame.flat);
+            fault = readMean(m_flats[i], region, set.memory, frame.flat);
         set.frames.push_back(frame);
     }
     return fault;

@@ -86,7 +86,51 @@ void toMut(const Frame& frame, std::size_t first, std::size_t count, double* val
                        [](double mut) { return std::isfinite(mut) ? mut : notANumber; });
 }
 
+/// Adds the sums of some pixels, no more than a block.
+void addSums(const Frame& frame, std::size_t first, std::size_t count, FrameSums& sums)
+{
+    Block values;
+    Block flat;
+    Block dark;
+    FrameSums here;
+    load(frame.frame, first, count, values.data());
+    if (frame.values == StackValues::Counts) {
+        load(frame.flat, first, count, flat.data());
+        loadDark(frame, first, count, dark);
+    } else {
+        std::fill_n(flat.begin(), count, 1.0);
+        std::fill_n(dark.begin(), count, 0.0);
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        const double incident = flat[i] - dark[i];
+        const double transmitted = values[i] - dark[i];
+        if (!std::isfinite(incident) || !std::isfinite(transmitted))
+            continue;
+        here.incident += incident;
+        here.transmitted += transmitted;
+        ++here.pixels;
+    }
+    sums.incident += here.incident;
+    sums.transmitted += here.transmitted;
+    sums.pixels += here.pixels;
+}
+
 } // namespace
+
+double FrameSums::meanMut(const Frame& frame) const
+{
+    if (frame.values != StackValues::MuT)
+        return logarithm(incident, transmitted) + frame.added;
+    return pixels > 0 ? transmitted / incident : notANumber;
+}
+
+FrameSums sumsOf(const Frame& frame, std::size_t count)
+{
+    FrameSums sums;
+    for (std::size_t done = 0; done < count; done += block)
+        addSums(frame, done, std::min(block, count - done), sums);
+    return sums;
+}
 
 void addMut(const Frame& frame, std::size_t first, std::size_t count, double* mut, bool add)
 {

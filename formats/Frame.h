@@ -57,6 +57,21 @@ struct Frame {
     double weight = 1.0;    ///< of this frame in a mean or between neighbours
 };
 
+/// What the mean mu-t of pixels is formed from. A pixel without a number, in the frame or in what
+/// belongs to it, is left out; one that is dark counts.
+struct FrameSums {
+    std::size_t pixels = 0;   ///< that have numbers
+    double incident = 0.0;    ///< flat - dark of counts, otherwise 1 a pixel
+    double transmitted = 0.0; ///< frame - dark of counts, otherwise the numbers as they are
+
+    /// The logarithm of the mean intensities, or the mean of mu-t; not-a-number where there is
+    /// none.
+    double meanMut(const Frame& frame) const;
+};
+
+/// Sums over the first pixels of a frame; in an order that does not depend on threads.
+FrameSums sumsOf(const Frame& frame, std::size_t count);
+
 /// mu-t of some pixels, in double precision: not-a-number where an intensity is not positive.
 /// @param mut  [count]; the weighted mu-t is added to it, or put there
 void addMut(const Frame& frame, std::size_t first, std::size_t count, double* mut, bool add);

@@ -26,7 +26,7 @@ struct Part {
     std::string word; ///< path and indices
     Plane Frame::*place;
     PixelType type;
-    std::size_t planes; ///< one for each frame, or one for all
+    bool isShared;      ///< the mean of several planes, for all frames
     std::size_t offset; ///< in the memory
 };
 
@@ -172,7 +172,7 @@ std::vector<Part> Hdf5Stack::partsOf(const std::vector<std::size_t>& indices) co
         const bool each = images.count == static_cast<long>(m_facts.energies.size());
         if (!images.path.empty())
             parts.push_back({images.path + '\t' + (each ? listOf(indices) : "mean"), place,
-                             each ? images.type : PixelType::F64, each ? indices.size() : 1, 0});
+                             each ? images.type : PixelType::F64, !each, 0});
     };
     if (m_facts.values == StackValues::Counts) {
         add(m_flat, &Frame::flat);
@@ -192,6 +192,12 @@ std::optional<FileFault> Hdf5Stack::read(const std::vector<std::size_t>& indices
     const std::size_t pixels =
         static_cast<std::size_t>(region.width) * static_cast<std::size_t>(region.height);
     std::vector<Part> parts = partsOf(indices);
+    parts.erase(std::remove_if(parts.begin(), parts.end(),
+                               [&set](const Part& part) {
+                                   return part.isShared &&
+                                          (set.shared.*part.place).pixels != nullptr;
+                               }),
+                parts.end());
     std::size_t bytes = 0;
     std::vector<std::string> words{
         "planes", "file=" + QFile::encodeName(m_path).toStdString(), "dimension=" + m_dimension,
@@ -201,7 +207,7 @@ std::optional<FileFault> Hdf5Stack::read(const std::vector<std::size_t>& indices
     for (Part& part : parts) {
         words.push_back("set=" + part.word);
         part.offset = bytes;
-        bytes += part.planes * pixels * ::bytesOf(part.type);
+        bytes += (part.isShared ? 1 : indices.size()) * pixels * ::bytesOf(part.type);
     }
     const auto memory = std::make_shared<PixelMemory>(bytes);
     if (!memory->isThere())
@@ -210,15 +216,19 @@ std::optional<FileFault> Hdf5Stack::read(const std::vector<std::size_t>& indices
     if (auto fault = askStackProcess(m_path, std::move(words), memory.get(), answer))
         return fault;
     set.memory.push_back(memory);
-    for (std::size_t k = 0; k < indices.size(); ++k) {
-        Frame frame;
-        frame.values = m_facts.values;
-        frame.darkLevel = m_darkLevel;
-        for (const Part& part : parts) {
-            const std::size_t plane = part.planes == 1 ? 0 : k;
-            frame.*part.place = {part.type, memory->data() + part.offset +
-                                                plane * pixels * ::bytesOf(part.type)};
+    set.shared.values = m_facts.values;
+    set.shared.darkLevel = m_darkLevel;
+    for (const Part& part : parts)
+        if (part.isShared) {
+            set.shared.*part.place = {part.type, memory->data() + part.offset};
+            set.sharedMemory.push_back(memory);
         }
+    for (std::size_t k = 0; k < indices.size(); ++k) {
+        Frame frame = set.shared;
+        for (const Part& part : parts)
+            if (!part.isShared)
+                frame.*part.place = {part.type, memory->data() + part.offset +
+                                                    k * pixels * ::bytesOf(part.type)};
         set.frames.push_back(frame);
     }
     return std::nullopt;

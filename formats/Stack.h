@@ -51,6 +51,17 @@ struct StackSource {
 struct FrameSet {
     std::vector<Frame> frames; ///< one for each index that was asked for
     std::vector<std::shared_ptr<void>> memory;
+    /// Flat and dark that all frames have in common. Where they are there, of the same region, they
+    /// are not read again.
+    Frame shared;
+    std::vector<std::shared_ptr<void>> sharedMemory;
+
+    /// Lets go of the frames; what all have in common stays.
+    void dropFrames()
+    {
+        frames.clear();
+        memory.clear();
+    }
 };
 
 /// A stack of images of known energies. Only what is asked for is read.

@@ -114,6 +114,13 @@ std::optional<Region> regionWithin(const StackFacts& facts, const Region& region
     return within ? std::optional(region) : std::nullopt;
 }
 
+QString outsideText(const StackFacts& facts)
+{
+    return QStringLiteral("the region is not within its %1 x %2 pixels")
+        .arg(facts.columns)
+        .arg(facts.rows);
+}
+
 std::optional<FileFault> stackMaps(Stack& stack, const QString& path,
                                    const std::vector<double>& energies, const Region& region,
                                    std::vector<MapData>& maps, Workers& workers,
@@ -122,10 +129,7 @@ std::optional<FileFault> stackMaps(Stack& stack, const QString& path,
     const StackFacts& facts = stack.facts();
     const auto within = regionWithin(facts, region);
     if (!within)
-        return FileFault{path, 0,
-                         QStringLiteral("the region is not within its %1 x %2 pixels")
-                             .arg(facts.columns)
-                             .arg(facts.rows)};
+        return FileFault{path, 0, outsideText(facts)};
     Parts parts;
     for (const double energy : energies) {
         parts.push_back(framesAt(facts.energies, energy));

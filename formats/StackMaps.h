@@ -21,3 +21,5 @@ std::optional<FileFault> stackMaps(Stack& stack, const QString& path,
 /// The region, or all of the frames.
 /// @return nothing where it is not within them
 std::optional<Region> regionWithin(const StackFacts& facts, const Region& region);
+/// Why there is nothing of a region that is not within them.
+QString outsideText(const StackFacts& facts);

@@ -26,6 +26,8 @@ struct PageOf {
 
 using Pages = std::vector<PageOf>;
 
+using Memory = std::vector<std::shared_ptr<void>>;
+
 /// Runs of digits count as numbers, all else as characters.
 bool isBefore(const QString& a, const QString& b)
 {
@@ -106,11 +108,12 @@ public:
 private:
     std::optional<FileFault> describe(const QStringList& files, Pages& pages);
     std::optional<FileFault> readEnergies(const StackSource& source, QStringList& files);
-    std::optional<FileFault> readPages(const Pages& pages, const Region& region, FrameSet& set,
+    std::optional<FileFault> readPages(const Pages& pages, const Region& region, Memory& memory,
                                        std::vector<Plane>& planes);
+    std::optional<FileFault> readMean(const Pages& pages, const Region& region, Memory& memory,
+                                      Plane& plane);
     std::optional<FileFault> readImages(const Pages& pages, const std::vector<std::size_t>& indices,
-                                        const Region& region, FrameSet& set,
-                                        std::vector<Plane>& planes);
+                                        const Region& region, FrameSet& set, Plane Frame::*place);
 
     QString m_path;
     Pages m_frames;
@@ -218,7 +221,7 @@ std::optional<FileFault> TiffStack::open(const StackSource& source)
 }
 
 std::optional<FileFault> TiffStack::readPages(const Pages& pages, const Region& region,
-                                              FrameSet& set, std::vector<Plane>& planes)
+                                              Memory& kept, std::vector<Plane>& planes)
 {
     const std::size_t bytes = static_cast<std::size_t>(region.width) *
                               static_cast<std::size_t>(region.height) * bytesOf(m_facts.type);
@@ -239,27 +242,17 @@ std::optional<FileFault> TiffStack::readPages(const Pages& pages, const Region& 
     StackWords answer;
     if (auto fault = askStackProcess(pages.front().path, std::move(words), memory.get(), answer))
         return fault;
-    set.memory.push_back(memory);
+    kept.push_back(memory);
     for (std::size_t k = 0; k < pages.size(); ++k)
         planes.push_back({m_facts.type, memory->data() + k * bytes});
     return std::nullopt;
 }
 
-/// Flat or dark images: one for each frame, or their mean for all.
-std::optional<FileFault> TiffStack::readImages(const Pages& pages,
-                                               const std::vector<std::size_t>& indices,
-                                               const Region& region, FrameSet& set,
-                                               std::vector<Plane>& planes)
+std::optional<FileFault> TiffStack::readMean(const Pages& pages, const Region& region,
+                                             Memory& memory, Plane& plane)
 {
-    Pages wanted;
-    const bool each = pages.size() == m_frames.size();
-    for (const std::size_t i : indices)
-        if (each)
-            wanted.push_back(pages[i]);
-    if (each)
-        return readPages(wanted, region, set, planes);
     std::vector<Plane> all;
-    if (auto fault = readPages(pages, region, set, all))
+    if (auto fault = readPages(pages, region, memory, all))
         return fault;
     const std::size_t pixels =
         static_cast<std::size_t>(region.width) * static_cast<std::size_t>(region.height);
@@ -272,35 +265,54 @@ std::optional<FileFault> TiffStack::readImages(const Pages& pages,
         frame.frame = all[k];
         addMut(frame, 0, pixels, mean->data(), k > 0); // numbers that are mu-t stay as they are
     }
-    set.memory.back() = mean; // the pages are not needed any more
-    planes.assign(indices.size(), {PixelType::F64, reinterpret_cast<const char*>(mean->data())});
+    memory.back() = mean; // the pages are not needed any more
+    plane = {PixelType::F64, reinterpret_cast<const char*>(mean->data())};
     return std::nullopt;
+}
+
+/// Puts flat or dark images into the frames: one for each, or their mean for all.
+std::optional<FileFault> TiffStack::readImages(const Pages& pages,
+                                               const std::vector<std::size_t>& indices,
+                                               const Region& region, FrameSet& set,
+                                               Plane Frame::*place)
+{
+    if (pages.empty())
+        return std::nullopt;
+    std::vector<Plane> planes;
+    std::optional<FileFault> fault;
+    if (pages.size() == m_frames.size()) {
+        Pages wanted;
+        for (const std::size_t i : indices)
+            wanted.push_back(pages[i]);
+        fault = readPages(wanted, region, set.memory, planes);
+    } else {
+        if ((set.shared.*place).pixels == nullptr)
+            fault = readMean(pages, region, set.sharedMemory, set.shared.*place);
+        planes.assign(indices.size(), set.shared.*place);
+    }
+    for (std::size_t k = 0; !fault && k < indices.size(); ++k)
+        set.frames[k].*place = planes[k];
+    return fault;
 }
 
 std::optional<FileFault> TiffStack::read(const std::vector<std::size_t>& indices,
                                          const Region& region, FrameSet& set)
 {
-    std::vector<Plane> flats;
-    std::vector<Plane> darks;
     std::vector<Plane> frames;
     Pages wanted;
     for (const std::size_t i : indices)
         wanted.push_back(m_frames[i]);
-    auto fault = readPages(wanted, region, set, frames);
-    if (!fault && !m_flats.empty())
-        fault = readImages(m_flats, indices, region, set, flats);
-    if (!fault && !m_darks.empty())
-        fault = readImages(m_darks, indices, region, set, darks);
-    for (std::size_t k = 0; !fault && k < indices.size(); ++k) {
-        Frame frame;
-        frame.values = m_facts.values;
-        frame.frame = frames[k];
-        frame.flat = flats.empty() ? Plane() : flats[k];
-        frame.dark = darks.empty() ? Plane() : darks[k];
-        frame.darkLevel = m_darkLevel;
-        set.frames.push_back(frame);
+    if (auto fault = readPages(wanted, region, set.memory, frames))
+        return fault;
+    set.shared.values = m_facts.values;
+    set.shared.darkLevel = m_darkLevel;
+    for (const Plane& plane : frames) {
+        set.frames.push_back(set.shared);
+        set.frames.back().frame = plane;
     }
-    return fault;
+    if (auto fault = readImages(m_flats, indices, region, set, &Frame::flat))
+        return fault;
+    return readImages(m_darks, indices, region, set, &Frame::dark);
 }
 
 } // namespace

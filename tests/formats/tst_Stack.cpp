@@ -3,6 +3,7 @@
 #include "formats/StackEnergies.h"
 #include "formats/StackMaps.h"
 #include "formats/StackProcess.h"
+#include "formats/StackSpectrum.h"
 #include "tests/support/ArrayBytes.h"
 #include "tests/support/Files.h"
 
@@ -43,6 +44,14 @@ private slots:
     void refused_data();
     void refused();
     void processFails();
+    void meanSpectra_data() { layouts_data(); }
+    void meanSpectra();
+    void meanOfManyFrames_data();
+    void meanOfManyFrames();
+    void meanLeavesOut();
+    void meanNeedsTwoEnergies();
+    void meanOfTheSameEnergy();
+    void meanOfTiltedRows();
 
 private:
     static MapSample sample();
@@ -635,6 +644,272 @@ void tst_Stack::processFails()
              QStringLiteral("cannot be read: the program drovik-stack does not start"));
     setStackProgram(QStringLiteral(STACK_PROGRAM));
     QCOMPARE(faultOf(source), QStringLiteral("opened"));
+}
+
+namespace
+{
+
+/// ln of the sums of intensities over a region, pixel by pixel.
+/// @param flats  whose mean is taken for all frames; 0: each frame has its own
+double literalMean(const CountedStack& stack, std::size_t frame, const Region& region,
+                   std::size_t flats = 0)
+{
+    double incident = 0.0;
+    double transmitted = 0.0;
+    for (int y = region.y; y < region.y + region.height; ++y)
+        for (int x = region.x; x < region.x + region.width; ++x) {
+            const std::size_t i = static_cast<std::size_t>(y * stack.columns + x);
+            double flat = 0.0;
+            for (std::size_t k = 0; k < flats; ++k)
+                flat += stack.flats[k * stack.pixels() + i] / static_cast<double>(flats);
+            if (flats == 0)
+                flat = stack.flats[frame * stack.pixels() + i];
+            incident += flat - stack.dark[i];
+            transmitted += stack.counts[frame * stack.pixels() + i] - stack.dark[i];
+        }
+    return std::log(incident / transmitted);
+}
+
+StackSpectrum spectrumOf(Stack& stack, const Region& region, const EnergyTilt& tilt = {})
+{
+    StackSpectrum spectrum;
+    const auto fault = stackSpectrum(stack, QStringLiteral("stack"), region, tilt, spectrum);
+    if (fault)
+        qFatal("%s", qPrintable(faultText(*fault)));
+    return spectrum;
+}
+
+/// Frames of mu-t, or of counts on a flat of 100 that all share, in memory; counts what is read.
+class MadeStack : public Stack
+{
+public:
+    MadeStack(const Energies& energies, int columns, int rows, const std::vector<double>& values)
+        : m_values(values)
+    {
+        m_facts.energies = energies;
+        m_facts.columns = columns;
+        m_facts.rows = rows;
+        m_facts.values = StackValues::MuT;
+    }
+    std::optional<FileFault> read(const std::vector<std::size_t>& indices, const Region&,
+                                  FrameSet& set) override
+    {
+        const auto pixels = static_cast<std::size_t>(m_facts.columns * m_facts.rows);
+        const auto planeOf = [](const double* numbers) {
+            return Plane{PixelType::F64, reinterpret_cast<const char*>(numbers)};
+        };
+        m_flat.assign(pixels, 100.0);
+        if (sharesFlat)
+            set.shared.flat = planeOf(m_flat.data());
+        for (const std::size_t index : indices) {
+            read_.push_back(index);
+            Frame frame = set.shared;
+            frame.values = m_facts.values;
+            frame.flat = planeOf(m_flat.data());
+            frame.frame = planeOf(m_values.data() + index * pixels);
+            set.frames.push_back(frame);
+        }
+        return std::nullopt;
+    }
+    void takeFor(StackValues values) { m_facts.values = values; }
+
+    bool sharesFlat = true;
+    std::vector<std::size_t> read_;
+
+private:
+    std::vector<double> m_values;
+    std::vector<double> m_flat;
+};
+
+constexpr double none = std::numeric_limits<double>::quiet_NaN();
+
+} // namespace
+
+/// Each layout against the sums over its numbers. Counts are ln of mean intensities, transmissions
+/// likewise with an intensity of 1 before the sample, and mu-t has the mean of its numbers.
+void tst_Stack::meanSpectra()
+{
+    QFETCH(int, layout);
+    const Layout& at = allLayouts()[layout];
+    const auto stack = opened(sourceOf(m_dir.path(), at));
+    const CountedStack numbers = counted();
+    const std::vector<double> muts = numbers.mut();
+    const std::vector<float> transmissions = numbers.transmission();
+    const Region region{2, 1, 4, 3};
+    const StackSpectrum found = spectrumOf(*stack, region);
+    QCOMPARE(found.points.size(), numbers.energies.size());
+    const StackValues values = stack->facts().values;
+    for (std::size_t k = 0; k < found.points.size(); ++k) {
+        double sum = 0.0;
+        for (int i = 0; i < 12; ++i) {
+            const auto pixel = k * numbers.pixels() +
+                               static_cast<std::size_t>((1 + i / 4) * numbers.columns + 2 + i % 4);
+            sum += values == StackValues::MuT ? muts[pixel] : double{transmissions[pixel]};
+        }
+        const double expected = values == StackValues::Counts ? literalMean(numbers, k, region)
+                                : values == StackValues::MuT  ? sum / 12
+                                                              : -std::log(sum / 12);
+        QVERIFY(near(found.points[k].energy, numbers.energies[k], 1e-6));
+        QVERIFY2(near(found.points[k].mut, expected, 1e-12), at.name);
+    }
+    QCOMPARE(found.readings.size(), values == StackValues::Counts ? found.points.size() : 0);
+    QCOMPARE(found.warnings, QStringList());
+    const auto fault = [&](const Region& outside) {
+        StackSpectrum spectrum;
+        return stackSpectrum(*stack, QStringLiteral("s"), outside, {}, spectrum)
+            .value_or(FileFault())
+            .reason;
+    };
+    QCOMPARE(fault({10, 0, 4, 3}), QStringLiteral("the region is not within its %1 x %2 pixels")
+                                       .arg(numbers.columns)
+                                       .arg(numbers.rows));
+}
+
+void tst_Stack::meanOfManyFrames_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::newRow("exchange") << QStringLiteral("exchange");
+    QTest::newRow("tiff") << QStringLiteral("tiff");
+    QTest::newRow("his") << QStringLiteral("his");
+}
+
+/// More frames than are read at once; flats of two, and darks, that they share are read once.
+void tst_Stack::meanOfManyFrames()
+{
+    QFETCH(QString, kind);
+    const QDir folder(m_dir.filePath(QStringLiteral("many-") + kind));
+    QVERIFY(QDir().mkpath(folder.path()));
+    const auto made = [](int frames) {
+        CountedStack stack;
+        stack.columns = 5;
+        stack.rows = 4;
+        stack.dark.assign(stack.pixels(), 100);
+        for (int k = 0; k < frames; ++k)
+            stack.energies.push_back(8300 + k);
+        for (std::size_t i = 0; i < stack.energies.size() * stack.pixels(); ++i) {
+            stack.flats.push_back(static_cast<std::uint16_t>(50000 + (i * 7919) % 9973));
+            stack.counts.push_back(static_cast<std::uint16_t>(200 + (i * 104729) % 39989));
+        }
+        return stack;
+    };
+    const CountedStack stack = made(70);
+    const CountedStack two = made(2);
+    StackSource source;
+    source.values = StackValues::Counts;
+    source.path = folder.filePath(QStringLiteral("s"));
+    const auto beside = [&](const char* name) { return folder.filePath(QLatin1String(name)); };
+    if (kind == QLatin1String("exchange")) {
+        QVERIFY(writeExchange(source.path, stack));
+    } else if (kind == QLatin1String("tiff")) {
+        source.path = beside("s.tif");
+        QVERIFY(writeTiffStack(source.path, stack) && writeTiffStack(beside("two.tif"), two));
+        source.flat = beside("two-flat.tif");
+        source.dark = beside("s-dark.tif");
+    } else {
+        QVERIFY(writeHisStack(source.path, stack) && writeHisStack(beside("two"), two));
+        source.flat = beside("two.flat");
+        source.dark = beside("s.dark");
+        source.energies = beside("s.txt");
+    }
+    const bool own = kind == QLatin1String("exchange");
+    const auto reader = opened(source);
+    const Region region{1, 1, 3, 2};
+    const StackSpectrum found = spectrumOf(*reader, region);
+    QCOMPARE(found.points.size(), std::size_t(70));
+    for (std::size_t k = 0; k < 70; ++k) {
+        QVERIFY(near(found.points[k].mut, literalMean(stack, k, region, own ? 0 : 2), 1e-12));
+        double counts = 0.0;
+        for (const std::size_t i : {6, 7, 8, 11, 12, 13})
+            counts += stack.counts[k * stack.pixels() + i] - 100.0;
+        QVERIFY(near(found.readings[k].transmitted, counts, 1e-6));
+        // The noise of a flat that all share moves all points alike.
+        QCOMPARE(std::isinf(found.readings[k].incident), !own);
+    }
+    FrameSet set;
+    QVERIFY(!reader->read({0, 1}, region, set));
+    const char* const flat = set.shared.flat.pixels;
+    const std::size_t kept = set.sharedMemory.size();
+    set.dropFrames();
+    QVERIFY(!reader->read({2}, region, set));
+    QCOMPARE(set.frames.size(), std::size_t(1));
+    QCOMPARE(set.shared.flat.pixels, flat);
+    QCOMPARE(set.sharedMemory.size(), kept);
+}
+
+/// A pixel without a number in its frame, and a frame without light.
+void tst_Stack::meanLeavesOut()
+{
+    MadeStack stack({1, 2, 3}, 2, 2, {1, 2, 3, 4, none, 2, 6, none, 1, 1, 1, 1});
+    const StackSpectrum mut = spectrumOf(stack, {});
+    QCOMPARE(mut.points.size(), std::size_t(3));
+    QCOMPARE(mut.points[0].mut, 2.5);
+    QCOMPARE(mut.points[1].mut, 4.0);
+    QCOMPARE(mut.warnings, QStringList(QStringLiteral("up to 2 of the 4 pixels of a frame have no "
+                                                      "number; the mean is that of the others")));
+    QVERIFY(stack.read_ == (std::vector<std::size_t>{0, 1, 2}));
+    // A dark pixel counts, a frame that is dark altogether has no logarithm.
+    MadeStack dark({1, 2, 3}, 2, 1, {100, 0, -1, 1, 50, 50});
+    dark.takeFor(StackValues::Counts);
+    const StackSpectrum counts = spectrumOf(dark, {});
+    QCOMPARE(counts.points.size(), std::size_t(2));
+    QVERIFY(near(counts.points[0].mut, std::log(2.0), 1e-15));
+    QCOMPARE(counts.points[1].energy, 3.0);
+    QCOMPARE(counts.readings.size(), std::size_t(2));
+    QCOMPARE(counts.warnings,
+             QStringList(QStringLiteral("there is no light at 1 of 3 energies, which are left "
+                                        "out")));
+}
+
+void tst_Stack::meanNeedsTwoEnergies()
+{
+    const auto fault = [](MadeStack stack) {
+        StackSpectrum spectrum;
+        return stackSpectrum(stack, QStringLiteral("s"), {}, {}, spectrum)
+            .value_or(FileFault())
+            .reason;
+    };
+    const auto reason = [](int energies) {
+        return QStringLiteral("has %1 energies with a mu-t; a spectrum needs two").arg(energies);
+    };
+    QCOMPARE(fault({{8300}, 1, 1, {1}}), reason(1));
+    QCOMPARE(fault({{8300, 8300}, 1, 1, {1, 2}}), reason(1));
+    QCOMPARE(fault({{8300, 8400}, 1, 1, {none, none}}), reason(0));
+    QCOMPARE(fault({{8300, 8400}, 1, 1, {1, 2}}), QString());
+}
+
+/// Energies in any order; of those that are there twice the mean of both logarithms, with half the
+/// sum of their variances' halves.
+void tst_Stack::meanOfTheSameEnergy()
+{
+    MadeStack stack({3, 1, 2, 1}, 2, 1, {10, 30, 20, 20, 5, 5, 70, 90});
+    stack.takeFor(StackValues::Counts);
+    stack.sharesFlat = false;
+    const StackSpectrum found = spectrumOf(stack, {});
+    QCOMPARE(found.points.size(), std::size_t(3));
+    for (std::size_t k = 0; k < 3; ++k)
+        QCOMPARE(found.points[k].energy, static_cast<double>(k + 1));
+    QVERIFY(near(found.points[0].mut, (std::log(5.0) + std::log(1.25)) / 2, 1e-15));
+    QVERIFY(near(found.points[2].mut, std::log(5.0), 1e-15));
+    // Gains of 3 and 7 with counts of 200 before the sample, 40 and 160 behind it.
+    const double variance = (3.0 / 200 + 7.0 / 40 + 3.0 / 200 + 7.0 / 160) / 4;
+    QVERIFY(near(countingVariance(found.readings[0], {3.0, 7.0}), variance, 1e-15));
+    QVERIFY(near(countingVariance(found.readings[2], {3.0, 7.0}), 3.0 / 200 + 7.0 / 40, 1e-15));
+}
+
+/// The energies are those of the region's middle, counted from the first row of the frames.
+void tst_Stack::meanOfTiltedRows()
+{
+    MadeStack stack({8300, 8310}, 2, 10, std::vector<double>(40, 1.0));
+    const auto energy = [&](const Region& region) {
+        return spectrumOf(stack, region, {0.1, 1.0}).points.front().energy;
+    };
+    QCOMPARE(energy({0, 4, 1, 1}), 8300.3);
+    QCOMPARE(energy({0, 4, 1, 4}), 8300.45);
+    QCOMPARE(energy({}), 8300.35);
+    QCOMPARE(spectrumOf(stack, {0, 0, 1, 6}, {0.1, 1.0}).warnings, QStringList());
+    QCOMPARE(spectrumOf(stack, {0, 0, 1, 7}, {-0.1, 1.0}).warnings,
+             QStringList(QStringLiteral("the energies of the region's rows differ by 0.6 eV, which "
+                                        "blurs the spectrum")));
 }
 
 QTEST_GUILESS_MAIN(tst_Stack)
