@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <ctime>
-#include <sys/stat.h>
 
 namespace
 {
@@ -12,33 +11,18 @@ constexpr std::int64_t second = 1000000000; ///< ns
 /// File systems keep times of whole seconds at worst, and two of FAT.
 constexpr std::int64_t coarsestClock = 2 * second;
 
-std::int64_t nanoseconds(const timespec& time)
-{
-    return time.tv_sec * second + time.tv_nsec;
-}
-
 } // namespace
-
-bool WatchedFiles::read(const QByteArray& path, State& state)
-{
-    struct stat file = {};
-    if (stat(path.constData(), &file) != 0)
-        return false;
-    state = {file.st_dev, file.st_ino, file.st_size, nanoseconds(file.st_mtim),
-             nanoseconds(file.st_ctim)};
-    return true;
-}
 
 bool WatchedFiles::look(const QByteArray& path, Time now)
 {
-    State state;
-    if (!read(path, state))
+    const std::optional<FileState> state = fileState(path);
+    if (!state)
         return false;
     const auto known = m_files.find(path);
     if (known == m_files.end())
-        m_files.emplace(path, File{state, now, true});
-    else if (known->second.state != state)
-        known->second = {state, now, true};
+        m_files.emplace(path, File{*state, now, true});
+    else if (known->second.state != *state)
+        known->second = {*state, now, true};
     return true;
 }
 
@@ -49,8 +33,7 @@ void WatchedFiles::takeAsDone(const QByteArray& path, Time now)
     timespec clock = {};
     clock_gettime(CLOCK_REALTIME, &clock);
     File& file = m_files.at(path);
-    const std::int64_t last = std::max(std::get<3>(file.state), std::get<4>(file.state));
-    file.pending = last > nanoseconds(clock) - coarsestClock;
+    file.pending = lastChange(file.state) > clock.tv_sec * second + clock.tv_nsec - coarsestClock;
 }
 
 bool WatchedFiles::isPending(const QByteArray& path) const

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "system/FileState.h"
+
 #include <QByteArray>
 
 #include <chrono>
-#include <cstdint>
 #include <map>
-#include <tuple>
 
 /// Files that are looked at again and again, to learn which have changed and have stopped growing.
 /// The times come from whoever asks.
@@ -35,16 +35,11 @@ public:
     bool anyPending() const;
 
 private:
-    /// Device, number, size, and times of the last change to contents and status, ns.
-    using State =
-        std::tuple<std::uint64_t, std::uint64_t, std::int64_t, std::int64_t, std::int64_t>;
     struct File {
-        State state;
+        FileState state;
         Time since;
         bool pending = true;
     };
-
-    static bool read(const QByteArray& path, State& state);
 
     std::map<QByteArray, File> m_files;
 };
