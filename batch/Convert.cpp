@@ -7,6 +7,7 @@
 #include "formats/BeamlineText.h"
 #include "formats/MapText.h"
 #include "formats/StackMaps.h"
+#include "formats/StackSpectrum.h"
 #include "input/KnownPositions.h"
 #include "jobs/AlignmentKeys.h"
 #include "jobs/JobWriter.h"
@@ -39,6 +40,12 @@ struct FileStep {
     JobPlace from;
 };
 
+/// One spectrum to be made of a region of a stack.
+struct RegionStep {
+    std::shared_ptr<const RegionTarget> region;
+    QString place;
+};
+
 /// One map to be made of a stack.
 struct MapStep {
     const JobMap* map = nullptr;
@@ -54,6 +61,8 @@ bool isOfOthers(const ByteSource& file, const SpectrumSource& source)
     return kind != FileKind::Beamline && kind != FileKind::Unknown && kind != FileKind::Empty &&
            kind != FileKind::MapText;
 }
+
+const QString unwritten = QStringLiteral(": has a mu-t that no intensities have");
 
 class Conversion
 {
@@ -96,11 +105,11 @@ public:
     {
         for (const FileStep& step : m_files)
             writeFile(step);
+        for (const RegionStep& step : m_regions)
+            writeRegion(step);
         for (const MapStep& step : m_maps)
             writeMap(step);
-        SafeFile file(m_names.whole(m_jobName));
-        if (!file.open() || !file.write(m_text.constData(), m_text.size()) || !file.commit())
-            fail(m_jobName);
+        writeText(m_jobName, m_text);
         sayWhatIsLost();
     }
 
@@ -108,7 +117,7 @@ public:
     QString written() const { return m_names.whole(m_jobName); }
 
 private:
-    void planTargets(const std::vector<JobFilePath>& targets);
+    void planTargets(const std::vector<TargetJob>& targets);
     void planSpectrum(JobFilePath& spectrum);
     void planCopy(JobFilePath& file);
     void planMap(const MapJob& files, JobMap& map);
@@ -120,6 +129,9 @@ private:
 
     void writeFile(const FileStep& step);
     void writeSpectrum(const FileStep& step);
+    void writeRegion(const RegionStep& step);
+    void writeText(const QString& place, const QByteArray& text);
+    bool writePoints(const QString& name, const QString& place, const SpectrumPoints& points);
     void copy(const FileStep& step) const;
     void writeMap(const MapStep& step);
     void sayWhatIsLost() const;
@@ -142,6 +154,7 @@ private:
     QString m_jobName;
     QByteArray m_text;
     std::vector<FileStep> m_files;
+    std::vector<RegionStep> m_regions;
     std::vector<MapStep> m_maps;
     std::size_t m_unread = 0;    ///< targets
     double m_energyChange = 0.0; ///< the largest by the digits of a text, eV
@@ -154,14 +167,23 @@ bool Conversion::converts(const QString& path, const SpectrumSource& source) con
     return file && isOfOthers(*file, source);
 }
 
-void Conversion::planTargets(const std::vector<JobFilePath>& targets)
+/// A region becomes a file like any other.
+void Conversion::planTargets(const std::vector<TargetJob>& targets)
 {
-    if (m_job.targets.empty())
-        return;
     m_new.targets.clear();
-    for (const JobFilePath& target : targets) {
-        const QString place = m_names.placeOf(target.path, m_job.targetSource);
-        m_files.push_back({target.path, place, m_job.targetSource, true, true, target.place});
+    m_new.stackTargets.clear();
+    for (const TargetJob& target : targets) {
+        const JobFilePath& file = target.file;
+        const QString place =
+            target.region
+                ? m_names.placeOf(
+                      QDir(m_job.folder)
+                          .filePath(QStringLiteral("targets/%1.dat").arg(target.region->name)))
+                : m_names.placeOf(file.path, m_job.targetSource);
+        if (target.region)
+            m_regions.push_back({target.region, place});
+        else
+            m_files.push_back({file.path, place, m_job.targetSource, true, true, file.place});
         m_new.targets.push_back({literalPattern(place)});
     }
     if (m_job.targetSource.kind != FileKind::Beamline)
@@ -230,11 +252,16 @@ void Conversion::planFoil(const QString& path, const QString& place, bool isTarg
 void Conversion::planAlignment()
 {
     JobAlignment& alignment = m_new.alignment;
+    const auto sayMoved = [&](const QString& from, const QString& to) {
+        if (!alignment.table.path.isEmpty())
+            console::say(
+                QStringLiteral("%1 is %2 now; the table of shifts has its old name").arg(from, to));
+    };
     for (const FileStep& step : m_files)
-        if (!alignment.table.path.isEmpty() && step.isSpectrum &&
-            QDir(m_job.folder).relativeFilePath(step.path) != step.place)
-            console::say(QStringLiteral("%1 is %2 now; the table of shifts has its old name")
-                             .arg(step.path, step.place));
+        if (step.isSpectrum && QDir(m_job.folder).relativeFilePath(step.path) != step.place)
+            sayMoved(step.path, step.place);
+    for (const RegionStep& step : m_regions)
+        sayMoved(step.region->name, step.place);
     planCopy(alignment.table);
     if (alignment.foil.path.isEmpty())
         return;
@@ -246,6 +273,8 @@ void Conversion::planAlignment()
     for (const FileStep& step : spectra)
         if (step.isSpectrum)
             planFoil(step.path, step.place, step.isTarget);
+    for (const RegionStep& step : m_regions)
+        planFoil(step.region->name, step.place, true);
 }
 
 /// The job to come is one.
@@ -261,6 +290,8 @@ void Conversion::checkPlaces()
 {
     QStringList places{m_jobName};
     for (const FileStep& step : m_files)
+        places += step.place;
+    for (const RegionStep& step : m_regions)
         places += step.place;
     for (const MapStep& step : m_maps)
         for (const QString& place : step.places)
@@ -287,14 +318,12 @@ void Conversion::writeSpectrum(const FileStep& step)
 {
     const auto outcome = readSpectrumFile(step.path, step.source);
     QString reason;
-    BeamlineText text;
     if (const auto* fault = std::get_if<FileFault>(&outcome)) {
         reason = faultText(*fault);
     } else {
         const auto& found = std::get<FoundSpectrum>(outcome);
-        text = beamlineText(QFileInfo(step.path).fileName().toUtf8(), found.points);
-        if (text.text.isEmpty())
-            reason = step.path + QStringLiteral(": has a mu-t that no intensities have");
+        if (!writePoints(QFileInfo(step.path).fileName(), step.place, found.points))
+            reason = step.path + unwritten;
         for (const QString& warning : found.warnings)
             console::say(QStringLiteral("%1: %2").arg(step.path, warning));
     }
@@ -305,11 +334,53 @@ void Conversion::writeSpectrum(const FileStep& step)
         console::say(reason + QStringLiteral("; it is copied as it is"));
         return copy(step);
     }
+}
+
+/// @return false where a mu-t cannot be written
+bool Conversion::writePoints(const QString& name, const QString& place,
+                             const SpectrumPoints& points)
+{
+    const BeamlineText text = beamlineText(name.toUtf8(), points);
+    if (text.text.isEmpty())
+        return false;
     m_energyChange = std::max(m_energyChange, text.energyChange);
     m_mutChange = std::max(m_mutChange, text.mutChange);
-    SafeFile file(m_names.whole(step.place));
-    if (!file.open() || !file.write(text.text.constData(), text.text.size()) || !file.commit())
-        fail(step.place);
+    writeText(place, text.text);
+    return true;
+}
+
+void Conversion::writeText(const QString& place, const QByteArray& text)
+{
+    SafeFile file(m_names.whole(place));
+    if (!file.open() || !file.write(text.constData(), text.size()) || !file.commit())
+        fail(place);
+}
+
+/// A stack that cannot be read stops no other target: a text says why there is no spectrum.
+void Conversion::writeRegion(const RegionStep& step)
+{
+    makeFolderOf(step.place);
+    const JobStack& given = step.region->stack;
+    FileFault fault;
+    StackSpectrum found;
+    const std::unique_ptr<Stack> stack = openStack(given.source, fault);
+    std::optional<FileFault> wrong = fault;
+    if (stack)
+        wrong =
+            stackSpectrum(*stack, given.source.path, given.region, {given.tilt, given.row0}, found);
+    QString reason = wrong ? faultText(*wrong) : QString();
+    if (!wrong && !writePoints(step.region->name, step.place, found.points))
+        reason = given.source.path + unwritten;
+    for (const QString& warning : found.warnings)
+        console::say(QStringLiteral("target %1: %2").arg(step.region->name, warning));
+    if (!found.readings.empty() && m_job.noise == NoiseModel::Counts)
+        console::say(QStringLiteral("target %1: counts are not carried, and with them its noise")
+                         .arg(step.region->name));
+    if (reason.isEmpty())
+        return;
+    ++m_unread;
+    console::say(QStringLiteral("target %1: %2; its file says so").arg(step.region->name, reason));
+    writeText(step.place, "# no spectrum: " + reason.toUtf8().replace("Offset", "offset") + '\n');
 }
 
 void Conversion::copy(const FileStep& step) const

@@ -22,14 +22,18 @@ InputFiles::InputFiles(const Job& job, const QString& jobPath)
             {QStringLiteral("the map of [[point]] %1").arg(i + 1), (*job.points)[i].map.path});
 }
 
-void InputFiles::add(const std::vector<JobFilePath>& targets)
+void InputFiles::add(const std::vector<TargetJob>& targets)
 {
-    for (const JobFilePath& target : targets)
-        m_files.push_back({QStringLiteral("the target %1").arg(target.path), target.path});
+    for (const TargetJob& target : targets) {
+        const QString what = target.region ? QStringLiteral("the stack of the target %1")
+                                           : QStringLiteral("the target %1");
+        for (const QString& path : target.files())
+            m_files.push_back({what.arg(target.path()), path});
+    }
     if (!hasFoil(m_job.alignment, SpectrumSet::Target))
         return;
-    for (const JobFilePath& target : targets) {
-        const QString foil = foilFile(m_job, target.path);
+    for (const TargetJob& target : targets) {
+        const QString foil = foilFile(m_job, target.path());
         m_files.push_back({QStringLiteral("the foil %1").arg(foil), foil});
     }
 }

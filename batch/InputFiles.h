@@ -1,6 +1,7 @@
 #pragma once
 
 #include "batch/MapJob.h"
+#include "batch/TargetJob.h"
 #include "jobs/JobFile.h"
 
 #include <map>
@@ -17,7 +18,7 @@ public:
     /// The job itself, its spectra, what aligns them, and the 2D data of its points.
     InputFiles(const Job& job, const QString& jobPath);
 
-    void add(const std::vector<JobFilePath>& targets);
+    void add(const std::vector<TargetJob>& targets);
     void add(const std::vector<MapJob>& maps);
 
     /// What would be lost where a path was written; empty if nothing.

@@ -14,9 +14,9 @@ QString lostBy(const QString& path, const QString& picture)
     StackSource source;
     source.path = path;
     InputFiles files({}, path);
-    std::vector<JobFilePath> beside;
+    std::vector<TargetJob> beside;
     for (const QString& file : stackFiles(source))
-        beside.push_back({file});
+        beside.push_back({{file}});
     files.add(beside);
     return files.lostBy(picture);
 }

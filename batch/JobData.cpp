@@ -20,12 +20,11 @@ JobError cannotOpen(const JobFilePath& file, const QString& why)
     return {file.place, QStringLiteral("cannot open %1: %2").arg(file.path, why)};
 }
 
-/// @param name  of the file, in the reason why it is of no use
-bool takeSpectrum(const ByteSource& bytes, const QString& name, std::size_t i, JobData& data,
-                  QString& why)
+/// @param record  nothing where there is no spectrum
+/// @return whether there is one
+bool takeSpectrum(std::optional<SpectrumRecord> record, std::size_t i, JobData& data)
 {
     data.spectra[i] = nullptr;
-    auto record = readSpectrumRecord(bytes, name, data.readAs[i], data.settings.bounds(), why);
     if (!record)
         return false;
     AXafsData& spectrum = *record->spectrum;
@@ -49,7 +48,9 @@ std::optional<JobError> readSpectrum(const JobFilePath& file, std::size_t i, Job
     if (source->bytes().size() <= largestSpectrum)
         data.digests[i] = source->digest();
     data.readAs[i] = file.source;
-    if (!takeSpectrum(source->bytes(), file.path, i, data, why))
+    if (!takeSpectrum(readSpectrumRecord(source->bytes(), file.path, data.readAs[i],
+                                         data.settings.bounds(), why),
+                      i, data))
         return JobError{file.place, why};
     if (!data.digests[i] || !source->isStill(*data.digests[i]))
         return JobError{file.place, QStringLiteral("%1 changes while it is read").arg(file.path)};
@@ -171,7 +172,7 @@ std::optional<std::vector<MapVariance>> JobData::mapNoise() const
     return variances;
 }
 
-std::optional<JobData> withTarget(const JobData& common, const TargetBytes& target, QString& error)
+std::optional<JobData> withTarget(const JobData& common, const OpenTarget& target, QString& error)
 {
     JobData data = withoutFiles(common);
     if (data.alignment) {
@@ -180,7 +181,9 @@ std::optional<JobData> withTarget(const JobData& common, const TargetBytes& targ
             return std::nullopt;
         data.shifts[SpectrumSet::Target] = *shift;
     }
-    if (!takeSpectrum(target.bytes, target.name, SpectrumSet::Target, data, error))
+    if (!takeSpectrum(
+            target.source.spectrum(data.readAs[SpectrumSet::Target], data.settings.bounds(), error),
+            SpectrumSet::Target, data))
         return std::nullopt;
     prepareInput(data);
     return data;
@@ -259,7 +262,7 @@ std::optional<JobData> readJobData(const Job& job, JobError& error)
         return std::nullopt;
     }
     prepareInput(data);
-    if (!job.targets.empty())
+    if (job.hasTargets())
         data.uncertainty = commonUncertainty(data.input, data.noises, data.shifts);
     return data;
 }

@@ -5,6 +5,7 @@
 #include "batch/Digest.h"
 #include "batch/MapJob.h"
 #include "batch/NoiseSettings.h"
+#include "batch/TargetSource.h"
 #include "input/AXafsData.h"
 #include "input/MapData.h"
 #include "jobs/JobFile.h"
@@ -48,17 +49,17 @@ struct JobData {
     std::optional<std::vector<MapVariance>> mapNoise() const;
 };
 
-/// The bytes of a target, and of what belongs to it.
-struct TargetBytes {
-    QString name; ///< against the job's folder
-    const ByteSource& bytes;
+/// A target, and what belongs to it.
+struct OpenTarget {
+    QString name; ///< in the results
+    const TargetSource& source;
     const ByteSource* foil = nullptr; ///< measured along with it; null where there is none
 };
 
 /// The same job with a target of its own. The references, the blank and the settings are shared; no
 /// 2D data are in it.
 /// @param error  why the target cannot be used, where nothing comes back
-std::optional<JobData> withTarget(const JobData& common, const TargetBytes& target, QString& error);
+std::optional<JobData> withTarget(const JobData& common, const OpenTarget& target, QString& error);
 
 /// The same job with a map of its own, of whose points those are in use that have an image. The
 /// references, the blank and the settings are shared. An energy in the header of an image takes the

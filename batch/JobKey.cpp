@@ -15,8 +15,8 @@ namespace
 using Names = std::vector<std::string_view>;
 
 /// Tables at the job's root on which no figure of a target, or of a map, depends.
-const Names ofNoTarget{"files", "histogram", "map", "output"};
-const Names ofNoMap{"files", "map", "output"};
+const Names ofNoTarget{"files", "histogram", "map", "output", "target"};
+const Names ofNoMap{"files", "map", "output", "target"};
 
 /// Keys of [output] on which no file of a map depends.
 const Names ofNoMapFile{"folder"};
@@ -161,17 +161,18 @@ Digest keyOfMap(const Digest& ofMaps, const MapJob& map,
     return hasher.digest();
 }
 
-Digest keyOfTarget(const Digest& ofTargets, const Digest& target, const std::optional<Digest>& foil)
+Digest digestOfStack(const JobStack& stack)
+{
+    return digestOf(stackText(stack));
+}
+
+Digest keyOfTarget(const Digest& ofTargets, const Digest& input,
+                   const std::vector<RecordedFile>& others)
 {
     Hasher hasher;
     hasher.add(toBytes(ofTargets));
-    hasher.add(toBytes(target));
-    if (foil)
-        hasher.add(toBytes(*foil));
+    hasher.add(toBytes(input));
+    for (const RecordedFile& file : others)
+        hasher.add(toBytes(file.digest));
     return hasher.digest();
-}
-
-std::optional<Digest> foilOf(const RecordedRow& row)
-{
-    return row.inputs.empty() ? std::nullopt : std::optional(row.inputs.front().digest);
 }

@@ -37,11 +37,11 @@ bool haveSameSettings(const QByteArray& text, const QByteArray& other);
 Digest keyOfMap(const Digest& ofMaps, const MapJob& map,
                 const std::vector<std::optional<Digest>>& images);
 
-/// Under which the row of a target is in the record.
-/// @param target  digest of its file
-/// @param foil    of the foil that was measured along with it; none where there is none
-Digest keyOfTarget(const Digest& ofTargets, const Digest& target,
-                   const std::optional<Digest>& foil = std::nullopt);
+/// Of how a stack is read, its files left aside.
+Digest digestOfStack(const JobStack& stack);
 
-/// The digest of a target's foil, which is its only further input.
-std::optional<Digest> foilOf(const RecordedRow& row);
+/// Under which the row of a target is in the record.
+/// @param input   digest of its file, or digestOfStack()
+/// @param others  the files of its stack, and the foil that was measured along with it
+Digest keyOfTarget(const Digest& ofTargets, const Digest& input,
+                   const std::vector<RecordedFile>& others);

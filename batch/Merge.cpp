@@ -5,7 +5,6 @@
 #include "batch/MapsRecord.h"
 #include "batch/RunEnd.h"
 #include "batch/SourceFile.h"
-#include "batch/TargetRow.h"
 
 #include <QDir>
 
@@ -19,7 +18,7 @@ class Merge
 {
 public:
     Merge(const PreparedJob& prepared, RunRecord& record)
-        : m_prepared(prepared), m_record(record),
+        : m_prepared(prepared), m_record(record), m_regions(regionJobs(prepared.job)),
           m_targets(keyOfTargets(prepared.settings, prepared.common)),
           m_maps(keyOfMaps(prepared.text, prepared.common))
     {
@@ -33,11 +32,14 @@ private:
     QString whyOfAnother(const RecordedRun& run, const QString& path) const;
     void takeRows(RunRecord& shard, std::int64_t run);
     bool isOurs(RowKind kind, const RecordedRow& row) const;
+    bool isOurTarget(const RecordedRow& row) const;
+    const TargetJob* regionOf(const RecordedRow& row) const;
     bool isPresent(RowKind kind, const RecordedRow& row) const;
     QString gap(const QString& name, std::size_t place) const;
 
     const PreparedJob& m_prepared;
     RunRecord& m_record;
+    std::vector<TargetJob> m_regions;
     Digest m_targets;
     Digest m_maps;
     std::set<unsigned> m_counts; ///< into how many shards the list was cut
@@ -102,20 +104,38 @@ void Merge::takeRows(RunRecord& shard, std::int64_t run)
 /// Whether a row was calculated from this job's settings, references and blank.
 bool Merge::isOurs(RowKind kind, const RecordedRow& row) const
 {
+    if (kind == RowKind::Target)
+        return isOurTarget(row);
     if (!row.key)
         return true; // what could not be read depends on nothing else
-    if (kind == RowKind::Target)
-        return row.input && row.key == keyOfTarget(m_targets, *row.input, foilOf(row));
     for (const MapJob& map : m_prepared.list.maps)
         if (map.name.toUtf8() == row.name())
             return row.key == keyOfMap(m_maps, map, digestsOf(map, row.inputs));
     return false;
 }
 
+/// The region of the job that has the name of a row; null where none has.
+const TargetJob* Merge::regionOf(const RecordedRow& row) const
+{
+    const QString name = QString::fromUtf8(row.name());
+    for (const TargetJob& region : m_regions)
+        if (region.region->name == name)
+            return &region;
+    return nullptr;
+}
+
+bool Merge::isOurTarget(const RecordedRow& row) const
+{
+    const TargetJob* const region = regionOf(row);
+    if (region != nullptr && row.input && row.input != digestOfStack(region->region->stack))
+        return false;
+    return !row.key || (row.input && row.key == keyOfTarget(m_targets, *row.input, row.inputs));
+}
+
 /// Whether a row is of the files as they are now.
 bool Merge::isPresent(RowKind kind, const RecordedRow& row) const
 {
-    if (kind == RowKind::Map)
+    if (kind == RowKind::Map || regionOf(row) != nullptr)
         return areInPlace(row.inputs, m_prepared.job.folder);
     const QString path = QDir(m_prepared.job.folder).filePath(QString::fromUtf8(row.name()));
     QString why;

@@ -14,7 +14,7 @@ namespace
 class OutputCheck
 {
 public:
-    OutputCheck(const Job& job, const QString& jobPath, const std::vector<JobFilePath>& targets,
+    OutputCheck(const Job& job, const QString& jobPath, const std::vector<TargetJob>& targets,
                 const std::vector<MapJob>& maps)
         : m_job(job), m_maps(maps), m_inputs(job, jobPath)
     {
@@ -92,7 +92,7 @@ private:
 } // namespace
 
 std::optional<JobError> checkOutputs(const Job& job, const QString& jobPath,
-                                     const std::vector<JobFilePath>& targets,
+                                     const std::vector<TargetJob>& targets,
                                      const std::vector<MapJob>& maps, const QStringList& files)
 {
     return OutputCheck(job, jobPath, targets, maps).check(files);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "batch/MapJob.h"
+#include "batch/TargetJob.h"
 #include "jobs/JobFile.h"
 
 #include <QStringList>
@@ -12,5 +13,5 @@
 /// @param files    of the run, in the output folder
 /// @return nothing, or what is wrong with the folder or with the name of a map
 std::optional<JobError> checkOutputs(const Job& job, const QString& jobPath,
-                                     const std::vector<JobFilePath>& targets,
+                                     const std::vector<TargetJob>& targets,
                                      const std::vector<MapJob>& maps, const QStringList& files);

@@ -2,8 +2,6 @@
 
 #include "batch/JobKey.h"
 #include "batch/OutputCheck.h"
-#include "batch/TargetRow.h"
-#include "jobs/TargetList.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -20,6 +18,11 @@ QStringList filesOf(const Job& job, const Shard& shard)
     return {record,           record + QStringLiteral("-journal"),
             folder.results(), folder.maps(),
             folder.report(),  folder.hdf5()};
+}
+
+QByteArray nameOf(const Job& job, const JobFilePath& spectrum)
+{
+    return QDir(job.folder).relativeFilePath(spectrum.path).toUtf8();
 }
 
 } // namespace
@@ -40,7 +43,7 @@ JobList JobList::part(const Shard& shard) const
 
 std::optional<JobList> listOf(const Job& job, JobError& error)
 {
-    auto targets = targetList(job, error);
+    auto targets = targetJobs(job, error);
     if (!targets)
         return std::nullopt;
     auto maps = mapList(job, error);
@@ -51,7 +54,7 @@ std::optional<JobList> listOf(const Job& job, JobError& error)
 
 JobList presentListOf(const Job& job)
 {
-    return {presentTargets(job), presentMaps(job)};
+    return {presentTargetJobs(job), presentMaps(job)};
 }
 
 std::optional<PreparedJob> prepareList(const QString& path, const QByteArray& text, const Job& job,
@@ -72,12 +75,17 @@ std::optional<PreparedJob> prepareJob(const QString& path, const QByteArray& tex
                                       const Shard& shard, JobError& error)
 {
     const auto list = listOf(job, error);
+    if (list)
+        if (const auto wrong = checkRegions(list->targets)) {
+            error = *wrong;
+            return std::nullopt;
+        }
     auto prepared = list ? prepareList(path, text, job, *list, shard, error) : std::nullopt;
     if (!prepared || !prepared->common.alignment)
         return prepared;
     const Alignment& alignment = *prepared->common.alignment;
-    for (const JobFilePath& target : list->targets)
-        if (const QString why = alignment.whyNotNamed(target.path); !why.isEmpty()) {
+    for (const TargetJob& target : list->targets)
+        if (const QString why = alignment.whyNotNamed(target.path()); !why.isEmpty()) {
             error = {alignment.tablePlace(), why};
             return std::nullopt;
         }
@@ -89,7 +97,7 @@ std::vector<RecordedFile> commonInputs(const PreparedJob& prepared)
     std::vector<RecordedFile> inputs;
     for (std::size_t i = 0; i < prepared.common.digests.size(); ++i)
         if (const auto& digest = prepared.common.digests[i])
-            inputs.push_back({targetName(prepared.job, prepared.job.spectra[i]).toUtf8(), *digest});
+            inputs.push_back({nameOf(prepared.job, prepared.job.spectra[i]), *digest});
     if (prepared.common.alignment)
         for (const RecordedFile& file : prepared.common.alignment->inputs())
             inputs.push_back(file);

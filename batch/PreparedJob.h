@@ -4,10 +4,11 @@
 #include "batch/MapJob.h"
 #include "batch/RecordedRow.h"
 #include "batch/RunFolder.h"
+#include "batch/TargetJob.h"
 
 /// What a job is to do, in its order; the maps follow the targets.
 struct JobList {
-    std::vector<JobFilePath> targets;
+    std::vector<TargetJob> targets;
     std::vector<MapJob> maps;
 
     JobList part(const Shard& shard) const;

@@ -8,7 +8,6 @@
 #include "batch/RankPicture.h"
 #include "batch/RankTable.h"
 #include "batch/TargetRow.h"
-#include "jobs/TargetList.h"
 
 namespace
 {
@@ -19,6 +18,7 @@ Job withoutTargets(const Job& job)
     Job references = job;
     references.spectra[SpectrumSet::Target] = {};
     references.targets.clear();
+    references.stackTargets.clear();
     references.maps.clear();
     if (references.points)
         for (JobPoint& point : *references.points)
@@ -29,7 +29,7 @@ Job withoutTargets(const Job& job)
 bool losesInput(const QString& path, const Job& job, const QString& picture)
 {
     InputFiles files(job, path);
-    files.add(presentTargets(job));
+    files.add(presentTargetJobs(job));
     files.add(presentMaps(job));
     return !files.lostBy(picture).isEmpty();
 }

@@ -18,13 +18,13 @@ struct RecordedFile {
 struct RecordedRow {
     std::int64_t run = 0;        ///< the run in which it was calculated
     std::optional<Digest> key;   ///< none for what could not be read and is to be tried again
-    std::optional<Digest> input; ///< of the target's file
+    std::optional<Digest> input; ///< of the target's file, or of how its stack is read
     bool good = false;           ///< nothing refused, all figures finite
     double seconds = 0.0;        ///< that the calculation took
     QByteArrayList fields;       ///< of its row in results.csv or maps.csv; the first is its name
     QByteArray messages;         ///< lines that the calculation left behind
     QByteArray readOut;          ///< for the report: of a map, or UnseenErrors of a target
-    std::vector<RecordedFile> inputs;  ///< images of a map; the foil of a target
+    std::vector<RecordedFile> inputs;  ///< images of a map; stack and foil of a target
     std::vector<RecordedFile> outputs; ///< written for it
 
     const QByteArray& name() const { return fields.front(); }

@@ -5,6 +5,7 @@
 #include "batch/MapsRecord.h"
 #include "batch/SourceFile.h"
 #include "batch/TargetRow.h"
+#include "system/InputFile.h"
 #include "system/OrderedHandOver.h"
 #include "system/Signals.h"
 
@@ -21,6 +22,7 @@ namespace
 struct ReplayedRun {
     Job job;
     std::optional<JobData> common;
+    std::vector<TargetJob> regions;
     std::vector<MapJob> maps;
     QStringList differences; ///< from what the run had, for all its rows
 };
@@ -35,6 +37,15 @@ QString inputDifference(const QString& path, const QString& name,
     if (!source)
         return recorded ? QStringLiteral("%1 is missing: %2").arg(name, why) : QString();
     return source->digest() == recorded ? QString() : QStringLiteral("%1 changed").arg(name);
+}
+
+/// The same of a file that several targets may be made from.
+QString sharedDifference(const QString& path, const RecordedFile& recorded, FileDigests& digests)
+{
+    const QString name = QString::fromUtf8(recorded.path);
+    if (!InputFile::open(path))
+        return inputDifference(path, name, recorded.digest);
+    return digests.of(path) == recorded.digest ? QString() : QStringLiteral("%1 changed").arg(name);
 }
 
 ReplayedRun replayed(const RecordedRun& run, const QString& record)
@@ -63,6 +74,7 @@ ReplayedRun replayed(const RecordedRun& run, const QString& record)
             replay.differences += wrong;
     }
     replay.common = readJobData(replay.job, error);
+    replay.regions = regionJobs(replay.job);
     if (const auto maps = mapList(replay.job, error))
         replay.maps = *maps;
     return replay;
@@ -83,47 +95,68 @@ QStringList figureDifferences(const QByteArrayList& columns, const QByteArrayLis
     return found;
 }
 
-/// The target as it is calculated today.
-/// @param source  of it
-/// @param why     it cannot be opened
-TargetRow targetNow(const ReplayedRun& run, const QString& name,
-                    const std::optional<SourceFile>& source, const QString& why)
+/// The target of a row as its job has it: a region, or a file.
+TargetJob targetOf(const ReplayedRun& run, const RecordedRow& row)
 {
+    const QString name = QString::fromUtf8(row.name());
+    for (const TargetJob& region : run.regions)
+        if (region.region->name == name)
+            return region;
+    return {{QDir(run.job.folder).filePath(name)}};
+}
+
+/// The target as it is calculated today.
+TargetRow targetNow(const ReplayedRun& run, const TargetJob& target, const QString& name,
+                    FileDigests& digests)
+{
+    QString why;
+    const auto source = openTarget(run.job, target, name, digests, why);
     if (!source)
-        return refusedTarget(name, QStringLiteral("cannot open %1: %2").arg(name, why));
+        return refusedTarget(name, why);
     const auto& alignment = run.common->alignment;
     const QString path = alignment ? alignment->targetFoil(name) : QString();
     if (path.isEmpty())
-        return analyseTarget(run.job, *run.common, {name, source->bytes()});
+        return analyseTarget(run.job, *run.common, {name, *source});
     QString reason;
     const auto foil = SourceFile::open(path, reason);
     if (!foil)
         return refusedTarget(
             name, QStringLiteral("cannot open %1: %2").arg(alignment->shown(path), reason));
-    return analyseTarget(run.job, *run.common, {name, source->bytes(), &foil->bytes()});
+    return analyseTarget(run.job, *run.common, {name, *source, &foil->bytes()});
 }
 
-QStringList targetDifferences(const ReplayedRun& run, const RecordedRow& row)
+/// What the record says of the files of a target, against those of today.
+QStringList inputDifferences(const ReplayedRun& run, const RecordedRow& row,
+                             const TargetJob& target, FileDigests& digests)
 {
-    const QString name = QString::fromUtf8(row.name());
-    const QString path = QDir(run.job.folder).filePath(name);
-    QStringList found = run.differences;
-    QString why;
-    const auto source = SourceFile::open(path, why);
-    const QString wrong = inputDifference(path, name, row.input);
-    if (!wrong.isEmpty())
-        found += wrong;
-    for (const RecordedFile& foil : row.inputs) {
-        const QString other = QString::fromUtf8(foil.path);
-        const QString gone =
-            inputDifference(QDir(run.job.folder).filePath(other), other, foil.digest);
-        if (!gone.isEmpty())
-            found += gone;
+    QStringList found;
+    const QDir folder(run.job.folder);
+    const auto add = [&found](const QString& difference) {
+        if (!difference.isEmpty())
+            found += difference;
+    };
+    if (!target.region)
+        add(inputDifference(target.file.path, QString::fromUtf8(row.name()), row.input));
+    QStringList known;
+    for (const RecordedFile& file : row.inputs) {
+        known += folder.filePath(QString::fromUtf8(file.path));
+        add(sharedDifference(known.last(), file, digests));
     }
-    if (found.size() > run.differences.size() || !run.common)
-        return found;
-    const TargetRow now = targetNow(run, name, source, why);
-    return found + figureDifferences(targetColumns(), row.fields, targetFields(now));
+    if (target.region && row.input)
+        for (const QString& path : target.files())
+            if (!known.contains(path))
+                add(QStringLiteral("%1 is new").arg(folder.relativeFilePath(path)));
+    return found;
+}
+
+QStringList targetDifferences(const ReplayedRun& run, const RecordedRow& row, FileDigests& digests)
+{
+    const TargetJob target = targetOf(run, row);
+    const QStringList inputs = inputDifferences(run, row, target, digests);
+    if (!inputs.isEmpty() || !run.common)
+        return run.differences + inputs;
+    const TargetRow now = targetNow(run, target, QString::fromUtf8(row.name()), digests);
+    return run.differences + figureDifferences(targetColumns(), row.fields, targetFields(now));
 }
 
 /// The files of a map, against those that were written for it.
@@ -184,6 +217,7 @@ private:
 
     RunRecord& m_record;
     Workers m_workers;
+    FileDigests m_digests;
     QByteArrayList m_targets;
     QByteArrayList m_maps;
     std::map<std::int64_t, ReplayedRun> m_runs;
@@ -200,12 +234,14 @@ QString Replay::choose(const QStringList& names)
     QByteArrayList targets;
     QByteArrayList maps;
     for (const QString& name : names) {
-        if (m_record.row(RowKind::Target, name.toUtf8()))
-            targets += name.toUtf8();
-        else if (m_record.row(RowKind::Map, name.toUtf8()))
-            maps += name.toUtf8();
-        else
+        const bool isTarget = m_record.row(RowKind::Target, name.toUtf8()).has_value();
+        const bool isMap = m_record.row(RowKind::Map, name.toUtf8()).has_value();
+        if (!isTarget && !isMap)
             return name;
+        if (isTarget)
+            targets += name.toUtf8();
+        if (isMap)
+            maps += name.toUtf8();
     }
     m_targets = targets;
     m_maps = maps;
@@ -243,7 +279,7 @@ int Replay::run()
         printed = runInOrder<QStringList>(
             m_workers, rows.size(),
             [&](std::size_t i, unsigned, QStringList& differences) {
-                differences = targetDifferences(*rows[i].second, rows[i].first);
+                differences = targetDifferences(*rows[i].second, rows[i].first, m_digests);
                 return true;
             },
             [&](const QStringList& differences) {

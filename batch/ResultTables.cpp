@@ -34,7 +34,7 @@ public:
     {
         m_facts.targets = ReportTargets(targetColumns());
         dropUnfinishedFiles(m_folder.path());
-        if (!m_job.targets.empty())
+        if (m_job.hasTargets())
             writeTargets();
         if (const auto& uncertainty = m_prepared.common.uncertainty)
             m_written.closure = closureLine(uncertainty->closure, std::move(m_fractions),
@@ -124,7 +124,7 @@ void Results::writeTable(RowKind kind, const QString& path, const QByteArrayList
 
 void Results::writeTargets()
 {
-    const std::vector<JobFilePath>& targets = m_prepared.list.targets;
+    const std::vector<TargetJob>& targets = m_prepared.list.targets;
     if (m_job.hdf5)
         m_rows.setTargetColumns(targetColumns());
     writeTable(

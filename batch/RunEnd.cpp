@@ -3,14 +3,13 @@
 #include "batch/Console.h"
 #include "batch/ExitStatus.h"
 #include "batch/ResultTables.h"
-#include "batch/TargetRow.h"
 
 #include <set>
 
 void dropOthers(RunRecord& record, const PreparedJob& prepared)
 {
     std::set<QByteArray> targets;
-    for (const JobFilePath& target : prepared.list.targets)
+    for (const TargetJob& target : prepared.list.targets)
         targets.insert(targetName(prepared.job, target).toUtf8());
     std::set<QByteArray> maps;
     for (const MapJob& map : prepared.list.maps)

@@ -6,8 +6,6 @@
 #include "results/ResultText.h"
 #include "text/Csv.h"
 
-#include <QDir>
-
 #include <cmath>
 
 namespace
@@ -72,11 +70,6 @@ QString languageName(const Job& job)
     return job.language == Language::Japanese ? QStringLiteral("ja") : QStringLiteral("en");
 }
 
-QString targetName(const Job& job, const JobFilePath& target)
-{
-    return QDir(job.folder).relativeFilePath(target.path);
-}
-
 TargetRow refusedTarget(const QString& name, const QString& reason)
 {
     TargetRow row;
@@ -85,13 +78,16 @@ TargetRow refusedTarget(const QString& name, const QString& reason)
     return row;
 }
 
-TargetRow analyseTarget(const Job& job, const JobData& common, const TargetBytes& target)
+TargetRow analyseTarget(const Job& job, const JobData& common, const OpenTarget& target)
 {
     QString error;
     const std::optional<JobData> data = withTarget(common, target, error);
-    if (!data)
-        return refusedTarget(target.name, error);
     TargetRow row;
+    if (!data) {
+        row = refusedTarget(target.name, error);
+        row.isRead = false;
+        return row;
+    }
     row.target = target.name;
     const AXafsData& spectrum = *data->spectra[SpectrumSet::Target];
     row.edgeJump = spectrum.edgeJump();

@@ -12,7 +12,8 @@
 
 /// What the analysis of one target found: a row of results.csv.
 struct TargetRow {
-    QString target; ///< its name
+    QString target;     ///< its name
+    bool isRead = true; ///< there was a spectrum to analyse
     std::optional<TargetResult> result;
     std::optional<double> edgeJump;    ///< of the target, between the three-term lines
     std::optional<double> edgeJumpNoC; ///< between the two-term lines
@@ -31,17 +32,13 @@ struct TargetRow {
 /// Of what a job makes to be read: "en" or "ja".
 QString languageName(const Job& job);
 
-/// What a target is called in the results, wherever the job lies: its path against the job's
-/// folder.
-QString targetName(const Job& job, const JobFilePath& target);
-
 /// A row with nothing but a reason.
 TargetRow refusedTarget(const QString& name, const QString& reason);
 
 /// Analyses one target against the references and the blank of a job. One that is no spectrum gives
 /// a row with the reason. Its graphs are painted if the job wants pictures.
 /// @param common  of the job without a target; its references and its blank are shared
-TargetRow analyseTarget(const Job& job, const JobData& common, const TargetBytes& target);
+TargetRow analyseTarget(const Job& job, const JobData& common, const OpenTarget& target);
 
 /// The names of the columns, and the fields of a row.
 QByteArrayList targetColumns();

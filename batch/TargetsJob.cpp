@@ -28,9 +28,12 @@ public:
     ListRun(const PreparedJob& prepared, const RunOptions& options, RunRecord& record)
         : m_prepared(prepared), m_options(options), m_record(record),
           m_workers(options.threads > 0 ? options.threads : usualThreads()),
-          m_targets{prepared.job, prepared.common, prepared.list.targets,
+          m_targets{prepared.job,
+                    prepared.common,
+                    prepared.list.targets,
                     keyOfTargets(prepared.settings, prepared.common),
-                    knownTargets(record, prepared, options.again)},
+                    knownTargets(record, prepared, options.again),
+                    m_digests},
           m_count(prepared.list.targets.size() + prepared.list.maps.size()),
           m_progress(m_count, options.quiet)
     {
@@ -177,6 +180,7 @@ private:
     const RunOptions& m_options;
     RunRecord& m_record;
     Workers m_workers;
+    FileDigests m_digests;
     TargetsRun m_targets;
     std::size_t m_count;
     ProgressLine m_progress;
@@ -275,9 +279,9 @@ ExitStatus printList(const JobList& list, const RunOptions& options)
 {
     const char end = options.listWithNul ? '\0' : '\n';
     QByteArray text;
-    for (const JobFilePath& target : list.targets)
-        if (!target.path.isEmpty())
-            text += QFile::encodeName(target.path) + end;
+    for (const TargetJob& target : list.targets)
+        if (!target.path().isEmpty())
+            text += QFile::encodeName(target.path()) + end;
     for (const MapJob& map : list.maps)
         text += map.name.toUtf8() + end;
     if (console::print(text))

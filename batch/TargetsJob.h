@@ -38,7 +38,7 @@ int analyseTargets(const QString& path, const QByteArray& text, const Job& job,
 /// @return what the function does, or an ExitStatus
 int withRecord(const QString& path, const std::function<int(RunRecord&)>& use);
 
-/// Prints the paths of targets and the names of maps; an empty path is left out.
+/// Prints the paths of targets, the names of regions and maps; an empty path is left out.
 ExitStatus printList(const JobList& list, const RunOptions& options);
 
 /// As many threads as this process has processors, no more than a cluster's scheduler gave it.

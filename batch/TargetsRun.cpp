@@ -17,7 +17,7 @@ constexpr double nanosecond = 1e-9;
 /// What a target is analysed from.
 struct Sources {
     QString name;
-    std::optional<SourceFile> target;
+    std::unique_ptr<TargetSource> target;
     QString foilPath; ///< empty where it has no foil
     std::optional<SourceFile> foil;
     QString why; ///< something cannot be opened
@@ -32,13 +32,13 @@ std::optional<SourceFile> openSource(const QString& path, const QString& name, Q
     return source;
 }
 
-Sources sourcesOf(const TargetsRun& run, const QString& path, const QString& name)
+Sources sourcesOf(const TargetsRun& run, const TargetJob& target)
 {
     Sources sources;
-    sources.name = name;
-    sources.target = openSource(path, name, sources.why);
+    sources.name = targetName(run.job, target);
+    sources.target = openTarget(run.job, target, sources.name, run.digests, sources.why);
     if (run.common.alignment)
-        sources.foilPath = run.common.alignment->targetFoil(path);
+        sources.foilPath = run.common.alignment->targetFoil(target.path());
     if (!sources.foilPath.isEmpty() && sources.target)
         sources.foil = openSource(sources.foilPath, run.common.alignment->shown(sources.foilPath),
                                   sources.why);
@@ -49,28 +49,37 @@ TargetRow analyse(const TargetsRun& run, const Sources& sources, TargetStep& ste
 {
     TargetRow row = analyseTarget(
         run.job, run.common,
-        {sources.name, sources.target->bytes(), sources.foil ? &sources.foil->bytes() : nullptr});
-    QString changed;
-    if (step.input && !sources.target->isStill(*step.input))
-        changed = sources.name;
-    else if (step.foil && !sources.foil->isStill(step.foil->digest))
+        {sources.name, *sources.target, sources.foil ? &sources.foil->bytes() : nullptr});
+    QString changed = sources.target->changed(step.inputs);
+    if (changed.isEmpty() && step.foil && !sources.foil->isStill(step.foil->digest))
         changed = QString::fromUtf8(step.foil->path);
     if (changed.isEmpty())
         return row;
-    step.input = std::nullopt;
+    step.inputs = {};
     step.foil = std::nullopt;
     return refusedTarget(sources.name, QStringLiteral("%1 changes while it is read").arg(changed));
 }
 
-/// A file that is no spectrum by its size is not read for its digest.
+/// A foil that is no spectrum by its size is not read for its digest.
 std::optional<Digest> digestOfSource(const std::optional<SourceFile>& source)
 {
     return source && source->bytes().size() <= largestSpectrum ? source->digest() : std::nullopt;
 }
 
-std::optional<Digest> foilOf(const std::optional<RecordedFile>& foil)
+/// What is recorded beside the input itself: the files of a stack, the foil.
+std::vector<RecordedFile> othersOf(const TargetStep& step)
 {
-    return foil ? std::optional(foil->digest) : std::nullopt;
+    std::vector<RecordedFile> files = step.inputs.files;
+    if (step.foil)
+        files.push_back(*step.foil);
+    return files;
+}
+
+std::optional<Digest> keyOf(const TargetsRun& run, const TargetStep& step)
+{
+    return step.inputs.input
+               ? std::optional(keyOfTarget(run.key, *step.inputs.input, othersOf(step)))
+               : std::nullopt;
 }
 
 TargetStep stepOf(const TargetsRun& run, std::size_t number)
@@ -81,12 +90,12 @@ TargetStep stepOf(const TargetsRun& run, std::size_t number)
         return step;
     QElapsedTimer timer;
     timer.start();
-    const JobFilePath& target = run.targets[number];
-    const Sources sources = sourcesOf(run, target.path, targetName(run.job, target));
-    step.input = digestOfSource(sources.target);
+    const Sources sources = sourcesOf(run, run.targets[number]);
+    if (sources.target)
+        step.inputs = sources.target->inputs();
     if (const auto foil = digestOfSource(sources.foil))
         step.foil = RecordedFile{run.common.alignment->shown(sources.foilPath).toUtf8(), *foil};
-    if (step.input && run.known[number] == keyOfTarget(run.key, *step.input, foilOf(step.foil))) {
+    if (const auto key = keyOf(run, step); key && run.known[number] == key) {
         step.state = TargetStep::State::Kept;
         return step;
     }
@@ -112,7 +121,7 @@ bool runTargets(const TargetsRun& run, const std::function<bool(const TargetStep
 std::vector<std::optional<Digest>> knownTargets(RunRecord& record, const PreparedJob& prepared,
                                                 bool again)
 {
-    const std::vector<JobFilePath>& targets = prepared.list.targets;
+    const std::vector<TargetJob>& targets = prepared.list.targets;
     std::vector<std::optional<Digest>> keys(targets.size());
     for (std::size_t i = 0; i < keys.size() && !again && !record.isNew(); ++i) {
         const QByteArray name = targetName(prepared.job, targets[i]).toUtf8();
@@ -128,11 +137,11 @@ std::vector<std::optional<Digest>> knownTargets(RunRecord& record, const Prepare
 std::optional<RecordedRow> recordedTarget(const TargetsRun& targets, const TargetStep& step)
 {
     RecordedRow row;
-    row.input = step.input;
-    if (step.input)
-        row.key = keyOfTarget(targets.key, *step.input, foilOf(step.foil));
-    if (step.foil)
-        row.inputs = {*step.foil};
+    row.input = step.inputs.input;
+    // A stack may have failed for want of time or memory, and is tried again.
+    if (step.row.isRead || !targets.targets[step.number].region)
+        row.key = keyOf(targets, step);
+    row.inputs = othersOf(step);
     row.good = step.row.isGood();
     row.seconds = step.seconds;
     row.fields = targetFields(step.row);

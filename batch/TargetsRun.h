@@ -19,7 +19,7 @@ struct TargetStep {
     std::size_t number = 0; ///< in the list of targets
     State state = State::Left;
     TargetRow row;                    ///< where it was calculated
-    std::optional<Digest> input;      ///< of its file, where all of it could be read
+    SourceInputs inputs;              ///< where all could be read
     std::optional<RecordedFile> foil; ///< that was measured along with it, likewise
     double seconds = 0.0;
 };
@@ -28,10 +28,11 @@ struct TargetStep {
 struct TargetsRun {
     const Job& job;
     const JobData& common; ///< of the job without a target
-    const std::vector<JobFilePath>& targets;
+    const std::vector<TargetJob>& targets;
     Digest key{}; ///< of keyOfTargets()
     /// Of each target its key in the record; none where it is to be calculated in any case.
     std::vector<std::optional<Digest>> known;
+    FileDigests& digests;
 };
 
 /// The keys of targets in the record.

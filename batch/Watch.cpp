@@ -62,26 +62,23 @@ void addFolders(const QByteArray& pattern, std::set<QByteArray>& folders)
     }
 }
 
-QByteArray fileOf(const JobFilePath& file)
-{
-    return QFile::encodeName(file.path);
-}
-
 std::vector<QByteArray> imagesOf(const MapJob& map)
 {
     std::vector<QByteArray> images;
     for (const JobFilePath& image : map.images)
         if (!image.path.isEmpty())
-            images.push_back(fileOf(image));
+            images.push_back(QFile::encodeName(image.path));
     return images;
 }
 
-/// The target's file and its foil's.
-std::vector<QByteArray> filesOf(const Job& job, const JobFilePath& target)
+/// The target's file, or those of its stack, and its foil's.
+std::vector<QByteArray> filesOf(const Job& job, const TargetJob& target)
 {
-    std::vector<QByteArray> files{fileOf(target)};
+    std::vector<QByteArray> files;
+    for (const QString& path : target.files())
+        files.push_back(QFile::encodeName(path));
     if (hasFoil(job.alignment, SpectrumSet::Target))
-        files.push_back(QFile::encodeName(foilFile(job, target.path)));
+        files.push_back(QFile::encodeName(foilFile(job, target.path())));
     return files;
 }
 
@@ -91,6 +88,12 @@ QByteArray nameOf(const MapJob& map)
     return "map " + map.name.toUtf8();
 }
 
+/// The path of its file, or for a region a name that no file has as its path.
+QByteArray nameOf(const TargetJob& target)
+{
+    return target.region ? "region " + target.path().toUtf8() : QFile::encodeName(target.file.path);
+}
+
 class Watch
 {
 public:
@@ -98,8 +101,8 @@ public:
           FolderWatch& folders)
         : m_prepared(prepared), m_files(std::move(seen)), m_actions(actions), m_folders(folders)
     {
-        for (const JobFilePath& target : m_prepared.list.targets)
-            m_shown.insert(fileOf(target));
+        for (const TargetJob& target : m_prepared.list.targets)
+            m_shown.insert(nameOf(target));
         for (const MapJob& map : m_prepared.list.maps)
             m_shown.insert(nameOf(map));
     }
@@ -137,7 +140,7 @@ private:
     WatchedFiles m_files;
     const WatchActions& m_actions;
     FolderWatch& m_folders;
-    std::set<QByteArray> m_shown; ///< files of targets and names of maps in the results
+    std::set<QByteArray> m_shown; ///< names of targets and maps in the results
 };
 
 JobList Watch::listNow() const
@@ -145,9 +148,11 @@ JobList Watch::listNow() const
     JobList list = presentListOf(m_prepared.job);
     // None of the results is an input.
     const QString output = QFileInfo(m_prepared.job.output.path).canonicalFilePath();
-    const auto isOwn = [&output](const JobFilePath& target) {
-        return !output.isEmpty() &&
-               QFileInfo(target.path).canonicalFilePath().startsWith(output + QLatin1Char('/'));
+    const auto isOwn = [&output](const TargetJob& target) {
+        return !target.region && !output.isEmpty() &&
+               QFileInfo(target.file.path)
+                   .canonicalFilePath()
+                   .startsWith(output + QLatin1Char('/'));
     };
     list.targets.erase(std::remove_if(list.targets.begin(), list.targets.end(), isOwn),
                        list.targets.end());
@@ -183,7 +188,7 @@ void Watch::sort(const Item& item, const std::vector<QByteArray>& files, const Q
 
 void Watch::setDone(const JobList& list)
 {
-    for (const JobFilePath& target : list.targets)
+    for (const TargetJob& target : list.targets)
         for (const QByteArray& file : filesOf(m_prepared.job, target))
             m_files.setDone(file);
     for (const MapJob& map : list.maps)
@@ -198,8 +203,8 @@ std::optional<int> Watch::lookAround()
     JobList due;
     JobList ready;
     std::set<QByteArray> shown;
-    for (const JobFilePath& target : list.targets)
-        sort(target, filesOf(m_prepared.job, target), fileOf(target), now, due.targets,
+    for (const TargetJob& target : list.targets)
+        sort(target, filesOf(m_prepared.job, target), nameOf(target), now, due.targets,
              ready.targets, shown);
     for (const MapJob& map : list.maps)
         sort(map, imagesOf(map), nameOf(map), now, due.maps, ready.maps, shown);
@@ -224,6 +229,10 @@ QByteArrayList watchedFolders(const Job& job)
     std::set<QByteArray> folders;
     for (const JobFilePath& given : job.targets)
         addFolders(wholePattern(job, given.path), folders);
+    for (const JobStackTarget& target : job.stackTargets)
+        for (const QString& path :
+             stackFiles(target.stack.source) + QStringList(target.stack.source.path))
+            addFolders(QFile::encodeName(literalPattern(path)), folders);
     if (hasFoil(job.alignment, SpectrumSet::Target))
         addFolders(QFile::encodeName(literalPattern(foilFile(job, QStringLiteral("foil")))),
                    folders);
@@ -238,7 +247,7 @@ QByteArrayList watchedFolders(const Job& job)
 void lookAt(const Job& job, const JobList& list, WatchedFiles& files)
 {
     const Clock::time_point now = Clock::now();
-    for (const JobFilePath& target : list.targets)
+    for (const TargetJob& target : list.targets)
         for (const QByteArray& file : filesOf(job, target))
             files.takeAsDone(file, now);
     for (const MapJob& map : list.maps)

@@ -93,7 +93,8 @@ int run(Start& start, const CommandLine& options)
     if (!job->output.path.isEmpty())
         return analyseTargets(options.job, *text, *job, options.run);
     if (options.run.listOnly)
-        return static_cast<int>(printList({{job->spectra[SpectrumSet::Target]}, {}}, options.run));
+        return static_cast<int>(
+            printList({{{job->spectra[SpectrumSet::Target]}}, {}}, options.run));
     return analyseOne(options.job, *job, options.run.checkOnly);
 }
 

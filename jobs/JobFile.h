@@ -44,13 +44,21 @@ struct JobPoint {
     JobFilePath map; ///< 2D data
 };
 
-/// A stack of images that a map is made from.
+/// A stack of images that a map or a spectrum is made from.
 struct JobStack {
     StackSource source;
     JobPlace place;
     Region region;
+    JobPlace regionPlace = {};
     double tilt = 0.0; ///< eV a row
     double row0 = 0.0; ///< the row without a shift, 0 for the first of the stack
+};
+
+/// A target that is the mean spectrum of a region of a stack.
+struct JobStackTarget {
+    QString name; ///< of its row in the results
+    JobPlace place;
+    JobStack stack;
 };
 
 /// A map of a night: images of its own, with the points and conditions of the job.
@@ -112,7 +120,8 @@ struct Job {
 
     /// Names and patterns of many targets, as they stand in the job; not together with a target.
     std::vector<JobFilePath> targets;
-    SpectrumSource targetSource; ///< how the targets are read
+    SpectrumSource targetSource;              ///< how the targets are read
+    std::vector<JobStackTarget> stackTargets; ///< behind the others
     std::vector<JobMap> maps;
     JobFilePath output;    ///< folder of the results of targets and maps
     bool pictures = false; ///< the graphs of all targets as files
@@ -163,6 +172,8 @@ struct Job {
     bool calculateLcf = true;
     bool calculateMap = false; ///< and written, where there is a result file
 
+    /// There are targets that go into a folder of results.
+    bool hasTargets() const { return !targets.empty() || !stackTargets.empty(); }
     /// The pictures of the maps are part of the report, too.
     bool drawsMaps() const { return !maps.empty() && (pictures || report); }
     /// The program needs fonts.

@@ -67,6 +67,9 @@ KeyReader::Keys JobReader::keys()
     const Handler maps = [this](const toml::node& node, const QString& key) {
         readTables(node, key, [&](const toml::table& table) { readMap(table, key); });
     };
+    const Handler targets = [this](const toml::node& node, const QString& key) {
+        readTables(node, key, [&](const toml::table& table) { readTarget(table, key); });
+    };
     return {
         {"files", {}, fileKeys()},
         {"edge",
@@ -81,6 +84,7 @@ KeyReader::Keys JobReader::keys()
         {"noise", {}, noiseKeys()},
         {"systematics", {}, {{"uneven", belowOne(job.uneven)}}},
         {"rank", {}, {{"counts", positive(job.rankCounts)}, {"t_ts", positive(job.rankThickness)}}},
+        {"target", targets, targetKeys(m_anyTarget)},
         {"map", maps, mapKeys(m_anyMap)},
         {"histogram",
          {},
@@ -206,6 +210,14 @@ KeyReader::Keys JobReader::mapKeys(JobMap& map)
     return keys;
 }
 
+KeyReader::Keys JobReader::targetKeys(JobStackTarget& target)
+{
+    Keys keys{{"name", text(target.name, target.place, "a name")}, {"stack", filePath(m_stack)}};
+    const Keys others = stackKeys(*this, target.stack);
+    keys.insert(keys.end(), others.begin(), others.end());
+    return keys;
+}
+
 void JobReader::readPoint(const toml::table& table, const QString& key)
 {
     JobPoint point;
@@ -276,15 +288,27 @@ void JobReader::checkSource(const toml::table& table, const QString& key, JobMap
     constexpr std::size_t ofImages = 2; // a name, and images or a pattern
     if (!stack && table.size() > ofImages)
         fail(table, key, QStringLiteral("only a [[map]] of a stack has other keys than its name"));
-    const Region& region = map.stack->region;
-    if (table.contains("region") && (region.width == 0 || region.height == 0))
-        fail(table, key, QStringLiteral("a region needs x, y, width and height"));
+    checkStack(*this, table, key, *map.stack);
     if (stack) {
         map.stack->source.path = m_stack.path;
         map.stack->place = m_stack.place;
     } else {
         map.stack.reset();
     }
+}
+
+/// A folder has the name of a map, and that of a target's pictures.
+/// @param names  of the tables before
+void JobReader::checkName(const toml::table& table, const QString& key, const QString& name,
+                          const JobPlace& place, QSet<QString>& names)
+{
+    if (!table.contains("name"))
+        fail(table, key, QStringLiteral("a [[%1]] needs a name").arg(key));
+    else if (const QString why = whyNoFolderName(name); !why.isEmpty())
+        fail(place, why);
+    else if (!name.isEmpty() && names.contains(name))
+        fail(place, QStringLiteral("another [[%1]] has the same name").arg(key));
+    names += name;
 }
 
 void JobReader::readMap(const toml::table& table, const QString& key)
@@ -295,15 +319,26 @@ void JobReader::readMap(const toml::table& table, const QString& key)
     readTable(table, key, mapKeys(map));
     if (error)
         return;
-    if (!table.contains("name"))
-        fail(table, key, QStringLiteral("a [[map]] needs a name"));
-    else if (const QString why = whyNoFolderName(map.name); !why.isEmpty())
-        fail(map.place, why);
-    else if (!map.name.isEmpty() && m_mapNames.contains(map.name))
-        fail(map.place, QStringLiteral("another [[map]] has the same name"));
-    m_mapNames += map.name;
+    checkName(table, key, map.name, map.place, m_mapNames);
     checkSource(table, key, map);
     job.maps.push_back(map);
+}
+
+void JobReader::readTarget(const toml::table& table, const QString& key)
+{
+    JobStackTarget target;
+    m_stack = {};
+    target.place = placeOf(table.source(), key);
+    readTable(table, key, targetKeys(target));
+    if (error)
+        return;
+    checkName(table, key, target.name, target.place, m_targetNames);
+    checkStack(*this, table, key, target.stack);
+    if (!table.contains("stack"))
+        fail(table, key, QStringLiteral("a [[target]] needs a stack"));
+    target.stack.source.path = m_stack.path;
+    target.stack.place = m_stack.place;
+    job.stackTargets.push_back(target);
 }
 
 void JobReader::checkHistogram(const JobHistogram& given, const HistogramSettings& settings)
@@ -331,9 +366,12 @@ void JobReader::checkTargets()
         if (folder.path.isEmpty())
             fail(place, QStringLiteral("targets need a folder for their results: [output] folder"));
     }
+    if (folder.path.isEmpty() && !job.stackTargets.empty())
+        fail(job.stackTargets.front().place,
+             QStringLiteral("a [[target]] needs a folder for its results: [output] folder"));
     if (folder.path.isEmpty())
         return;
-    if (job.targets.empty() && target.path.isEmpty() && job.maps.empty())
+    if (!job.hasTargets() && target.path.isEmpty() && job.maps.empty())
         fail(folder.place,
              QStringLiteral("is for the results of targets and of [[map]]; there are none"));
     if (m_calculateMap.line > 0 && job.maps.empty())

@@ -28,12 +28,16 @@ private:
     Keys histogramKeys(JobHistogram& histogram);
     Keys pointKeys(JobPoint& point);
     Keys mapKeys(JobMap& map);
+    Keys targetKeys(JobStackTarget& target);
 
     Handler energy(JobPoint& point);
     void readPoints(const toml::node& node, const QString& key);
     void readPoint(const toml::table& table, const QString& key);
     void readCalculate(const toml::node& node, const QString& key);
     void readMap(const toml::table& table, const QString& key);
+    void readTarget(const toml::table& table, const QString& key);
+    void checkName(const toml::table& table, const QString& key, const QString& name,
+                   const JobPlace& place, QSet<QString>& names);
     void checkSource(const toml::table& table, const QString& key, JobMap& map);
     void checkVPoints(const toml::array& array, const QString& key);
     void checkHistogram(const JobHistogram& given, const HistogramSettings& settings);
@@ -44,7 +48,9 @@ private:
 
     JobPlace m_calculateMap; ///< where "map" stands in the list
     QSet<QString> m_mapNames;
+    QSet<QString> m_targetNames;
     JobPoint m_anyPoint; ///< for the names of its keys
     JobMap m_anyMap;
-    JobFilePath m_stack; ///< of the map that is read
+    JobStackTarget m_anyTarget;
+    JobFilePath m_stack; ///< of the map or target that is read
 };

@@ -106,6 +106,25 @@ v_point = true
 energy = 8404.5
 t_ratio = true
 
+# A target can be a region of a stack of images: its row has this name. The spectrum is ln of the mean
+# intensities, or the mean of mu-t where there are none. The keys are those of a [[map]], explained
+# below; without a region it is the whole frame. They need [output] folder.
+[[target]]
+name = "grain 1"
+stack = "scan.h5"
+kind = "exchange"
+# data = "/measurement/images"
+# energies = "/measurement/energy"
+values = "counts"
+flat = "/exchange/data_white"
+dark = 100
+# reference = "blank_scan.dat"
+pixel_size = 0.65
+tilt_ev_per_row = 0
+row0 = 0
+shift = 0
+region = { x = 20, y = 10, width = 8, height = 8 }
+
 # Maps: each has a name, and an image for each [[point]]; "" stands for none. They need
 # [output] folder, in which each has the folder maps/NAME.
 [[map]]

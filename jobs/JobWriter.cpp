@@ -338,6 +338,13 @@ void writeStack(const JobStack& stack, JobText& to)
                               .toLatin1());
 }
 
+void writeTarget(const JobStackTarget& target, JobText& to)
+{
+    to.begin("[[target]]", "target");
+    to.line("name", quoted(target.name));
+    writeStack(target.stack, to);
+}
+
 void writeMap(const JobMap& map, JobText& to)
 {
     to.begin("[[map]]", "map");
@@ -391,6 +398,8 @@ QByteArray jobText(const Job& job)
     if (job.points)
         for (const JobPoint& point : *job.points)
             writePoint(point, to);
+    for (const JobStackTarget& target : job.stackTargets)
+        writeTarget(target, to);
     for (const JobMap& map : job.maps)
         writeMap(map, to);
     writeHistogram(job.valenceHistogram, "histogram.valence", to);

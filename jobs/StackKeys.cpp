@@ -76,6 +76,25 @@ KeyReader::Handler kind(KeyReader& reader, QString& value)
                                              {"his", "his"}});
 }
 
+KeyReader::Keys regionKeys(KeyReader& reader, Region& region)
+{
+    return {{"x", pixels(reader, region.x, 0)},
+            {"y", pixels(reader, region.y, 0)},
+            {"width", pixels(reader, region.width, 1)},
+            {"height", pixels(reader, region.height, 1)}};
+}
+
+KeyReader::Handler region(KeyReader& reader, JobStack& stack)
+{
+    return [&reader, &stack](const toml::node& node, const QString& key) {
+        stack.regionPlace = KeyReader::placeOf(node.source(), key);
+        const toml::table* table = node.as_table();
+        if (table == nullptr)
+            return reader.fail(node, key, QStringLiteral("must be a table: [%1]").arg(key));
+        reader.readTable(*table, key, regionKeys(reader, stack.region));
+    };
+}
+
 } // namespace
 
 KeyReader::Keys stackKeys(KeyReader& reader, JobStack& stack)
@@ -95,10 +114,12 @@ KeyReader::Keys stackKeys(KeyReader& reader, JobStack& stack)
             {"tilt_ev_per_row", real(reader, stack.tilt)},
             {"row0", real(reader, stack.row0)},
             {"shift", real(reader, source.shift)},
-            {"region",
-             {},
-             {{"x", pixels(reader, stack.region.x, 0)},
-              {"y", pixels(reader, stack.region.y, 0)},
-              {"width", pixels(reader, stack.region.width, 1)},
-              {"height", pixels(reader, stack.region.height, 1)}}}};
+            {"region", region(reader, stack), regionKeys(reader, stack.region)}};
+}
+
+void checkStack(KeyReader& reader, const toml::table& table, const QString& key,
+                const JobStack& stack)
+{
+    if (table.contains("region") && (stack.region.width == 0 || stack.region.height == 0))
+        reader.fail(table, key, QStringLiteral("a region needs x, y, width and height"));
 }

@@ -222,11 +222,12 @@ private slots:
             job("[files]\nref1 = { file = \"columns.txt\", columns = { energy = 1, mut = 2 } }\n"
                 "targets = [\"ref*.dat\"]\n[noise]\ngain = 2\n[rank]\ncounts = 1e8\n"
                 "[[point]]\nenergy = 8390\nv_point = true\n"
+                "[[target]]\nname = \"a\"\nstack = \"scan.h5\"\n"
                 "[[map]]\nname = \"a\"\nimages = [\"map.dat\"]\n"
                 "[output]\nfolder = \"results\"\n"));
         QCOMPARE(user::messages(panel()).last(),
                  QStringLiteral("The window does not show of the job: targets; ref1; [rank]; "
-                                "[noise]; [[map]]; [output]"));
+                                "[noise]; [[target]]; [[map]]; [output]"));
         QCOMPARE(user::messages(panel()).filter(QStringLiteral("of the job")).size(), 1);
         QCOMPARE(panel().filesRead(), QStringList());
     }

@@ -59,8 +59,8 @@ QString tst_OutputCheck::refusal(const QString& output) const
     job.spectra[SpectrumSet::Ref1].path = in(QStringLiteral("ref1.dat"));
     job.spectra[SpectrumSet::Ref2].path = in(QStringLiteral("ref2.dat"));
     job.spectra[SpectrumSet::Blank].path = in(QStringLiteral("blank.dat"));
-    const std::vector<JobFilePath> targets{{in(QStringLiteral("scans/1.dat")), {}},
-                                           {in(QStringLiteral("scans/2.dat")), {}}};
+    const std::vector<TargetJob> targets{{{in(QStringLiteral("scans/1.dat"))}},
+                                         {{in(QStringLiteral("scans/2.dat"))}}};
     const std::vector<MapJob> maps{
         {QStringLiteral("area"),
          {9, 8, QStringLiteral("map.name")},

@@ -1,4 +1,6 @@
 #include "batch/Watch.h"
+#include "examples/MapSample.h"
+#include "examples/StackFiles.h"
 #include "system/Signals.h"
 #include "tests/batch/BatchFolder.h"
 #include "tests/support/Files.h"
@@ -7,6 +9,7 @@
 #include <QtTest>
 
 #include <csignal>
+#include <cstdio>
 
 using std::chrono::milliseconds;
 
@@ -25,6 +28,7 @@ private slots:
     void removed();
     void emptyBeginning();
     void mapWhoseImagesCome();
+    void stackThatComesAndIsRewritten();
     void ownResultsAreNoInput();
     void secondRunIsRefused();
     void withoutNotices();
@@ -145,6 +149,12 @@ void tst_Watch::foldersOfPatterns()
              QByteArrayList({below("days"), below("days/one"), below("days/two")}));
     QCOMPARE(folders(file("days/o*/x/a.dat")),
              QByteArrayList({below("days"), below("days/one/x")}));
+    // The stack of a region is not there yet.
+    Job job;
+    job.folder = m_folder->path();
+    job.stackTargets.resize(1);
+    job.stackTargets[0].stack.source.path = file("scans/p_*.tif");
+    QCOMPARE(watchedFolders(job), QByteArrayList({below("scans")}));
 }
 
 void tst_Watch::renamedIntoPlace()
@@ -220,6 +230,31 @@ void tst_Watch::mapWhoseImagesCome()
     isAsOneRun();
 }
 
+void tst_Watch::stackThatComesAndIsRewritten()
+{
+    m_folder->writeJob("[[target]]\nname = \"grain\"\nstack = \"scan.h5\"\n");
+    MapSample sample;
+    const auto put = [&] {
+        const CountedStack stack = countedStack(sample, mapEnergies());
+        return writeExchange(file("scan.new"), stack) &&
+               std::rename(QFile::encodeName(file("scan.new")).constData(),
+                           QFile::encodeName(file("scan.h5")).constData()) == 0;
+    };
+    startWatching();
+    QCOMPARE(m_folder->results().count('\n'), 4);
+    QVERIFY(put());
+    awaitResults();
+    const QByteArray before = m_folder->results();
+    QCOMPARE(before.count("\ngrain,"), 1);
+    QCOMPARE(m_said.filter(QStringLiteral("calculated")).size(), 1);
+    sample.rows = 12;
+    QVERIFY(put());
+    awaitResults();
+    QVERIFY(m_folder->results() != before);
+    QCOMPARE(m_said.filter(QStringLiteral("grain: calculated in ")).size(), 1);
+    isAsOneRun();
+}
+
 void tst_Watch::ownResultsAreNoInput()
 {
     QVERIFY(QFile::remove(file("scans/10.dat")));
@@ -251,8 +286,8 @@ void tst_Watch::withoutNotices()
     QStringList names;
     const WatchActions actions{[&](const PreparedJob& due, bool& any) -> std::optional<int> {
                                    any = true;
-                                   for (const JobFilePath& target : due.list.targets)
-                                       names += QFileInfo(target.path).fileName();
+                                   for (const TargetJob& target : due.list.targets)
+                                       names += QFileInfo(target.path()).fileName();
                                    return std::nullopt;
                                },
                                [&](const PreparedJob& all) -> std::optional<int> {

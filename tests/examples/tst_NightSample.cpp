@@ -109,7 +109,7 @@ void tst_NightSample::targetsHoldTheTruth()
 {
     constexpr double scatter = 0.006;
     JobError error;
-    const auto targets = targetList(*m_job, error);
+    const auto targets = targetJobs(*m_job, error);
     QVERIFY(targets);
     const QList<QByteArrayList> truth =
         table(contents(m_dir.filePath(QStringLiteral("truth-targets.csv"))));
@@ -117,10 +117,13 @@ void tst_NightSample::targetsHoldTheTruth()
     QCOMPARE(truth.size(), night::samples + 1);
     double sum = 0.0;
     for (int i = 0; i < night::samples; ++i) {
-        const JobFilePath& target = (*targets)[static_cast<std::size_t>(i)];
-        const auto file = InputFile::open(target.path);
-        QVERIFY2(file, qPrintable(target.path));
-        const TargetRow row = analyseTarget(*m_job, *m_common, {targetName(*m_job, target), *file});
+        const TargetJob& target = (*targets)[static_cast<std::size_t>(i)];
+        const QString name = targetName(*m_job, target);
+        QString why;
+        FileDigests digests;
+        const auto source = openTarget(*m_job, target, name, digests, why);
+        QVERIFY2(source, qPrintable(why));
+        const TargetRow row = analyseTarget(*m_job, *m_common, {name, *source});
         QVERIFY2(row.isGood(), qPrintable(row.refusal));
         QCOMPARE(row.warnings, QStringList());
         QCOMPARE(row.target.toUtf8(), truth[i + 1][0]);

@@ -56,6 +56,15 @@ bool sameMaps(const Job& job, const Job& expected)
                       });
 }
 
+bool sameStackTargets(const Job& job, const Job& expected)
+{
+    return std::equal(job.stackTargets.begin(), job.stackTargets.end(),
+                      expected.stackTargets.begin(), expected.stackTargets.end(),
+                      [](const JobStackTarget& a, const JobStackTarget& b) {
+                          return a.name == b.name && sameStack(a.stack, b.stack);
+                      });
+}
+
 bool sameHistograms(const Job& job, const Job& expected)
 {
     const auto same = [](const JobHistogram& a, const JobHistogram& b) {
@@ -115,6 +124,8 @@ const char* settingsDifference(const Job& job, const Job& expected)
     if (job.calculateTarget != expected.calculateTarget ||
         job.calculateLcf != expected.calculateLcf || job.calculateMap != expected.calculateMap)
         return "calculations";
+    if (!sameStackTargets(job, expected))
+        return "targets of stacks";
     if (!sameMaps(job, expected))
         return "maps";
     if (!sameHistograms(job, expected))

@@ -407,6 +407,39 @@ bool readMap(const toml::table& table, const QString& folder, Job& job)
     return reading.ok;
 }
 
+bool readStackTarget(const toml::table& table, const QString& folder, Job& job)
+{
+    const QStringList keys =
+        QStringLiteral("name stack kind data energies values flat dark reference pixel_size "
+                       "tilt_ev_per_row row0 shift region")
+            .split(QLatin1Char(' '));
+    JobStackTarget target;
+    const toml::node* name = table.get("name");
+    target.name = name && name->is_string() ? fromUtf8(**name->as_string()) : QString();
+    if (!onlyKeys(table, keys) || isNoName(target.name) || !table.contains("stack") ||
+        !readStack(table, folder, target.stack))
+        return false;
+    for (const JobStackTarget& other : job.stackTargets)
+        if (other.name == target.name)
+            return false;
+    job.stackTargets.push_back(target);
+    return true;
+}
+
+bool readStackTargets(const toml::table& root, const QString& folder, Job& job)
+{
+    const toml::node* node = root.get("target");
+    if (!node)
+        return true;
+    const toml::array* array = node->as_array();
+    if (!array || array->empty())
+        return false;
+    for (const toml::node& target : *array)
+        if (!target.is_table() || !readStackTarget(*target.as_table(), folder, job))
+            return false;
+    return true;
+}
+
 bool readMaps(const toml::table& root, const QString& folder, Job& job)
 {
     const toml::node* node = root.get("map");
@@ -448,7 +481,7 @@ bool targetsFit(Job& job)
     if (!target.path.isEmpty() && !job.targets.empty())
         return false;
     if (job.output.path.isEmpty())
-        return job.targets.empty();
+        return job.targets.empty() && job.stackTargets.empty();
     if (!job.mapResult.path.isEmpty() || (job.calculateMap && job.maps.empty()))
         return false;
     if (!target.path.isEmpty()) {
@@ -459,7 +492,7 @@ bool targetsFit(Job& job)
         job.targets.push_back({pattern, {}});
         target.path.clear();
     }
-    return !job.targets.empty() || !job.maps.empty();
+    return !job.targets.empty() || !job.stackTargets.empty() || !job.maps.empty();
 }
 
 bool readNumbers(const toml::table& root, Job& job)
@@ -562,16 +595,17 @@ bool readJob(const QByteArray& text, const QString& folder, Job& job)
         return false;
     }
     const QStringList keys{
-        QStringLiteral("files"),    QStringLiteral("edge"),       QStringLiteral("valences"),
-        QStringLiteral("point"),    QStringLiteral("conditions"), QStringLiteral("calculate"),
-        QStringLiteral("output"),   QStringLiteral("map"),        QStringLiteral("histogram"),
-        QStringLiteral("noise"),    QStringLiteral("rank"),       QStringLiteral("systematics"),
-        QStringLiteral("alignment")};
+        QStringLiteral("files"),     QStringLiteral("edge"),       QStringLiteral("valences"),
+        QStringLiteral("point"),     QStringLiteral("conditions"), QStringLiteral("calculate"),
+        QStringLiteral("output"),    QStringLiteral("map"),        QStringLiteral("histogram"),
+        QStringLiteral("noise"),     QStringLiteral("rank"),       QStringLiteral("systematics"),
+        QStringLiteral("alignment"), QStringLiteral("target")};
     return onlyKeys(root, keys) && readFiles(root, folder, job) && readNumbers(root, job) &&
            readConditions(root, job) && readPoints(root, folder, job) && readCalculate(root, job) &&
            readNoise(root, job) && readAlignment(root, folder, job) &&
            readOutput(root, folder, job) && readHistograms(root, job) &&
-           readMaps(root, folder, job) && mapsFit(job) && targetsFit(job);
+           readStackTargets(root, folder, job) && readMaps(root, folder, job) && mapsFit(job) &&
+           targetsFit(job);
 }
 
 } // namespace literal

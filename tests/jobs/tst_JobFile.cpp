@@ -38,6 +38,9 @@ private slots:
     void errorsHaveLineAndReason();
     void mapsAreTaken();
     void outputAndHistogramsAreTaken();
+    void stackTargetsAreTaken();
+    void nonsenseOfStackTargetsIsRefused_data();
+    void nonsenseOfStackTargetsIsRefused();
     void nonsenseOfMapsIsRefused_data();
     void nonsenseOfMapsIsRefused();
     void namesThatTheLocaleCannotWrite();
@@ -223,14 +226,16 @@ void tst_JobFile::errorsHaveLineAndReason_data()
     };
     row("unknown key", "\nedges = 1\n",
         "job:2:1: edges: unknown key, did you mean edge; known are: files, edge, valences, point, "
-        "conditions, alignment, noise, systematics, rank, map, histogram, output, calculate");
+        "conditions, alignment, noise, systematics, rank, target, map, histogram, output, "
+        "calculate");
     row("unknown key in a table", "[edge]\nenergy = 1\n  start = 2\n",
         "job:3:3: edge.start: unknown key; known are: energy, pre_edge_end, post_edge_start");
     row("unknown key in a point", "[[point]]\nenergy = 1\nv_point = true\nblank = 2\n",
         "job:4:1: point.blank: unknown key; known are: energy, use, t_ratio, v_point, map");
     row("unknown key of several lines", "\"a\\nb\\u2028c\" = 1\n",
         "job:1:1: a\uFFFDb\uFFFDc: unknown key; known are: files, edge, valences, point, "
-        "conditions, alignment, noise, systematics, rank, map, histogram, output, calculate");
+        "conditions, alignment, noise, systematics, rank, target, map, histogram, output, "
+        "calculate");
     row("the first of several errors", "[files]\nref3 = 1\n[edge]\nenergy = \"x\"\n",
         "job:2:1: files.ref3: unknown key, did you mean ref1; known are: ref1, ref2, target, "
         "targets, blank, map_result");
@@ -390,6 +395,80 @@ void tst_JobFile::outputAndHistogramsAreTaken()
     QCOMPARE(job.targets.size(), std::size_t(1));
     QCOMPARE(job.targets[0].path, QStringLiteral("/data/odd\\[1].dat"));
     QCOMPARE(job.targets[0].place.key, QStringLiteral("files.target"));
+}
+
+void tst_JobFile::stackTargetsAreTaken()
+{
+    const Job job = parsed("[[target]]\n"
+                           "name = \"grain 1\"\n"
+                           "stack = \"scan.h5\"\n"
+                           "values = \"counts\"\n"
+                           "dark = 7\n"
+                           "shift = 0.5\n"
+                           "region = { x = 1, y = 2, width = 3, height = 4 }\n"
+                           "[[target]]\n"
+                           "name = \"鉄.1\"\n"
+                           "stack = \"scan.h5\"\n"
+                           "[output]\n"
+                           "folder = \"out\"\n");
+    QVERIFY(job.targets.empty() && job.hasTargets());
+    QCOMPARE(job.stackTargets.size(), std::size_t(2));
+    const JobStackTarget& first = job.stackTargets[0];
+    QCOMPARE(first.name, QStringLiteral("grain 1"));
+    QCOMPARE(first.place.line, 2);
+    QCOMPARE(first.place.key, QStringLiteral("target.name"));
+    QCOMPARE(first.stack.place.line, 3);
+    QCOMPARE(first.stack.source.path, QStringLiteral("/data/scan.h5"));
+    QVERIFY(first.stack.source.values == StackValues::Counts);
+    QCOMPARE(*first.stack.source.darkLevel, 7.0);
+    QCOMPARE(first.stack.source.shift, 0.5);
+    QCOMPARE(first.stack.region.height, 4);
+    QCOMPARE(first.stack.regionPlace.line, 7);
+    QCOMPARE(first.stack.regionPlace.column, 10);
+    QCOMPARE(first.stack.regionPlace.key, QStringLiteral("target.region"));
+    QCOMPARE(job.stackTargets[1].name, QStringLiteral("鉄.1"));
+    QCOMPARE(job.stackTargets[1].stack.region.width, 0);
+}
+
+void tst_JobFile::nonsenseOfStackTargetsIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char* name, const QByteArray& target, const char* expected) {
+        QTest::newRow(name) << QByteArray("output.folder = \"out\"\n[[target]]\n" + target)
+                            << QString::fromUtf8(expected);
+    };
+    row("unknown key", "name = \"t\"\nstak = \"s\"\n",
+        "job:4:1: target.stak: unknown key, did you mean stack; known are: name, stack, kind, "
+        "data, "
+        "energies, values, flat, dark, reference, pixel_size, tilt_ev_per_row, row0, shift, "
+        "region");
+    row("no name", "stack = \"s\"\n", "job:2:1: target: a [[target]] needs a name");
+    row("no stack", "name = \"t\"\n", "job:2:1: target: a [[target]] needs a stack");
+    row("several folders", "name = \"a/b\"\nstack = \"s\"\n",
+        "job:3:8: target.name: cannot be the name of a folder: it has a /");
+    row("the same name", "name = \"t\"\nstack = \"s\"\n[[target]]\nname = \"t\"\nstack = \"r\"\n",
+        "job:6:8: target.name: another [[target]] has the same name");
+    row("region without height", "name = \"t\"\nstack = \"s\"\nregion = { width = 2 }\n",
+        "job:2:1: target: a region needs x, y, width and height");
+    row("a number for a region", "name = \"t\"\nstack = \"s\"\nregion = 2\n",
+        "job:5:10: target.region: must be a table: [target.region]");
+    row("unknown side", "name = \"t\"\nstack = \"s\"\nregion = { depth = 2 }\n",
+        "job:5:12: target.region.depth: unknown key; known are: x, y, width, height");
+    QTest::newRow("no folder") << QByteArray("[[target]]\nname = \"t\"\nstack = \"s\"\n")
+                               << QStringLiteral("job:2:8: target.name: a [[target]] needs a "
+                                                 "folder for its results: [output] folder");
+    QTest::newRow("no tables") << QByteArray("target = 1\n")
+                               << QStringLiteral("job:1:10: target: must be tables: [[target]]");
+}
+
+void tst_JobFile::nonsenseOfStackTargetsIsRefused()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, expected);
+    JobError error;
+    QVERIFY(!parseJob(text, QStringLiteral("/data"), error));
+    QCOMPARE(errorText(QStringLiteral("job"), error), expected);
 }
 
 void tst_JobFile::nonsenseOfMapsIsRefused_data()

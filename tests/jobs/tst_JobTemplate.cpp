@@ -64,6 +64,7 @@ void tst_JobTemplate::isAJob()
     const std::optional<Job> job = parsed(jobTemplate(), why);
     QVERIFY2(job, qPrintable(why));
     QCOMPARE(job->targets.size(), std::size_t(1));
+    QCOMPARE(job->stackTargets.size(), std::size_t(1));
     QCOMPARE(job->maps.size(), std::size_t(3));
     QCOMPARE(job->points->size(), std::size_t(4));
 }
@@ -122,8 +123,8 @@ void tst_JobTemplate::whatIsCommentedOutIsRight_data()
     QTest::addColumn<QByteArray>("key");
     QTest::addColumn<QByteArrayList>("instead"); ///< of these
     const QByteArrayList ofStack{
-        "stack = ",      "kind = ", "values = ", "flat = ",   "dark = ",
-        "pixel_size = ", "row0 = ", "shift = ",  "region = ", "tilt_ev_per_row = "};
+        "[[target]]",    "stack = ", "kind = ",  "values = ", "flat = ",           "dark = ",
+        "pixel_size = ", "row0 = ",  "shift = ", "region = ", "tilt_ev_per_row = "};
     QTest::newRow("target") << QByteArray("target") << QByteArrayList{"targets = "};
     QTest::newRow("map_result") << QByteArray("map_result")
                                 << QByteArrayList{"targets = ",   "[[map]]",     "name = ",

@@ -42,6 +42,8 @@ public:
         for (const JobFilePath& file : job.targets)
             add(file);
         add({{}, {}, job.targetSource});
+        for (const JobStackTarget& target : job.stackTargets)
+            add(JobMap{target.name, {}, {}, {}, target.stack});
         for (const JobMap& map : job.maps)
             add(map);
         for (const JobShift& shift : job.alignment.shifts)
@@ -275,6 +277,9 @@ private:
         job.output = path();
         job.targetSource = source();
         job.targets = {{name() + QStringLiteral("*.dat")}, {QStringLiteral("/other/?") + name()}};
+        if (chance())
+            job.stackTargets = {{QStringLiteral("grain \"1\""), {}, stack()},
+                                {QStringLiteral("[鉄]"), {}, stack()}};
         job.pictures = chance();
         job.report = chance();
         job.mapFiles = chance();
