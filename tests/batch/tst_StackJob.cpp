@@ -7,6 +7,7 @@
 #include "examples/StackFiles.h"
 #include "formats/StackProcess.h"
 #include "tests/support/Files.h"
+#include "tests/support/PlainCsv.h"
 
 #include <QDir>
 #include <QProcess>
@@ -255,6 +256,13 @@ void tst_StackJob::exampleOfEachLayout()
                      name.constData());
     }
     QCOMPARE(found["/mistral/pixel_size@units"], QByteArrayList{"um"});
+    // The region's middle column; over three the curve of the logarithm of means shows little.
+    const auto results =
+        plainCsv::read(contents(place.filePath(QStringLiteral("results/results.csv"))));
+    QCOMPARE(plainCsv::column(results, QStringLiteral("target")),
+             QStringList(QStringLiteral("columns 5 to 7")));
+    QVERIFY(std::abs(plainCsv::numbers(results, QStringLiteral("a")).value(0) - map.fraction(6)) <
+            5e-4);
 }
 
 void tst_StackJob::pointOutsideIsRefused()
