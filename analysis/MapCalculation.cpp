@@ -17,12 +17,14 @@ constexpr std::size_t taskSize = 16 * kernelBlock;
 constexpr double missingPixel = -1.0;
 
 /// Target values of one block at one row of the table.
+template <class T>
 class BlockValues
 {
 public:
+    /// @param values    of the image's pixels
     /// @param gridSize  pixels of the grid
-    BlockValues(const MapImage& image, int gridColumns, std::size_t gridSize)
-        : m_image(image), m_columns(gridColumns)
+    BlockValues(const T* values, const MapImage& image, int gridColumns, std::size_t gridSize)
+        : m_values(values), m_image(image), m_columns(gridColumns)
     {
         if (image.columns != gridColumns || image.size < gridSize)
             m_copy.resize(kernelBlock); // no memory is asked for once the calculation runs
@@ -35,30 +37,31 @@ public:
 
     /// The values of the grid's pixels first to first + count - 1 [count]; the image's own array
     /// where that holds them in this order.
-    const double* at(std::size_t first, std::size_t count)
+    const T* at(std::size_t first, std::size_t count)
     {
         if (hasAll(first, count))
-            return m_image.mut + first;
+            return m_values + first;
         for (std::size_t i = 0; i < count; ++i)
             m_copy[i] = pixel(first + i);
         return m_copy.data();
     }
 
 private:
-    double pixel(std::size_t i) const
+    T pixel(std::size_t i) const
     {
         const auto columns = static_cast<std::size_t>(m_columns);
         const auto x = static_cast<std::int64_t>(i % columns);
         const auto y = static_cast<std::int64_t>(i / columns);
         const std::int64_t index = y * m_image.columns + x;
         if (index < 0 || static_cast<std::uint64_t>(index) >= m_image.size)
-            return missingPixel;
-        return m_image.mut[index];
+            return T{missingPixel};
+        return m_values[index];
     }
 
+    const T* m_values;
     MapImage m_image;
     int m_columns;
-    std::vector<double> m_copy;
+    std::vector<T> m_copy;
 };
 
 /// The chosen method with everything that does not depend on the target.
@@ -98,11 +101,11 @@ class BlockSource
 {
 public:
     BlockSource(const MapTask& task, std::size_t gridSize)
-        : m_v(task.images[task.choice.vPoint], task.columns, gridSize)
+        : m_v(valuesOf(task, task.choice.vPoint, gridSize))
     {
         const std::size_t needed = task.method == Method::ThreePoint ? 2 : 3;
         for (const std::size_t row : task.choice.normalization)
-            m_points.emplace_back(task.images[row], task.columns, gridSize);
+            m_points.push_back(valuesOf(task, row, gridSize));
         while (m_points.size() < needed)
             m_points.push_back(m_v);
         m_inputs.t.resize(m_points.size());
@@ -120,8 +123,14 @@ public:
     }
 
 private:
-    std::vector<BlockValues> m_points;
-    BlockValues m_v;
+    static BlockValues<double> valuesOf(const MapTask& task, std::size_t row, std::size_t gridSize)
+    {
+        const MapImage& image = task.images[row];
+        return {image.mut, image, task.columns, gridSize};
+    }
+
+    std::vector<BlockValues<double>> m_points;
+    BlockValues<double> m_v;
     BlockInputs m_inputs;
 };
 
@@ -154,16 +163,14 @@ private:
     void add(const MapTask& task, std::size_t row, std::size_t gridSize)
     {
         const MapVariance& noise = task.sigmas->noise[row];
-        MapImage image = task.images[row];
         m_hasEach.push_back(noise.each != nullptr);
-        image.mut = noise.each;
         m_all.push_back(noise.all);
-        m_each.emplace_back(image, task.columns, gridSize);
+        m_each.emplace_back(noise.each, task.images[row], task.columns, gridSize);
     }
 
     std::vector<double> m_all;
     std::vector<bool> m_hasEach;
-    std::vector<BlockValues> m_each;
+    std::vector<BlockValues<float>> m_each;
     BlockVariances m_variances;
 };
 

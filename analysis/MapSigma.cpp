@@ -36,6 +36,13 @@ using Mask = decltype(Lanes{} < Lanes{});
     std::memcpy(&to, values, there * sizeof(double));
 }
 
+[[gnu::always_inline]] inline void load(const float* values, std::size_t there, Lanes& to)
+{
+    FloatLanes floats{};
+    std::memcpy(&floats, values, std::min(there, lanes) * sizeof(float));
+    to = __builtin_convertvector(floats, Lanes);
+}
+
 /// As floats, with not-a-number for missing pixels.
 [[gnu::always_inline]] inline void store(const Lanes& values, const Mask& missing,
                                          std::size_t there, float* to)

@@ -10,7 +10,7 @@
 /// Variance of the mu-t of an image: one for all pixels, or one for each.
 struct MapVariance {
     double all = 0.0;
-    const double* each = nullptr; ///< [pixels of the image]
+    const float* each = nullptr; ///< [pixels of the image]
 };
 
 /// Sums over the pixels of a map whose valence means something.

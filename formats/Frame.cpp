@@ -145,7 +145,7 @@ void addMut(const Frame& frame, std::size_t first, std::size_t count, double* mu
 }
 
 void addVariance(const Frame& frame, const DetectorGains& gains, bool ownFlat, std::size_t first,
-                 std::size_t count, double* variance, bool add)
+                 std::size_t count, float* variance, bool add)
 {
     Block values;
     Block flat;
@@ -158,8 +158,8 @@ void addVariance(const Frame& frame, const DetectorGains& gains, bool ownFlat, s
         load(frame.flat, first + done, n, flat.data());
         loadDark(frame, first + done, n, dark);
         for (std::size_t i = 0; i < n; ++i)
-            variance[done + i] =
-                (add ? variance[done + i] : 0.0) +
-                square * countingVariance({flat[i] - dark[i], values[i] - dark[i]}, counted);
+            variance[done + i] = static_cast<float>(
+                (add ? static_cast<double>(variance[done + i]) : 0.0) +
+                square * countingVariance({flat[i] - dark[i], values[i] - dark[i]}, counted));
     }
 }

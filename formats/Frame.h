@@ -83,4 +83,4 @@ void addMut(const Frame& frame, std::size_t first, std::size_t count, double* mu
 ///                  of a pixel alike
 /// @param variance  [count]; what a mean of this weight has of it is added to it, or put there
 void addVariance(const Frame& frame, const DetectorGains& gains, bool ownFlat, std::size_t first,
-                 std::size_t count, double* variance, bool add);
+                 std::size_t count, float* variance, bool add);

@@ -47,16 +47,15 @@ SharedPositions positionsOf(const StackFacts& facts, const Region& region, Worke
     return std::make_shared<const MapPositions>(std::move(positions));
 }
 
-bool makeRoom(const Region& region, const SharedPositions& positions, bool variances,
-              std::vector<MapData>& maps)
+bool makeRoom(const Region& region, bool variances, std::vector<MapData>& maps)
 {
+    const std::size_t pixels =
+        static_cast<std::size_t>(region.width) * static_cast<std::size_t>(region.height);
     for (MapData& map : maps) {
         map.columns = region.width;
         map.rows = region.height;
         map.valid = true;
-        map.positions = positions;
-        if (!map.mut.resize(positions->size()) ||
-            (variances && !map.variance.resize(positions->size())))
+        if (!map.mut.resize(pixels) || (variances && !map.variance.resize(pixels)))
             return false;
     }
     return true;
@@ -144,11 +143,17 @@ std::optional<FileFault> stackMaps(Stack& stack, const QString& path,
     if (auto fault = stack.read(indices, *within, set))
         return fault;
     std::vector<MapData> made(energies.size());
-    const SharedPositions positions = positionsOf(facts, *within, workers);
-    if (!positions || !makeRoom(*within, positions, gains && areCounts(set), made))
-        return FileFault{path, 0, QStringLiteral("does not fit in memory")};
+    const FileFault tooLarge{path, 0, QStringLiteral("does not fit in memory")};
+    if (!makeRoom(*within, gains && areCounts(set), made))
+        return tooLarge;
     if (!made.empty())
         calculate(parts, indices, set, made, gains.value_or(DetectorGains()), workers);
+    set = {}; // the positions take its place
+    const SharedPositions positions = positionsOf(facts, *within, workers);
+    if (!positions)
+        return tooLarge;
+    for (MapData& map : made)
+        map.positions = positions;
     maps = std::move(made);
     return std::nullopt;
 }

@@ -36,8 +36,8 @@ bool MapAssembly::expectMore(const MapChunk& chunk, std::size_t bytes)
         return true;
     const double total = static_cast<double>(chunk.mut.size()) * static_cast<double>(m_fileSize) /
                          static_cast<double>(bytes);
-    const std::size_t bytesOfRecord =
-        (chunk.gains ? 2 : 1) * sizeof(double) + (m_positions.shared() ? 0 : sizeof(MapPosition));
+    const std::size_t bytesOfRecord = sizeof(double) + (chunk.gains ? sizeof(float) : 0) +
+                                      (m_positions.shared() ? 0 : sizeof(MapPosition));
     if (total * static_cast<double>(bytesOfRecord) > 2.0 * static_cast<double>(m_memory))
         return false;
     constexpr double margin = 1.02;
@@ -53,8 +53,9 @@ bool MapAssembly::fits() const
     if (m_headerBytes > largestHeader)
         return false;
     const std::size_t positions = m_positions.shared() ? 0 : m_positions.size();
-    const std::size_t numbers = m_data.mut.size() + m_data.variance.size();
-    return numbers * sizeof(double) + positions * sizeof(MapPosition) + m_headerBytes <= m_memory;
+    const std::size_t numbers =
+        m_data.mut.size() * sizeof(double) + m_data.variance.size() * sizeof(float);
+    return numbers + positions * sizeof(MapPosition) + m_headerBytes <= m_memory;
 }
 
 void MapAssembly::readHeaderLine(const QByteArray& line)

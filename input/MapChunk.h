@@ -14,7 +14,7 @@ struct MapChunk {
     MapPositions positions;
     std::vector<QByteArray> header;     ///< lines beginning with "#", without line end
     std::optional<DetectorGains> gains; ///< where the variances are wanted
-    PixelArray<double> variance;        ///< of mut; empty where they are not wanted
+    PixelArray<float> variance;         ///< of mut; empty where they are not wanted
     bool hasReadings = false;           ///< some record has two intensities
 
     void clear()

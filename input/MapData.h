@@ -18,7 +18,7 @@ struct MapData {
     PixelArray<double> mut;
     /// Of each record's mu-t, by the counting of both intensities; not-a-number where they are no
     /// counts. Empty where nobody asks, or no record has two intensities.
-    PixelArray<double> variance;
+    PixelArray<float> variance;
     SharedPositions positions; ///< of each record [mut.size()]; null without records
 
     MapImage image() const { return {mut.data(), mut.size(), columns}; }

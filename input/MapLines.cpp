@@ -141,11 +141,11 @@ bool readRecord(const char*& p, const char* last, MapPosition& position, Intensi
 }
 
 /// Not-a-number where there are not two of them, or they are no counts.
-double varianceOf(const Intensities& seen, MapChunk& chunk)
+float varianceOf(const Intensities& seen, MapChunk& chunk)
 {
     chunk.hasReadings = chunk.hasReadings || seen.both;
-    return seen.both ? countingVariance({seen.incident, seen.transmitted}, *chunk.gains)
-                     : notANumber;
+    return static_cast<float>(
+        seen.both ? countingVariance({seen.incident, seen.transmitted}, *chunk.gains) : notANumber);
 }
 
 /// Sorts any line into the chunk. False where the memory is refused.
@@ -165,7 +165,7 @@ bool readAnyLine(std::string_view line, MapChunk& chunk)
     const MapPosition position{numberFromToken(tokens[0]), numberFromToken(tokens[1])};
     if (!chunk.mut.append(&mut, 1) || !chunk.positions.append(&position, 1))
         return false;
-    const double variance = chunk.gains ? varianceOf(seen, chunk) : 0.0;
+    const float variance = chunk.gains ? varianceOf(seen, chunk) : 0.0F;
     return !chunk.gains || chunk.variance.append(&variance, 1);
 }
 

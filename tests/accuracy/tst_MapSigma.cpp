@@ -92,7 +92,7 @@ private:
     SimulatedSample m_sample{MixedSample()};
     AnalysisInput m_input;
     std::vector<std::vector<double>> m_images;
-    std::vector<std::vector<double>> m_variances;
+    std::vector<std::vector<float>> m_variances;
 
     MapTask makeTask(Method method, int rows, int columns, int height);
     void compare(const MapTask& task, const MapSigmas& sigmas, const MapResults& results);
@@ -157,14 +157,15 @@ void tst_MapSigma::pixelsAreThoseOfTheScalarMethods()
     MapSigmas sigmas;
     m_variances.clear();
     for (std::size_t k = 0; k < task.points.size(); ++k) {
-        std::vector<double> variances;
+        std::vector<float> variances;
         for (int i = 0; i < 35; ++i)
-            variances.push_back(noise == 0   ? 1e-6
-                                : noise == 1 ? 1e-6 * (1.0 + static_cast<double>(k))
-                                             : random.uniform(1e-7, 1e-5));
+            variances.push_back(static_cast<float>(noise == 0 ? 1e-6
+                                                   : noise == 1
+                                                       ? 1e-6 * (1.0 + static_cast<double>(k))
+                                                       : random.uniform(1e-7, 1e-5)));
         m_variances.push_back(variances);
     }
-    for (const std::vector<double>& variances : m_variances)
+    for (const std::vector<float>& variances : m_variances)
         sigmas.noise.push_back({variances[0], noise == 2 ? variances.data() : nullptr});
     task.sigmas = &sigmas;
     MapResults results;

@@ -913,9 +913,9 @@ void tst_MapReader::variancesOfCounts()
         QCOMPARE(readMapData(ArrayBytes(text), data, options).outcome, ReadOutcome::Read);
         QCOMPARE(data.variance.size(), static_cast<std::size_t>(expected.size()));
         for (int i = 0; i < expected.size(); ++i) {
-            const double found = data.variance[static_cast<std::size_t>(i)];
+            const float found = data.variance[static_cast<std::size_t>(i)];
             QVERIFY(std::isnan(expected[i]) ? std::isnan(found)
-                                            : std::abs(found - expected[i]) < 1e-15);
+                                            : found == static_cast<float>(expected[i]));
         }
     }
 }
