@@ -101,6 +101,7 @@ std::optional<FileFault> takeFrame(const QString& path, const CameraHeader& head
     frame.frame = {pixelTypeOf(header), bytes.data()};
     addMut(frame, 0, pixels, image.mut.data(), false);
     takeImage(std::move(image), title, QStringLiteral("counts"), inspection);
+    inspection.positions = PositionUnit::Pixels;
     return std::nullopt;
 }
 
@@ -162,6 +163,7 @@ QString valuesText(StackValues values)
 void addFacts(const StackFacts& facts, Inspection& inspection)
 {
     inspection.add("kind", facts.kind);
+    inspection.positions = unitOfPixels(facts.pixelWidth);
     addEnergies(facts.energies, inspection);
     inspection.add("size", QStringLiteral("%1, %2, %3")
                                .arg(sizeText(facts.columns, facts.rows),

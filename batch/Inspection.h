@@ -1,6 +1,7 @@
 #pragma once
 
 #include "analysis/FittedSpectrum.h"
+#include "batch/PositionUnit.h"
 #include "formats/FileFault.h"
 #include "input/MapData.h"
 
@@ -16,10 +17,11 @@ struct Inspection {
     std::vector<Line> lines; ///< a name may come more than once
     /// To be drawn; with bounds against its edge as the window has them at its start.
     std::optional<FittedSpectrum> spectrum;
-    bool isMut = true;            ///< the values of the spectrum
-    std::optional<MapData> image; ///< to be drawn
-    QString imageTitle;           ///< "8390 eV"
-    QString imageValues;          ///< "mu-t" or "counts"
+    bool isMut = true;                            ///< the values of the spectrum
+    std::optional<MapData> image;                 ///< to be drawn
+    QString imageTitle;                           ///< "8390 eV"
+    QString imageValues;                          ///< "mu-t" or "counts"
+    PositionUnit positions = PositionUnit::Stage; ///< of the image
 
     void add(const char* name, const QString& value);
     void add(const char* name, const QStringList& values);

@@ -41,7 +41,8 @@ QImage imageOf(const Inspection& inspection, const OutputWords& words)
     pixels.t = map.mut.data();
     pixels.positions = map.positions;
     pixels.valences = {1.0, 0.0}; // whose mean is the value itself
-    MapCaptions captions = mapCaptions(words, inOneLine(inspection.imageTitle));
+    MapCaptions captions =
+        mapCaptions(words, inOneLine(inspection.imageTitle), inspection.positions);
     captions.valence = inspection.imageValues;
     MapPicture picture;
     const AxisEnds range = rangeOf(map.mut);

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <optional>
+#include <utility>
 
 namespace
 {
@@ -30,7 +31,8 @@ class MapPainter
 {
 public:
     MapPainter(const QString& name, const MapPictureInput& input, const QString& language)
-        : m_input(input), m_words(language), m_captions(mapCaptions(m_words, name)),
+        : m_input(input), m_words(language),
+          m_captions(mapCaptions(m_words, name, input.positions)),
           m_pixels(mapPixels(input.results, input.valences, input.missing)),
           m_grid(std::make_shared<const MapGrid>(m_pixels)),
           m_ranges{boxes(input.valenceHistogram, input.valenceSettings),
@@ -136,6 +138,21 @@ constexpr std::array<Kind, 9> kinds{{
      [](const MapPainter& map) { return map.sigma(MapQuantity::Thickness); }, true},
 }};
 
+std::pair<const char*, const char*> axisTitles(PositionUnit unit)
+{
+    switch (unit) {
+    case PositionUnit::Pixels:
+        return {QT_TRANSLATE_NOOP("Output", "x (pixels)"),
+                QT_TRANSLATE_NOOP("Output", "y (pixels)")};
+    case PositionUnit::Micrometres:
+        return {QT_TRANSLATE_NOOP("Output", "x (µm)"), QT_TRANSLATE_NOOP("Output", "y (µm)")};
+    case PositionUnit::Stage:
+        break;
+    }
+    return {QT_TRANSLATE_NOOP("Output", "Position 1 (units of the stage)"),
+            QT_TRANSLATE_NOOP("Output", "Position 2 (units of the stage)")};
+}
+
 } // namespace
 
 QImage mapImage(MapPicture& picture, const MapCaptions& captions, GraphFrame& frame)
@@ -149,7 +166,7 @@ QImage mapImage(MapPicture& picture, const MapCaptions& captions, GraphFrame& fr
     return image;
 }
 
-MapCaptions mapCaptions(const OutputWords& words, const QString& title)
+MapCaptions mapCaptions(const OutputWords& words, const QString& title, PositionUnit unit)
 {
     MapCaptions captions;
     captions.title = title;
@@ -163,8 +180,9 @@ MapCaptions mapCaptions(const OutputWords& words, const QString& title)
     captions.hidden = words("covered by other pixels: %1");
     captions.reduced = words("a dot shows one of %1 x %2 pixels");
     captions.stretched = words("the axes have different scales");
-    captions.first = words("Position 1 (units of the stage)");
-    captions.second = words("Position 2 (units of the stage)");
+    const auto [first, second] = axisTitles(unit);
+    captions.first = words(first);
+    captions.second = words(second);
     captions.column = words("Column");
     captions.row = words("Row");
     captions.meaningless = words("valence means nothing: %1");

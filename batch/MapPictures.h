@@ -5,6 +5,7 @@
 #include "analysis/TargetResult.h"
 #include "batch/OutputWords.h"
 #include "batch/PictureFile.h"
+#include "batch/PositionUnit.h"
 #include "results/MapGrid.h"
 #include "results/MapLegend.h"
 #include "results/MapPicture.h"
@@ -25,6 +26,7 @@ struct MapPictureInput {
     bool hasThickness = true;               ///< false for the three-point method
     const MissingPixels* missing = nullptr; ///< of the results
     const MapSigmas* sigmas = nullptr;      ///< of the results, where they are known
+    PositionUnit positions = PositionUnit::Stage;
 };
 
 /// Paints the pictures of a map as NAME-valence.png, NAME-thickness.png,
@@ -48,7 +50,7 @@ PictureFiles drawMapPictures(const QString& folder, const QString& name,
 QImage mapImage(MapPicture& picture, const MapCaptions& captions, GraphFrame& frame);
 
 /// The words of a map's picture.
-MapCaptions mapCaptions(const OutputWords& words, const QString& title);
+MapCaptions mapCaptions(const OutputWords& words, const QString& title, PositionUnit unit);
 
 /// Where a map lies in its picture: "WIDTH HEIGHT px0 py0 px1 py1 rx0 ry0 rx1 ry1" of its
 /// coordinates. It stands in the PNG file under this key, for whoever shows what lies under the

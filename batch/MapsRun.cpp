@@ -168,7 +168,9 @@ void MapAnalysis::drawPictures()
                                 settings.valences,
                                 hasThickness(),
                                 &*m_missing,
-                                m_sigmas ? &*m_sigmas : nullptr};
+                                m_sigmas ? &*m_sigmas : nullptr,
+                                m_map.stack ? unitOfPixels(m_data.pixelWidth)
+                                            : PositionUnit::Stage};
     const PictureFiles pictures =
         drawMapPictures(mapFolder(m_job, m_map), m_map.name, input, languageName(m_job), m_workers);
     for (const QString& path : pictures.written)

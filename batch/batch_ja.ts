@@ -52,6 +52,22 @@
         <translation>位置 2 (ステージの単位)</translation>
     </message>
     <message>
+        <source>x (pixels)</source>
+        <translation>x (画素)</translation>
+    </message>
+    <message>
+        <source>y (pixels)</source>
+        <translation>y (画素)</translation>
+    </message>
+    <message>
+        <source>x (µm)</source>
+        <translation>x (µm)</translation>
+    </message>
+    <message>
+        <source>y (µm)</source>
+        <translation>y (µm)</translation>
+    </message>
+    <message>
         <source>Column</source>
         <translation>列</translation>
     </message>

@@ -416,11 +416,19 @@ void tst_Inspection::pictures_data()
     QTest::addColumn<bool>("hasSpectrum");
     QTest::addColumn<bool>("hasEdge");
     QTest::addColumn<bool>("hasImage");
-    QTest::newRow("spectrum") << QStringLiteral("drawn.txt") << true << true << false;
-    QTest::newRow("stack") << QStringLiteral("fxi.h5") << true << true << true;
-    QTest::newRow("pages") << QStringLiteral("pages.tif") << true << false << true;
-    QTest::newRow("index") << QStringLiteral("scan.dat") << true << true << true;
-    QTest::newRow("frames") << QStringLiteral("scan.his") << false << false << true;
+    QTest::addColumn<int>("unit");
+    QTest::newRow("spectrum") << QStringLiteral("drawn.txt") << true << true << false
+                              << int(PositionUnit::Stage);
+    QTest::newRow("stack") << QStringLiteral("fxi.h5") << true << true << true
+                           << int(PositionUnit::Pixels);
+    QTest::newRow("sizes") << QStringLiteral("mistral.hdf5") << true << true << true
+                           << int(PositionUnit::Micrometres);
+    QTest::newRow("pages") << QStringLiteral("pages.tif") << true << false << true
+                           << int(PositionUnit::Pixels);
+    QTest::newRow("index") << QStringLiteral("scan.dat") << true << true << true
+                           << int(PositionUnit::Pixels);
+    QTest::newRow("frames") << QStringLiteral("scan.his") << false << false << true
+                            << int(PositionUnit::Pixels);
 }
 
 /// The graph is 560 x 420 pixels, at the right, with the red line of the edge.
@@ -430,10 +438,12 @@ void tst_Inspection::pictures()
     QFETCH(bool, hasSpectrum);
     QFETCH(bool, hasEdge);
     QFETCH(bool, hasImage);
+    QFETCH(int, unit);
     create(file("drawn.txt"), "# energy xmu\n8313 1\n8381 1.1\n8390 2\n8404 2.1\n");
     const ToolkitWarnings warnings;
     const auto outcome = inspectFile(m_dir.filePath(name));
     QVERIFY(std::holds_alternative<Inspection>(outcome));
+    QCOMPARE(int(std::get<Inspection>(outcome).positions), unit);
     const QImage image = inspectionPicture(std::get<Inspection>(outcome));
     QCOMPARE(warnings.all(), QString());
     QVERIFY(!image.isNull());

@@ -104,6 +104,7 @@ private slots:
     void picturesStayWithoutDeviations();
     void picturesAreTheSameForAnyThreads();
     void aFolderThatCannotBeMadeIsTold();
+    void axesTellWhatPositionsCount();
     void readOutHasEachPixelOfASmallMap();
     void readOutOfALargeMapHasBlocks();
     void readOutSurvivesItsBytes();
@@ -361,6 +362,20 @@ void TestMapPictures::mapOfAJobHasItsPictures()
     for (const QString& path : outcome.files)
         QVERIFY2(QFileInfo(path).size() > 100, qPrintable(path));
     QCOMPARE(readOutFromBytes(outcome.readOut).has_value(), !output.contains("report = false"));
+}
+
+void TestMapPictures::axesTellWhatPositionsCount()
+{
+    const auto titles = [](const char* language, PositionUnit unit) {
+        const MapCaptions captions =
+            mapCaptions(OutputWords(QLatin1String(language)), QString(), unit);
+        return captions.first + QLatin1Char('|') + captions.second;
+    };
+    QCOMPARE(titles("en", PositionUnit::Stage),
+             QStringLiteral("Position 1 (units of the stage)|Position 2 (units of the stage)"));
+    QCOMPARE(titles("en", unitOfPixels(0.0)), QStringLiteral("x (pixels)|y (pixels)"));
+    QCOMPARE(titles("ja", unitOfPixels(0.0)), QStringLiteral("x (画素)|y (画素)"));
+    QCOMPARE(titles("ja", unitOfPixels(0.65)), QStringLiteral("x (µm)|y (µm)"));
 }
 
 QTEST_MAIN(TestMapPictures)
