@@ -138,15 +138,38 @@ void addEnergies(const std::vector<double>& energies, Inspection& inspection)
                                      : QStringLiteral("the energies rise and fall"));
 }
 
+/// The wider one of the steps to the energies beside one of a spectrum, eV.
+double stepsBeside(const SpectrumPoints& points, double energy)
+{
+    double below = -INFINITY;
+    double above = INFINITY;
+    for (const SpectrumPoint& point : points) {
+        if (point.energy < energy)
+            below = std::max(below, point.energy);
+        if (point.energy > energy)
+            above = std::min(above, point.energy);
+    }
+    return std::max(std::isfinite(below) ? energy - below : 0.0,
+                    std::isfinite(above) ? above - energy : 0.0);
+}
+
+QString edgeText(const SpectrumPoints& points, double edge)
+{
+    constexpr double widest = 10.0; // eV; an edge is about as wide
+    const QString text = QStringLiteral("%1 eV, where mu-t rises most").arg(energyText(edge));
+    const double step = stepsBeside(points, edge);
+    return step > widest
+               ? text + QStringLiteral("; a step of %1 eV is too wide to tell an edge").arg(step)
+               : text;
+}
+
 void addSpectrum(const SpectrumPoints& points, const QString& what, Inspection& inspection)
 {
     FittedSpectrum spectrum;
     spectrum.setPoints(points);
     inspection.add("mu-t", rangeText(spectrum.mutMin, spectrum.mutMax) + what);
     const auto edge = steepestRise(points);
-    inspection.add("edge",
-                   edge ? QStringLiteral("%1 eV, where mu-t rises most").arg(energyText(*edge))
-                        : QStringLiteral("not found"));
+    inspection.add("edge", edge ? edgeText(points, *edge) : QStringLiteral("not found"));
     Settings start;
     start.edge = edge.value_or(start.edge);
     const double limit = start.bounds().preEdgeEnd;

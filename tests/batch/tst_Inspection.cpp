@@ -297,10 +297,12 @@ void tst_Inspection::stacks()
     const auto [least, largest] = std::minmax_element(muts.begin() + 2 * n, muts.begin() + 3 * n);
     const auto six = [](double value) { return QString::number(value, 'g', 6); };
     const QString figures =
-        QStringLiteral("image: 8390 eV: mu-t %1 to %2, mean %3\n"
-                       "mu-t: %4 to %5, means of all pixels\n"
-                       "edge: 8381 eV, where mu-t rises most\n"
-                       "noise: not known: too few points 50 eV before an edge\n")
+        QStringLiteral(
+            "image: 8390 eV: mu-t %1 to %2, mean %3\n"
+            "mu-t: %4 to %5, means of all pixels\n"
+            "edge: 8381 eV, where mu-t rises most; a step of 68 eV is too wide to tell an "
+            "edge\n"
+            "noise: not known: too few points 50 eV before an edge\n")
             .arg(six(*least), six(*largest), six(means[2]),
                  six(*std::min_element(means.begin(), means.end())),
                  six(*std::max_element(means.begin(), means.end())));
