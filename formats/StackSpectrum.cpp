@@ -12,8 +12,8 @@ namespace
 
 /// That are in memory at once. A small region may be cut out of large frames, which the reader has
 /// to read in its time.
-constexpr std::size_t mostPixels = std::size_t{1} << 22;
-constexpr std::size_t mostFrames = 64;
+constexpr std::size_t mostPixelsRead = std::size_t{1} << 22;
+constexpr std::size_t mostFramesRead = 64;
 
 /// The mean of one frame.
 struct FrameMean {
@@ -22,7 +22,7 @@ struct FrameMean {
     std::size_t missing = 0; ///< pixels
 };
 
-FrameMean meanOf(const Frame& frame, std::size_t pixels, bool ownFlat)
+FrameMean frameMeanOf(const Frame& frame, std::size_t pixels, bool ownFlat)
 {
     const FrameSums sums = sumsOf(frame, pixels);
     constexpr double beyondCounting = std::numeric_limits<double>::infinity();
@@ -36,7 +36,7 @@ std::optional<FileFault> readMeans(Stack& stack, const Region& region, std::size
                                    std::vector<FrameMean>& means)
 {
     const std::size_t frames = stack.facts().energies.size();
-    const std::size_t atOnce = std::clamp<std::size_t>(mostPixels / pixels, 1, mostFrames);
+    const std::size_t atOnce = std::clamp<std::size_t>(mostPixelsRead / pixels, 1, mostFramesRead);
     FrameSet set;
     for (std::size_t first = 0; first < frames; first += atOnce) {
         std::vector<std::size_t> indices(std::min(atOnce, frames - first));
@@ -46,14 +46,14 @@ std::optional<FileFault> readMeans(Stack& stack, const Region& region, std::size
             return fault;
         const bool ownFlat = set.shared.flat.pixels == nullptr;
         for (const Frame& frame : set.frames)
-            means.push_back(meanOf(frame, pixels, ownFlat));
+            means.push_back(frameMeanOf(frame, pixels, ownFlat));
     }
     return std::nullopt;
 }
 
 /// One point of the frames at one energy, of which some have a mean. The variance of a mean of n
 /// logarithms is the sum of theirs over n^2: that of n^2 over the sum of 1/counts.
-class Point
+class EnergyPoint
 {
 public:
     void add(const FrameMean& mean)
@@ -96,7 +96,7 @@ std::size_t takePoints(const StackFacts& facts, const std::vector<FrameMean>& me
     std::size_t none = 0;
     for (std::size_t i = 0; i < order.size();) {
         const double energy = energies[order[i]];
-        Point point;
+        EnergyPoint point;
         for (; i < order.size() && energies[order[i]] == energy; ++i)
             if (std::isfinite(means[order[i]].mut))
                 point.add(means[order[i]]);
@@ -126,7 +126,7 @@ void tiltEnergies(const EnergyTilt& tilt, const Region& region, StackSpectrum& s
                                  .arg(blur, 0, 'g', 3);
 }
 
-std::size_t pixelsOf(const Region& region)
+std::size_t pixelsIn(const Region& region)
 {
     return static_cast<std::size_t>(region.width) * static_cast<std::size_t>(region.height);
 }
@@ -140,7 +140,7 @@ std::optional<FileFault> stackSpectrum(Stack& stack, const QString& path, const 
     const auto within = regionWithin(facts, region);
     if (!within)
         return FileFault{path, 0, outsideText(facts)};
-    const std::size_t pixels = pixelsOf(*within);
+    const std::size_t pixels = pixelsIn(*within);
     std::vector<FrameMean> means;
     if (auto fault = readMeans(stack, *within, pixels, means))
         return fault;
