@@ -143,10 +143,20 @@ QByteArray text(double x, double y, const char* anchor, const QByteArray& words)
            "\">" + words + "</text>\n";
 }
 
-QByteArray axes(const Trend& trend, const Range& range, std::size_t count, const OutputWords& words)
+/// By how much the title of the first axis gives way to numbers of more than four characters.
+double roomForNumbers(const AxisMarks& marks)
+{
+    constexpr double widthOfDigit = 8.5;
+    int longest = 4;
+    for (const QString& number : marks.texts)
+        longest = std::max(longest, static_cast<int>(number.size()));
+    return widthOfDigit * (longest - 4);
+}
+
+QByteArray axes(const Trend& trend, const AxisMarks& y, const Range& range, std::size_t count,
+                const OutputWords& words)
 {
     QByteArray svg;
-    const AxisMarks y = axisMarks(range.low, range.high, yMarks);
     for (std::size_t i = 0; i < y.values.size(); ++i) {
         const double at = range.y(y.values[i]);
         svg += R"(<path class="grid" d="M)" + coordinate(left) + ' ' + coordinate(at) + 'H' +
@@ -162,8 +172,9 @@ QByteArray axes(const Trend& trend, const Range& range, std::size_t count, const
         svg += text(trend.x(0.0), bottom + 18.0, "middle", "1");
     svg += text((left + right) / 2.0, bottom + 38.0, "middle",
                 htmlText(words("number of the target")));
-    svg += "<text transform=\"translate(14 " + coordinate((top + bottom) / 2.0) +
-           ") rotate(-90)\" text-anchor=\"middle\">" + htmlText(words("Valence")) + "</text>\n";
+    svg += "<text transform=\"translate(" + coordinate(14.0 - roomForNumbers(y)) + ' ' +
+           coordinate((top + bottom) / 2.0) + ") rotate(-90)\" text-anchor=\"middle\">" +
+           htmlText(words("Valence")) + "</text>\n";
     svg += R"(<path class="frame" d="M)" + coordinate(left) + ' ' + coordinate(top) + 'V' +
            coordinate(bottom) + 'H' + coordinate(right) + "\"/>\n";
     return svg;
@@ -188,11 +199,13 @@ QByteArray trendFigure(const std::vector<ReportTargets::Point>& points, const Ou
     Trend trend(points, range);
     const QByteArray dots = trend.path(&ReportTargets::Point::valence, false);
     const QByteArray crosses = trend.path(&ReportTargets::Point::lcfValence, !trend.hasStrokes());
-    QByteArray html = "<figure class=\"trend\">\n<div class=\"wide\" tabindex=\"0\"><svg "
-                      "viewBox=\"0 0 800 316\" role=\"img\" "
-                      "aria-label=\"" +
-                      htmlText(words("Valence of each target, in the order of the job")) + "\">\n";
-    html += axes(trend, range, points.size(), words);
+    const AxisMarks marks = axisMarks(range.low, range.high, yMarks);
+    const double room = roomForNumbers(marks);
+    QByteArray html =
+        "<figure class=\"trend\">\n<div class=\"wide\" tabindex=\"0\"><svg viewBox=\"" +
+        coordinate(-room) + " 0 " + coordinate(800.0 + room) + " 316\" role=\"img\" aria-label=\"" +
+        htmlText(words("Valence of each target, in the order of the job")) + "\">\n";
+    html += axes(trend, marks, range, points.size(), words);
     const QByteArray fitBars =
         trend.bars(&ReportTargets::Point::lcfValence, &ReportTargets::Point::lcfSigma);
     const QByteArray bars =

@@ -85,6 +85,7 @@ private slots:
     void eachValenceSaysHowSureItIs();
     void closureThatFailsStandsAtTheTop_data();
     void closureThatFailsStandsAtTheTop();
+    void titleOfTheTrendIsBesideItsNumbers();
     void barsReachOneDeviation();
     void whatCountingDoesNotSee();
     void aPictureThatIsMissingIsNamed();
@@ -185,6 +186,7 @@ void TestReport::trendHasAMarkForEachValue()
     // Of three places between 56 and 776 the middles of the first and the last; 2 and 3 lie a
     // twentieth of the height from the ends, as the scale goes from 1.95 to 3.05.
     QVERIFY2(page.contains("d=\"M176 258.27V258.27M656 23.73V23.73\""), page);
+    QVERIFY(page.contains("<svg viewBox=\"0 0 800 316\"") && page.contains("translate(14 141)"));
 }
 
 void TestReport::valuesFarOffAreCounted()
@@ -303,6 +305,15 @@ void TestReport::closureThatFailsStandsAtTheTop()
     const QByteArray top = page.left(page.indexOf("<main>"));
     QCOMPARE(top.contains("<strong>The valences are doubtful.</strong> Closure: with Ref 1"),
              alarm);
+}
+
+/// A number of five characters moves the title by the width of a digit.
+void TestReport::titleOfTheTrendIsBesideItsNumbers()
+{
+    const QByteArray page = reportPage(facts({row("a", "2.65")}));
+    QVERIFY2(page.contains(">2.650</text>"), page);
+    QVERIFY(page.contains("<svg viewBox=\"-8.5 0 808.5 316\""));
+    QVERIFY(page.contains("<text transform=\"translate(5.5 141) rotate(-90)\""));
 }
 
 /// The scale goes from 1.95 to 3.05, from 270 to 12.
