@@ -3,6 +3,7 @@
 #include "app/FourPs.h"
 #include "display/DispABase.h"
 
+#include <QLineEdit>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -14,6 +15,7 @@ class tst_HostileTexts : public QObject
 private slots:
     void everyField_data();
     void everyField();
+    void longTextKeyByKey();
 };
 
 void tst_HostileTexts::everyField_data()
@@ -56,6 +58,21 @@ void tst_HostileTexts::everyField()
         ++fields;
     }
     QVERIFY(fields > 45);
+}
+
+/// A session types what is long at once, since a field lays its text out again with every key.
+void tst_HostileTexts::longTextKeyByKey()
+{
+    const QTemporaryDir folder;
+    PanelSession session(5, folder.path(), false);
+    auto* edge = session.panel().findChild<QLineEdit*>(QStringLiteral("EdgeE"));
+    const QString text(3000, QLatin1Char('7'));
+    edge->setFocus();
+    edge->selectAll();
+    QTest::keyClicks(edge, text);
+    QTest::keyClick(edge, Qt::Key_Return);
+    QCOMPARE(edge->text(), text);
+    QVERIFY2(session.push(QStringLiteral("CalcTargetB")), qPrintable(session.report()));
 }
 
 QTEST_MAIN(tst_HostileTexts)
