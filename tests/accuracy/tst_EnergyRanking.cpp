@@ -86,21 +86,67 @@ struct LiteralTarget {
         return {energy, ref1(energy), ref2(energy), targetMut - blank(energy)};
     }
 
-    /// Result of a choice whose target shows what `shown` says.
+    /// The points of a choice, the V point last, of a target that shows what `shown` says.
+    template <class Shown>
+    std::vector<formulas::Point> points(const RankedChoice& choice, const Shown& shown) const
+    {
+        std::vector<formulas::Point> points;
+        for (const double energy : choice.points)
+            points.push_back(point(energy, shown(energy)));
+        points.push_back(point(choice.vPoint, shown(choice.vPoint)));
+        return points;
+    }
+
+    /// @param points  as points() gives them
+    static formulas::Result result(std::vector<formulas::Point> points)
+    {
+        const formulas::Point vPoint = points.back();
+        points.pop_back();
+        double sum1 = 0.0;
+        double sum2 = 0.0;
+        for (const formulas::Point& point : points) {
+            sum1 += point.r1;
+            sum2 += point.r2;
+        }
+        return formulas::fourPoint(formulas::exactScale(points), sum1 / sum2, vPoint);
+    }
+
     template <class Shown>
     formulas::Result result(const RankedChoice& choice, const Shown& shown) const
     {
-        std::vector<formulas::Point> points;
-        double sum1 = 0.0;
-        double sum2 = 0.0;
-        for (const double energy : choice.points) {
-            points.push_back(point(energy, shown(energy)));
-            sum1 += points.back().r1;
-            sum2 += points.back().r2;
-        }
-        return formulas::fourPoint(formulas::exactScale(points), sum1 / sum2,
-                                   point(choice.vPoint, shown(choice.vPoint)));
+        return result(points(choice, shown));
     }
+};
+
+/// A target whose absorption is counted, at the points of a choice: a million photons before it.
+class CountedTarget
+{
+public:
+    CountedTarget(const LiteralTarget& target, const RankedChoice& choice)
+        : m_points(target.points(choice, [&](double energy) { return target.mut(energy); }))
+    {
+        for (const formulas::Point& point : m_points) {
+            m_blank.push_back(target.blank(point.e));
+            m_passed.push_back(1e6 * std::exp(-target.mut(point.e)));
+        }
+    }
+
+    /// The points with what one count shows.
+    std::vector<formulas::Point> draw(NormalNoise& random) const
+    {
+        std::vector<formulas::Point> points = m_points;
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            const double incident = 1e6 + 1e3 * random.next();
+            const double transmitted = m_passed[i] + std::sqrt(m_passed[i]) * random.next();
+            points[i].t = std::log(incident / transmitted) - m_blank[i];
+        }
+        return points;
+    }
+
+private:
+    std::vector<formulas::Point> m_points;
+    std::vector<double> m_blank;
+    std::vector<double> m_passed; ///< behind the sample, without noise
 };
 
 } // namespace
@@ -202,15 +248,10 @@ void tst_EnergyRanking::deviationsAreThoseOfManyDraws()
         const RankedChoice& choice = ranked[place];
         for (const int part : {0, 1, 2}) {
             const LiteralTarget target{m_smooth, 0.5 * part};
-            const auto counted = [&](double energy) {
-                const double expected = 1e6 * std::exp(-target.mut(energy));
-                const double incident = 1e6 + 1e3 * random.next();
-                const double transmitted = expected + std::sqrt(expected) * random.next();
-                return std::log(incident / transmitted);
-            };
+            const CountedTarget counted(target, choice);
             double sum = 0.0, squares = 0.0, sumT = 0.0, squaresT = 0.0;
             for (int i = 0; i < draws; ++i) {
-                const formulas::Result found = target.result(choice, counted);
+                const formulas::Result found = LiteralTarget::result(counted.draw(random));
                 sum += found.a;
                 squares += found.a * found.a;
                 sumT += found.thickness;
