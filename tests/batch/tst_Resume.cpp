@@ -64,6 +64,14 @@ QByteArray tst_Resume::undisturbed() const
     return m_folder->results();
 }
 
+// So many that a run of one thread is still at work when its first line has been read; under the
+// sanitizers each takes ten times as long.
+#ifdef __SANITIZE_ADDRESS__
+constexpr int manyTargets = 400;
+#else
+constexpr int manyTargets = 1500;
+#endif
+
 const QStringList all{QStringLiteral("scans/10.dat"), QStringLiteral("scans/35.dat"),
                       QStringLiteral("scans/80.dat")};
 
@@ -203,7 +211,8 @@ void tst_Resume::stopped_data()
 void tst_Resume::stopped()
 {
     QFETCH(int, signal);
-    m_folder->addTargets(1500);
+    const int targets = manyTargets + all.size();
+    m_folder->addTargets(manyTargets);
     QProcess process;
     process.setProcessChannelMode(QProcess::SeparateChannels);
     m_folder->start(process, {QStringLiteral("--verbose"), QStringLiteral("--jobs"),
@@ -215,13 +224,14 @@ void tst_Resume::stopped()
     QCOMPARE(output.status, 128 + signal);
     const QStringList lines = output.errors.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     const int done = lines.filter(QStringLiteral(": calculated in ")).size();
-    QVERIFY(done > 0 && done < 1503);
-    QCOMPARE(lines.last(), QStringLiteral("Stopped: %1 of 1503 targets are left; the same command "
+    QVERIFY(done > 0 && done < targets);
+    QCOMPARE(lines.last(), QStringLiteral("Stopped: %1 of %2 targets are left; the same command "
                                           "goes on with them.")
-                               .arg(1503 - done));
+                               .arg(targets - done)
+                               .arg(targets));
     QVERIFY(!QFile::exists(file("results/results.csv")));
     // Each target that was told of is kept.
-    QCOMPARE(calculated().size(), 1503 - done);
+    QCOMPARE(calculated().size(), targets - done);
     const QByteArray found = m_folder->results();
     QCOMPARE(found, undisturbed());
 }
