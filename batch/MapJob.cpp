@@ -38,7 +38,7 @@ std::optional<std::vector<MapJob>> mapList(const Job& job, JobError& error)
     for (const JobMap& given : job.maps) {
         maps.push_back({given.name, given.place, imagesOf(given, job), given.stack});
         const std::vector<JobFilePath>& images = maps.back().images;
-        if (given.stack && images.empty()) {
+        if (given.stack && !isStackThere(given.stack->source)) {
             error = {given.stack->place,
                      QStringLiteral("there is no file %1").arg(given.stack->source.path)};
             return std::nullopt;
@@ -60,7 +60,7 @@ std::vector<MapJob> presentMaps(const Job& job)
     std::vector<MapJob> maps;
     for (const JobMap& given : job.maps) {
         const MapJob map{given.name, given.place, imagesOf(given, job), given.stack};
-        if (given.stack && map.images.empty())
+        if (given.stack && !isStackThere(given.stack->source))
             continue;
         if (std::all_of(map.images.begin(), map.images.end(), [](const JobFilePath& image) {
                 return image.path.isEmpty() || QFileInfo(image.path).isFile();

@@ -77,8 +77,7 @@ std::optional<std::vector<TargetJob>> targetJobs(const Job& job, JobError& error
         }
     std::vector<TargetJob> regions = regionJobs(job);
     for (const TargetJob& target : regions)
-        if (target.files().isEmpty()) {
-            const JobStack& stack = target.region->stack;
+        if (const JobStack& stack = target.region->stack; !isStackThere(stack.source)) {
             error = {stack.place, QStringLiteral("there is no file %1").arg(stack.source.path)};
             return std::nullopt;
         }
@@ -94,12 +93,11 @@ std::vector<TargetJob> presentTargetJobs(const Job& job)
         return targets;
     std::vector<TargetJob> regions = regionJobs(job);
     append(std::move(regions), targets);
-    targets.erase(std::remove_if(targets.begin(), targets.end(),
-                                 [&](const TargetJob& target) {
-                                     return target.region ? target.files().isEmpty()
-                                                          : names.contains(targetName(job, target));
-                                 }),
-                  targets.end());
+    const auto isOut = [&](const TargetJob& target) {
+        return target.region ? !isStackThere(target.region->stack.source)
+                             : names.contains(targetName(job, target));
+    };
+    targets.erase(std::remove_if(targets.begin(), targets.end(), isOut), targets.end());
     return targets;
 }
 

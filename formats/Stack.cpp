@@ -45,6 +45,24 @@ std::unique_ptr<Stack> openKind(const StackSource& source, FileFault& fault)
     return nullptr;
 }
 
+/// A name in a pattern of which it is a part.
+QString literally(const QString& name)
+{
+    QString pattern;
+    for (const QChar c : name)
+        pattern += QStringLiteral("*?[").contains(c) ? QStringLiteral("[%1]").arg(c) : QString(c);
+    return pattern;
+}
+
+/// Whether the images are those of TIFF files; a name of no file is a pattern of such.
+bool isTiff(const StackSource& source)
+{
+    if (!source.kind.isEmpty())
+        return source.kind == QLatin1String("tiff");
+    const auto file = InputFile::open(source.path);
+    return !file || fileKindOf(*file) == FileKind::Tiff;
+}
+
 } // namespace
 
 QStringList stackFiles(const StackSource& source)
@@ -55,12 +73,24 @@ QStringList stackFiles(const StackSource& source)
         if (path.isEmpty())
             continue;
         const QFileInfo info(path);
-        const QString frames = info.fileName() + QStringLiteral("_*.img");
-        for (const QString& name : info.dir().entryList({info.fileName(), frames}, QDir::Files))
-            files += info.dir().filePath(name);
+        const QString name = info.fileName();
+        if (info.isFile())
+            files += path;
+        const QStringList patterns{info.isFile() ? literally(name) : name,
+                                   literally(name) + QStringLiteral("_*.img")};
+        for (const QString& found : info.dir().entryList(patterns, QDir::Files))
+            files += info.dir().filePath(found);
     }
+    if (!files.isEmpty() && isTiff(source))
+        files += tiffFilesBeside(source);
     files.removeDuplicates();
     return files;
+}
+
+bool isStackThere(const StackSource& source)
+{
+    const QFileInfo info(source.path);
+    return info.isFile() || !info.dir().entryList({info.fileName()}, QDir::Files).isEmpty();
 }
 
 std::unique_ptr<Stack> openStack(const StackSource& source, FileFault& fault)

@@ -96,6 +96,9 @@ protected:
 /// index, energies, flat, dark and reference.
 QStringList stackFiles(const StackSource& source);
 
+/// Whether there is the file of a stack, or one that its pattern matches.
+bool isStackThere(const StackSource& source);
+
 /// Opens a stack; what it is is found out, its pixels are not read.
 /// @param fault  why there is none, where nothing comes back
 std::unique_ptr<Stack> openStack(const StackSource& source, FileFault& fault);

@@ -97,6 +97,15 @@ bool namedEnergies(const QString& path, QStringList& files, std::vector<double>&
     return !files.isEmpty();
 }
 
+/// The text that the source names, or that beside the images.
+QString energyFileOf(const StackSource& source)
+{
+    const QFileInfo info(source.path);
+    return source.energies.isEmpty()
+               ? info.dir().filePath(info.completeBaseName() + QStringLiteral(".txt"))
+               : source.energies;
+}
+
 class TiffStack : public Stack
 {
 public:
@@ -161,10 +170,7 @@ std::optional<FileFault> TiffStack::describe(const QStringList& files, Pages& pa
 
 std::optional<FileFault> TiffStack::readEnergies(const StackSource& source, QStringList& files)
 {
-    const QFileInfo info(source.path);
-    QString path = source.energies;
-    if (path.isEmpty())
-        path = info.dir().filePath(info.completeBaseName() + QStringLiteral(".txt"));
+    const QString path = energyFileOf(source);
     const auto text = InputFile::open(path);
     if (!text)
         return FileFault{
@@ -316,6 +322,18 @@ std::optional<FileFault> TiffStack::read(const std::vector<std::size_t>& indices
 }
 
 } // namespace
+
+QStringList tiffFilesBeside(const StackSource& source)
+{
+    QStringList files;
+    std::vector<double> energies;
+    namedEnergies(energyFileOf(source), files, energies);
+    files.prepend(energyFileOf(source));
+    files.erase(std::remove_if(files.begin(), files.end(),
+                               [](const QString& path) { return !QFileInfo(path).isFile(); }),
+                files.end());
+    return files;
+}
 
 std::unique_ptr<Stack> openTiffStack(const StackSource& source, FileFault& fault)
 {

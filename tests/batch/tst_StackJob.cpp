@@ -275,15 +275,20 @@ void tst_StackJob::pointOutsideIsRefused()
         QStringLiteral("fxi.h5: 8313 eV is outside of the stack, which has 8323 to 8414.5 eV"));
 }
 
+/// The text of its energies, which is there, is no stack.
 void tst_StackJob::missingStack()
 {
-    const Job job = jobOf(
-        "[[map]]\nname = \"m\"\nstack = \"none.h5\"\n" + points + files + conditions, m_dir.path());
-    JobError error;
-    QVERIFY(!mapList(job, error));
-    QCOMPARE(errorText(QStringLiteral("job"), error),
-             QStringLiteral("job:3:9: map.stack: there is no file ") +
-                 m_dir.filePath(QStringLiteral("none.h5")));
+    for (const QByteArray& keys : {QByteArray(), QByteArray("energies = \"pages.txt\"\n")}) {
+        const Job job = jobOf("[[map]]\nname = \"m\"\nstack = \"none.h5\"\n" + keys + points +
+                                  files + conditions,
+                              m_dir.path());
+        JobError error;
+        QVERIFY(!mapList(job, error));
+        QCOMPARE(errorText(QStringLiteral("job"), error),
+                 QStringLiteral("job:3:9: map.stack: there is no file ") +
+                     m_dir.filePath(QStringLiteral("none.h5")));
+        QVERIFY(presentMaps(job).empty());
+    }
 }
 
 /// While files are still coming.

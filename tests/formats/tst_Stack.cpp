@@ -40,6 +40,7 @@ private slots:
     void darkLevel();
     void repeatsAreAveraged();
     void namedFiles();
+    void filesOfAStack();
     void onlyNeededFramesAreRead();
     void refused_data();
     void refused();
@@ -558,6 +559,51 @@ void tst_Stack::namedFiles()
     stack = opened(source);
     const auto counted = mapsOf(*stack, {8381});
     QVERIFY(near(counted[0].mut[7], -std::log(truth.counts[truth.pixels() + 7]), 1e-12));
+}
+
+/// Frames of an index, the energies beside images, the images that they name, and names that look
+/// like patterns.
+void tst_Stack::filesOfAStack()
+{
+    const QTemporaryDir dir;
+    const auto filesOf = [&dir](const char* path, const char* energies = "",
+                                const char* kind = "") {
+        StackSource source;
+        source.path = dir.filePath(QLatin1String(path));
+        source.kind = QLatin1String(kind);
+        if (*energies != '\0')
+            source.energies = dir.filePath(QLatin1String(energies));
+        QStringList names;
+        for (const QString& file : stackFiles(source))
+            names += QDir(dir.path()).relativeFilePath(file);
+        return names.join(QLatin1Char(' '));
+    };
+    CountedStack one = counted();
+    one.energies.resize(1);
+    one.counts.resize(one.pixels());
+    one.flats.resize(one.pixels());
+    QVERIFY(writeTiffStack(dir.filePath(QStringLiteral("a.tif")), one));
+    QVERIFY(writeTiffStack(dir.filePath(QStringLiteral("b.tif")), one));
+    for (const char* const name :
+         {"scan.dat", "scan.dat_000.img", "scan.dat_001.img", "scan.txt", "odd[1].h5", "odd1.h5"})
+        create(dir.filePath(QLatin1String(name)), name);
+    create(dir.filePath(QStringLiteral("list.txt")), "8300 b.tif\n8400 none.tif\n");
+    QCOMPARE(filesOf("scan.dat"), QStringLiteral("scan.dat scan.dat_000.img scan.dat_001.img"));
+    QCOMPARE(filesOf("odd[1].h5"), QStringLiteral("odd[1].h5"));
+    QCOMPARE(filesOf("a.tif"), QStringLiteral("a.tif a.txt"));
+    QCOMPARE(filesOf("a.tif", "list.txt"), QStringLiteral("a.tif list.txt b.tif"));
+    QCOMPARE(filesOf("?.tif", "list.txt"), QStringLiteral("a.tif b.tif list.txt"));
+    QCOMPARE(filesOf("a.tif", "", "exchange"), QStringLiteral("a.tif"));
+    QCOMPARE(filesOf("none.tif", "a.txt"), QStringLiteral("a.txt"));
+    QCOMPARE(filesOf("none*.tif"), QString());
+    const auto isThere = [&dir](const char* path) {
+        StackSource source;
+        source.path = dir.filePath(QLatin1String(path));
+        source.energies = dir.filePath(QStringLiteral("list.txt"));
+        return isStackThere(source);
+    };
+    QVERIFY(isThere("?.tif") && isThere("odd[1].h5"));
+    QVERIFY(!isThere("none.tif") && !isThere("none*.tif"));
 }
 
 /// Chunks of other frames are not looked at: they may be damaged.
