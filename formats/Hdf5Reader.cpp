@@ -127,19 +127,24 @@ void ImageReader::readBand(const std::vector<hsize_t>& indices, hsize_t first, h
     const hsize_t images = indices.size();
     const Hdf5Id space(H5Dget_space(m_set.id.get()), H5Sclose);
     H5S_seloper_t how = H5S_SELECT_SET;
-    for (const hsize_t index : indices) {
-        std::array<hsize_t, 3> start{first, m_region[0], index};
-        std::array<hsize_t, 3> count{rows, m_region[2], 1};
-        if (m_dimension == 0) {
-            start = {index, first, m_region[0]};
-            count = {1, rows, m_region[2]};
-        }
+    // Neighbours are one block.
+    const bool block = indices.back() - indices.front() + 1 == images;
+    const hsize_t atOnce = block ? images : 1;
+    std::array<hsize_t, 3> count{rows, m_region[2], atOnce};
+    if (m_dimension == 0)
+        count = {atOnce, rows, m_region[2]};
+    for (hsize_t k = 0; k < images; k += atOnce) {
+        std::array<hsize_t, 3> start{first, m_region[0], indices[k]};
+        if (m_dimension == 0)
+            start = {indices[k], first, m_region[0]};
         if (H5Sselect_hyperslab(space.get(), how, start.data(), nullptr, count.data(), nullptr) < 0)
             throw StackFault(m_set.path + " cannot be read");
         how = H5S_SELECT_OR;
     }
     const hsize_t total = images * rows * m_region[2];
-    const Hdf5Id memory(H5Screate_simple(1, &total, nullptr), H5Sclose);
+    // Where memory has the shape of the block, the library takes whole rows; else single pixels.
+    const int rank = block ? static_cast<int>(m_set.size.size()) : 1;
+    const Hdf5Id memory(H5Screate_simple(rank, block ? count.data() : &total, nullptr), H5Sclose);
     std::vector<char> band;
     const bool straight = m_dimension <= 0 && (m_dimension == 0 || images == 1);
     if (!straight)
