@@ -1,5 +1,7 @@
 #include "batch/Digest.h"
+#include "batch/FileDigests.h"
 #include "batch/SourceFile.h"
+#include "system/Workers.h"
 #include "tests/support/ArrayBytes.h"
 #include "tests/support/Files.h"
 
@@ -20,6 +22,8 @@ private slots:
     void sourceKeepsTheBytesItRead();
     void largeSourceTellsThatItChanged();
     void whyThereIsNoSource();
+    void sharedFilesAreReadOnce();
+    void sharedFilesOfManyThreads();
 };
 
 void tst_Digest::known_data()
@@ -124,6 +128,43 @@ void tst_Digest::whyThereIsNoSource()
     QCOMPARE(why, QStringLiteral("there is no such file"));
     QVERIFY(!SourceFile::open(QStringLiteral("/"), why));
     QCOMPARE(why, QStringLiteral("it is a folder"));
+}
+
+/// A change is told from the state of a file: the same state is the same digest, whatever is in it.
+void tst_Digest::sharedFilesAreReadOnce()
+{
+    const QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("stack.h5"));
+    FileDigests digests;
+    QVERIFY(!digests.of(path));
+    create(path, "abc");
+    QVERIFY(!digests.isStill(path));
+    QVERIFY(digests.of(path) == digestOf("abc"));
+    QVERIFY(digests.isStill(path));
+    QVERIFY(digests.of(path) == digestOf("abc"));
+    create(path, "abcd");
+    QVERIFY(!digests.isStill(path));
+    QVERIFY(digests.of(path) == digestOf("abcd"));
+    QVERIFY(digests.isStill(path));
+    QVERIFY(QFile::remove(path));
+    QVERIFY(!digests.isStill(path));
+    QVERIFY(!digests.of(path));
+    QVERIFY(digests.isStill(path)); // it is as it was: not there
+}
+
+void tst_Digest::sharedFilesOfManyThreads()
+{
+    const QTemporaryDir dir;
+    const QString paths[] = {dir.filePath(QStringLiteral("a")), dir.filePath(QStringLiteral("b"))};
+    create(paths[0], QByteArray(1000000, 'a'));
+    create(paths[1], "abc");
+    FileDigests digests;
+    Workers workers(8);
+    std::array<std::optional<Digest>, 64> found;
+    workers.run(found.size(),
+                [&](std::size_t i, unsigned) { found[i] = digests.of(paths[i % 2]); });
+    for (std::size_t i = 0; i < found.size(); ++i)
+        QVERIFY(found[i] == digestOf(i % 2 == 0 ? QByteArray(1000000, 'a') : QByteArray("abc")));
 }
 
 QTEST_GUILESS_MAIN(tst_Digest)
