@@ -101,6 +101,8 @@ public:
 private:
     void readBand(const std::vector<hsize_t>& indices, hsize_t first, hsize_t rows,
                   hid_t memoryType, std::size_t pixelBytes, char* to) const;
+    Hdf5Id select(hid_t space, const std::vector<hsize_t>& indices, hsize_t first,
+                  hsize_t rows) const;
     hsize_t bandRows(std::size_t images) const;
     /// The first dimension of an image's rows.
     std::size_t rowDimension() const { return m_dimension == 0 ? 1 : 0; }
@@ -121,11 +123,12 @@ hsize_t ImageReader::bandRows(std::size_t images) const
     return std::max(rows / chunkRows, hsize_t{1}) * chunkRows;
 }
 
-void ImageReader::readBand(const std::vector<hsize_t>& indices, hsize_t first, hsize_t rows,
-                           hid_t memoryType, std::size_t pixelBytes, char* to) const
+/// Selects rows of some images.
+/// @return the memory that they are read into, of the same order
+Hdf5Id ImageReader::select(hid_t space, const std::vector<hsize_t>& indices, hsize_t first,
+                           hsize_t rows) const
 {
     const hsize_t images = indices.size();
-    const Hdf5Id space(H5Dget_space(m_set.id.get()), H5Sclose);
     H5S_seloper_t how = H5S_SELECT_SET;
     // Neighbours are one block.
     const bool block = indices.back() - indices.front() + 1 == images;
@@ -137,18 +140,26 @@ void ImageReader::readBand(const std::vector<hsize_t>& indices, hsize_t first, h
         std::array<hsize_t, 3> start{first, m_region[0], indices[k]};
         if (m_dimension == 0)
             start = {indices[k], first, m_region[0]};
-        if (H5Sselect_hyperslab(space.get(), how, start.data(), nullptr, count.data(), nullptr) < 0)
+        if (H5Sselect_hyperslab(space, how, start.data(), nullptr, count.data(), nullptr) < 0)
             throw StackFault(m_set.path + " cannot be read");
         how = H5S_SELECT_OR;
     }
     const hsize_t total = images * rows * m_region[2];
     // Where memory has the shape of the block, the library takes whole rows; else single pixels.
     const int rank = block ? static_cast<int>(m_set.size.size()) : 1;
-    const Hdf5Id memory(H5Screate_simple(rank, block ? count.data() : &total, nullptr), H5Sclose);
+    return {H5Screate_simple(rank, block ? count.data() : &total, nullptr), H5Sclose};
+}
+
+void ImageReader::readBand(const std::vector<hsize_t>& indices, hsize_t first, hsize_t rows,
+                           hid_t memoryType, std::size_t pixelBytes, char* to) const
+{
+    const hsize_t images = indices.size();
+    const Hdf5Id space(H5Dget_space(m_set.id.get()), H5Sclose);
+    const Hdf5Id memory = select(space.get(), indices, first, rows);
     std::vector<char> band;
     const bool straight = m_dimension <= 0 && (m_dimension == 0 || images == 1);
     if (!straight)
-        band.resize(total * pixelBytes);
+        band.resize(images * rows * m_region[2] * pixelBytes);
     char* const place = straight ? to : band.data();
     if (H5Dread(m_set.id.get(), memoryType, memory.get(), space.get(), H5P_DEFAULT, place) < 0)
         throw StackFault(m_set.path + " cannot be read");

@@ -705,7 +705,7 @@ double literalMean(const CountedStack& stack, std::size_t frame, const Region& r
     double transmitted = 0.0;
     for (int y = region.y; y < region.y + region.height; ++y)
         for (int x = region.x; x < region.x + region.width; ++x) {
-            const std::size_t i = static_cast<std::size_t>(y * stack.columns + x);
+            const auto i = static_cast<std::size_t>(y * stack.columns + x);
             double flat = 0.0;
             for (std::size_t k = 0; k < flats; ++k)
                 flat += stack.flats[k * stack.pixels() + i] / static_cast<double>(flats);
@@ -866,7 +866,7 @@ void tst_Stack::meanOfManyFrames()
     for (std::size_t k = 0; k < 70; ++k) {
         QVERIFY(near(found.points[k].mut, literalMean(stack, k, region, own ? 0 : 2), 1e-12));
         double counts = 0.0;
-        for (const std::size_t i : {6, 7, 8, 11, 12, 13})
+        for (const std::size_t i : {6U, 7U, 8U, 11U, 12U, 13U})
             counts += stack.counts[k * stack.pixels() + i] - 100.0;
         QVERIFY(near(found.readings[k].transmitted, counts, 1e-6));
         // The noise of a flat that all share moves all points alike.
