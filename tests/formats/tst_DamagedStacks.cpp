@@ -2,6 +2,7 @@
 #include "examples/StackFiles.h"
 #include "formats/StackMaps.h"
 #include "formats/StackProcess.h"
+#include "formats/StackSpectrum.h"
 #include "tests/support/Files.h"
 
 #include <QDir>
@@ -298,6 +299,11 @@ QString faultOf(const StackSource& source, Counts& counts)
     std::vector<MapData> maps;
     const std::vector<double>& energies = stack->facts().energies;
     const auto wrong = stackMaps(*stack, source.path, {energies[energies.size() / 2]}, {}, maps);
+    counts.longest = std::max(counts.longest, timer.restart());
+    StackSpectrum spectrum; // of all frames
+    if (!stackSpectrum(*stack, source.path, {}, {}, spectrum) &&
+        (spectrum.points.size() < 2 || spectrum.points.size() > energies.size()))
+        qFatal("a spectrum of %zu points", spectrum.points.size());
     return tell(wrong ? *wrong : FileFault());
 }
 
