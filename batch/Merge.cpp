@@ -18,7 +18,7 @@ class Merge
 {
 public:
     Merge(const PreparedJob& prepared, RunRecord& record)
-        : m_prepared(prepared), m_record(record), m_regions(regionJobs(prepared.job)),
+        : m_prepared(prepared), m_record(record), m_regions(regionsByName(prepared.job)),
           m_targets(keyOfTargets(prepared.settings, prepared.common)),
           m_maps(keyOfMaps(prepared.text, prepared.common))
     {
@@ -33,13 +33,17 @@ private:
     void takeRows(RunRecord& shard, std::int64_t run);
     bool isOurs(RowKind kind, const RecordedRow& row) const;
     bool isOurTarget(const RecordedRow& row) const;
-    const TargetJob* regionOf(const RecordedRow& row) const;
+    /// The region of the job that has the name of a row; a file where none has.
+    TargetJob regionOf(const RecordedRow& row) const
+    {
+        return m_regions.value(QString::fromUtf8(row.name()));
+    }
     bool isPresent(RowKind kind, const RecordedRow& row) const;
     QString gap(const QString& name, std::size_t place) const;
 
     const PreparedJob& m_prepared;
     RunRecord& m_record;
-    std::vector<TargetJob> m_regions;
+    QHash<QString, TargetJob> m_regions;
     Digest m_targets;
     Digest m_maps;
     std::set<unsigned> m_counts; ///< into how many shards the list was cut
@@ -114,20 +118,10 @@ bool Merge::isOurs(RowKind kind, const RecordedRow& row) const
     return false;
 }
 
-/// The region of the job that has the name of a row; null where none has.
-const TargetJob* Merge::regionOf(const RecordedRow& row) const
-{
-    const QString name = QString::fromUtf8(row.name());
-    for (const TargetJob& region : m_regions)
-        if (region.region->name == name)
-            return &region;
-    return nullptr;
-}
-
 bool Merge::isOurTarget(const RecordedRow& row) const
 {
-    const TargetJob* const region = regionOf(row);
-    if (region != nullptr && row.input && row.input != digestOfStack(region->region->stack))
+    const auto region = regionOf(row).region;
+    if (region && row.input && row.input != digestOfStack(region->stack))
         return false;
     return !row.key || (row.input && row.key == keyOfTarget(m_targets, *row.input, row.inputs));
 }
@@ -135,7 +129,7 @@ bool Merge::isOurTarget(const RecordedRow& row) const
 /// Whether a row is of the files as they are now.
 bool Merge::isPresent(RowKind kind, const RecordedRow& row) const
 {
-    if (kind == RowKind::Map || regionOf(row) != nullptr)
+    if (kind == RowKind::Map || regionOf(row).region)
         return areInPlace(row.inputs, m_prepared.job.folder);
     const QString path = QDir(m_prepared.job.folder).filePath(QString::fromUtf8(row.name()));
     QString why;

@@ -22,7 +22,7 @@ namespace
 struct ReplayedRun {
     Job job;
     std::optional<JobData> common;
-    std::vector<TargetJob> regions;
+    QHash<QString, TargetJob> regions;
     std::vector<MapJob> maps;
     QStringList differences; ///< from what the run had, for all its rows
 };
@@ -74,7 +74,7 @@ ReplayedRun replayed(const RecordedRun& run, const QString& record)
             replay.differences += wrong;
     }
     replay.common = readJobData(replay.job, error);
-    replay.regions = regionJobs(replay.job);
+    replay.regions = regionsByName(replay.job);
     if (const auto maps = mapList(replay.job, error))
         replay.maps = *maps;
     return replay;
@@ -99,10 +99,7 @@ QStringList figureDifferences(const QByteArrayList& columns, const QByteArrayLis
 TargetJob targetOf(const ReplayedRun& run, const RecordedRow& row)
 {
     const QString name = QString::fromUtf8(row.name());
-    for (const TargetJob& region : run.regions)
-        if (region.region->name == name)
-            return region;
-    return {{QDir(run.job.folder).filePath(name)}};
+    return run.regions.value(name, {{QDir(run.job.folder).filePath(name)}});
 }
 
 /// The target as it is calculated today.

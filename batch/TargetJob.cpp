@@ -38,6 +38,24 @@ JobPlace placeOfRegion(const Job& job, const QString& name)
     return {};
 }
 
+/// In the order of the job. Many may have one stack, whose folder is looked through once.
+std::vector<TargetJob> regionJobs(const Job& job)
+{
+    std::map<QStringList, QStringList> known;
+    std::vector<TargetJob> regions;
+    for (const JobStackTarget& given : job.stackTargets) {
+        const StackSource& source = given.stack.source;
+        const auto [files, isNew] = known.try_emplace({source.kind, source.path, source.energies,
+                                                       source.flat, source.dark, source.reference});
+        if (isNew)
+            files->second = stackFiles(source);
+        regions.push_back({{},
+                           std::make_shared<const RegionTarget>(
+                               RegionTarget{given.name, given.stack, files->second})});
+    }
+    return regions;
+}
+
 void append(std::vector<TargetJob> more, std::vector<TargetJob>& targets)
 {
     std::move(more.begin(), more.end(), std::back_inserter(targets));
@@ -51,13 +69,11 @@ QString targetName(const Job& job, const TargetJob& target)
                          : QDir(job.folder).relativeFilePath(target.file.path);
 }
 
-std::vector<TargetJob> regionJobs(const Job& job)
+QHash<QString, TargetJob> regionsByName(const Job& job)
 {
-    std::vector<TargetJob> regions;
-    for (const JobStackTarget& given : job.stackTargets)
-        regions.push_back({{},
-                           std::make_shared<const RegionTarget>(RegionTarget{
-                               given.name, given.stack, stackFiles(given.stack.source)})});
+    QHash<QString, TargetJob> regions;
+    for (const TargetJob& region : regionJobs(job))
+        regions.insert(region.region->name, region);
     return regions;
 }
 

@@ -2,6 +2,7 @@
 
 #include "jobs/JobFile.h"
 
+#include <QHash>
 #include <QStringList>
 
 #include <memory>
@@ -17,7 +18,7 @@ struct RegionTarget {
 
 /// One target of a job: a file, or a region.
 struct TargetJob {
-    JobFilePath file;                           ///< its path is empty for a region
+    JobFilePath file;                                ///< its path is empty for a region
     std::shared_ptr<const RegionTarget> region = {}; ///< null for a file
 
     /// All files that its spectrum is read from.
@@ -39,8 +40,8 @@ std::optional<std::vector<TargetJob>> targetJobs(const Job& job, JobError& error
 /// The same of what is there. A file whose name a region has is left out.
 std::vector<TargetJob> presentTargetJobs(const Job& job);
 
-/// The regions of a job, be their stacks there or not.
-std::vector<TargetJob> regionJobs(const Job& job);
+/// The regions of a job by their names, be their stacks there or not.
+QHash<QString, TargetJob> regionsByName(const Job& job);
 
 /// What is wrong with the regions against the frames of their stacks; a stack that cannot be read
 /// is not judged.
