@@ -32,15 +32,20 @@ Program& program()
     return program;
 }
 
-QString programPath()
+QString foundProgram()
 {
-    if (!program().path.isEmpty())
-        return program().path;
     const QString folder = QCoreApplication::applicationDirPath();
     for (const char* const place : {"/drovik-stack", "/../libexec/drovik/drovik-stack"})
         if (QFile::exists(folder + QLatin1String(place)))
             return folder + QLatin1String(place);
     return QStringLiteral("drovik-stack");
+}
+
+/// The toolkit finds out the folder of this program when it is first asked, for one thread only.
+QString programPath()
+{
+    static const QString found = foundProgram();
+    return program().path.isEmpty() ? found : program().path;
 }
 
 QString failureText(const ChildAnswer& answer, double seconds)
