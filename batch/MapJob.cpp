@@ -14,7 +14,7 @@ std::vector<JobFilePath> imagesOf(const JobMap& map, const Job& job)
 {
     if (map.stack) {
         std::vector<JobFilePath> files;
-        for (const QString& file : stackFiles(map.stack->source))
+        for (const QString& file : presentStackFiles(map.stack->source))
             files.push_back({file, map.stack->place});
         return files;
     }
@@ -38,7 +38,7 @@ std::optional<std::vector<MapJob>> mapList(const Job& job, JobError& error)
     for (const JobMap& given : job.maps) {
         maps.push_back({given.name, given.place, imagesOf(given, job), given.stack});
         const std::vector<JobFilePath>& images = maps.back().images;
-        if (given.stack && !isStackThere(given.stack->source)) {
+        if (given.stack && images.empty()) {
             error = {given.stack->place,
                      QStringLiteral("there is no file %1").arg(given.stack->source.path)};
             return std::nullopt;
@@ -60,7 +60,7 @@ std::vector<MapJob> presentMaps(const Job& job)
     std::vector<MapJob> maps;
     for (const JobMap& given : job.maps) {
         const MapJob map{given.name, given.place, imagesOf(given, job), given.stack};
-        if (given.stack && !isStackThere(given.stack->source))
+        if (given.stack && map.images.empty())
             continue;
         if (std::all_of(map.images.begin(), map.images.end(), [](const JobFilePath& image) {
                 return image.path.isEmpty() || QFileInfo(image.path).isFile();

@@ -48,7 +48,7 @@ std::vector<TargetJob> regionJobs(const Job& job)
         const auto [files, isNew] = known.try_emplace({source.kind, source.path, source.energies,
                                                        source.flat, source.dark, source.reference});
         if (isNew)
-            files->second = stackFiles(source);
+            files->second = presentStackFiles(source);
         regions.push_back({{},
                            std::make_shared<const RegionTarget>(
                                RegionTarget{given.name, given.stack, files->second})});
@@ -93,7 +93,8 @@ std::optional<std::vector<TargetJob>> targetJobs(const Job& job, JobError& error
         }
     std::vector<TargetJob> regions = regionJobs(job);
     for (const TargetJob& target : regions)
-        if (const JobStack& stack = target.region->stack; !isStackThere(stack.source)) {
+        if (target.files().isEmpty()) {
+            const JobStack& stack = target.region->stack;
             error = {stack.place, QStringLiteral("there is no file %1").arg(stack.source.path)};
             return std::nullopt;
         }
@@ -110,8 +111,7 @@ std::vector<TargetJob> presentTargetJobs(const Job& job)
     std::vector<TargetJob> regions = regionJobs(job);
     append(std::move(regions), targets);
     const auto isOut = [&](const TargetJob& target) {
-        return target.region ? !isStackThere(target.region->stack.source)
-                             : names.contains(targetName(job, target));
+        return target.region ? target.files().isEmpty() : names.contains(targetName(job, target));
     };
     targets.erase(std::remove_if(targets.begin(), targets.end(), isOut), targets.end());
     return targets;

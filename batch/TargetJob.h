@@ -13,7 +13,7 @@
 struct RegionTarget {
     QString name; ///< of its row; no other target has it
     JobStack stack;
-    QStringList files; ///< that the stack is made of
+    QStringList files; ///< that the stack is made of; none where it is not there
 };
 
 /// One target of a job: a file, or a region.

@@ -87,10 +87,13 @@ QStringList stackFiles(const StackSource& source)
     return files;
 }
 
-bool isStackThere(const StackSource& source)
+QStringList presentStackFiles(const StackSource& source)
 {
     const QFileInfo info(source.path);
-    return info.isFile() || !info.dir().entryList({info.fileName()}, QDir::Files).isEmpty();
+    // First, so that of a stack that comes meanwhile nothing is told.
+    const bool isThere =
+        info.isFile() || !info.dir().entryList({info.fileName()}, QDir::Files).isEmpty();
+    return isThere ? stackFiles(source) : QStringList();
 }
 
 std::unique_ptr<Stack> openStack(const StackSource& source, FileFault& fault)

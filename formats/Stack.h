@@ -96,8 +96,8 @@ protected:
 /// index, energies, flat, dark and reference.
 QStringList stackFiles(const StackSource& source);
 
-/// Whether there is the file of a stack, or one that its pattern matches.
-bool isStackThere(const StackSource& source);
+/// The same; none where neither the file of the stack is there nor one that its pattern matches.
+QStringList presentStackFiles(const StackSource& source);
 
 /// Opens a stack; what it is is found out, its pixels are not read.
 /// @param fault  why there is none, where nothing comes back
