@@ -203,7 +203,7 @@ QByteArray trendFigure(const std::vector<ReportTargets::Point>& points, const Ou
     const double room = roomForNumbers(marks);
     QByteArray html =
         "<figure class=\"trend\">\n<div class=\"wide\" tabindex=\"0\"><svg viewBox=\"" +
-        coordinate(-room) + " 0 " + coordinate(800.0 + room) + " 316\" role=\"img\" aria-label=\"" +
+        coordinate(-room) + " 0 " + coordinate(800.0 + room) + R"( 316" role="img" aria-label=")" +
         htmlText(words("Valence of each target, in the order of the job")) + "\">\n";
     html += axes(trend, marks, range, points.size(), words);
     const QByteArray fitBars =
