@@ -17,18 +17,24 @@ std::optional<SpectrumRecord> readOther(const ByteSource& bytes, const QString& 
         return std::nullopt;
     }
     auto& found = std::get<FoundSpectrum>(outcome);
+    return recordOf(std::move(found.points), name, bounds, found.assumed + found.warnings);
+}
+
+} // namespace
+
+SpectrumRecord recordOf(SpectrumPoints points, const QString& name, const FitBounds& bounds,
+                        const QStringList& warnings)
+{
     SpectrumRecord record;
-    record.warnings = found.assumed + found.warnings;
+    record.warnings = warnings;
     record.spectrum = std::make_shared<AXafsData>();
     record.spectrum->fileName = name;
     record.spectrum->setBounds(bounds);
-    record.spectrum->setPoints(std::move(found.points));
+    record.spectrum->setPoints(std::move(points));
     record.spectrum->valid = true;
     record.spectrum->fitVictreens();
     return record;
 }
-
-} // namespace
 
 std::optional<SpectrumRecord> readSpectrumRecord(const ByteSource& bytes, const QString& name,
                                                  const SpectrumSource& source,

@@ -18,6 +18,11 @@ struct SpectrumRecord {
     QStringList warnings; ///< what limits its use, as its file shows
 };
 
+/// A spectrum of points that are known, its lines fitted with the bounds (eV); without readings.
+/// @param name  under which the window's functions know it
+SpectrumRecord recordOf(SpectrumPoints points, const QString& name, const FitBounds& bounds,
+                        const QStringList& warnings);
+
 /// Reads a spectrum of any kind: one of a beamline by the window's own reader, others as their file
 /// or the job says.
 /// @param name  of the file, in the reason why it is of no use

@@ -114,15 +114,10 @@ std::optional<SpectrumRecord> RegionSource::spectrum(const SpectrumSource& /*rea
         why = faultText(*wrong).remove(m_folder + QLatin1Char('/'));
         return std::nullopt;
     }
-    SpectrumRecord record;
-    record.warnings = stack->facts().assumed + stack->facts().warnings + found.warnings;
+    SpectrumRecord record =
+        recordOf(std::move(found.points), m_region->name, bounds,
+                 stack->facts().assumed + stack->facts().warnings + found.warnings);
     record.readings = std::move(found.readings);
-    record.spectrum = std::make_shared<AXafsData>();
-    record.spectrum->fileName = m_region->name;
-    record.spectrum->setBounds(bounds);
-    record.spectrum->setPoints(std::move(found.points));
-    record.spectrum->valid = true;
-    record.spectrum->fitVictreens();
     return record;
 }
 
