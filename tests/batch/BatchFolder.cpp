@@ -100,6 +100,16 @@ BatchOutput BatchFolder::runPlainly(const QStringList& arguments) const
     return outputOf(process);
 }
 
+QStringList BatchFolder::calculated(const QStringList& arguments) const
+{
+    const BatchOutput output = run(QStringList{QStringLiteral("--verbose")} + arguments);
+    QStringList names;
+    for (const QString& line : output.errors.split(QLatin1Char('\n')))
+        if (line.contains(QStringLiteral(": calculated in ")))
+            names += line.section(QLatin1Char(':'), 0, 0);
+    return names;
+}
+
 void BatchFolder::start(QProcess& process, const QStringList& arguments,
                         const QString& program) const
 {

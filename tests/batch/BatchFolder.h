@@ -48,6 +48,8 @@ public:
     BatchOutput run(const QStringList& arguments = {}) const;
     /// The same with these arguments only.
     BatchOutput runPlainly(const QStringList& arguments) const;
+    /// Names of the targets that a run to its end calculates, with these arguments besides.
+    QStringList calculated(const QStringList& arguments = {}) const;
     /// Starts the program, or another one, in the folder.
     void start(QProcess& process, const QStringList& arguments,
                const QString& program = QStringLiteral(BATCH_PROGRAM)) const;

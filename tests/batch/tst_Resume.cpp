@@ -33,7 +33,10 @@ private slots:
 private:
     QString file(const char* name) const { return m_folder->file(name); }
     /// Names of the targets that a run calculates.
-    QStringList calculated(const QStringList& arguments = {}) const;
+    QStringList calculated(const QStringList& arguments = {}) const
+    {
+        return m_folder->calculated(arguments);
+    }
     QByteArray undisturbed() const;
 
     std::unique_ptr<BatchFolder> m_folder;
@@ -43,16 +46,6 @@ void tst_Resume::init()
 {
     m_folder = std::make_unique<BatchFolder>();
     m_folder->writeJob();
-}
-
-QStringList tst_Resume::calculated(const QStringList& arguments) const
-{
-    const BatchOutput output = m_folder->run(QStringList{QStringLiteral("--verbose")} + arguments);
-    QStringList names;
-    for (const QString& line : output.errors.split(QLatin1Char('\n')))
-        if (line.contains(QStringLiteral(": calculated in ")))
-            names += line.section(QLatin1Char(':'), 0, 0);
-    return names;
 }
 
 /// What a run into an empty folder writes.

@@ -45,7 +45,10 @@ private:
     QString file(const char* name) const { return m_folder->file(name); }
     void writeJob(const QByteArray& more) const { m_folder->writeJob(more, "\"scans/*.dat\""); }
     /// Names of the targets that a run calculates.
-    QStringList calculated(const QStringList& arguments = {}) const;
+    QStringList calculated(const QStringList& arguments = {}) const
+    {
+        return m_folder->calculated(arguments);
+    }
     /// What a run into an empty folder writes.
     QMap<QString, QByteArray> undisturbed() const;
     /// A figure of a row of results.csv.
@@ -138,16 +141,6 @@ void tst_StackTargets::init()
     m_folder = std::make_unique<BatchFolder>(QList<int>{35});
     QVERIFY(writeExchange(file("scan.h5"), made()));
     writeJob(grain + whole);
-}
-
-QStringList tst_StackTargets::calculated(const QStringList& arguments) const
-{
-    const BatchOutput output = m_folder->run(QStringList{QStringLiteral("--verbose")} + arguments);
-    QStringList names;
-    for (const QString& line : output.errors.split(QLatin1Char('\n')))
-        if (line.contains(QStringLiteral(": calculated in ")))
-            names += line.section(QLatin1Char(':'), 0, 0);
-    return names;
 }
 
 QMap<QString, QByteArray> tst_StackTargets::undisturbed() const
