@@ -1,4 +1,6 @@
+#include "analysis/BlockLogarithm.h"
 #include "batch/JobData.h"
+#include "bench/PairedTimes.h"
 #include "examples/MapSample.h"
 #include "examples/MixedSampleFiles.h"
 #include "examples/StackFiles.h"
@@ -10,6 +12,8 @@
 #include <QTemporaryDir>
 
 #include <array>
+#include <cmath>
+#include <vector>
 
 namespace
 {
@@ -101,6 +105,44 @@ BENCHMARK(mapOfStack)
     ->MeasureProcessCPUTime()
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
+
+/// Logarithms of a million ratios of counts, in the blocks that pixels are taken in, beside
+/// std::log.
+void logarithms(benchmark::State& state)
+{
+    constexpr std::size_t block = 512;
+    constexpr int blocks = 2048;
+    std::vector<double> incident(block);
+    std::vector<double> transmitted(block);
+    std::vector<double> program(block);
+    std::vector<double> plain(block);
+    for (std::size_t i = 0; i < block; ++i) {
+        incident[i] = 50000.0 + static_cast<double>(i);
+        transmitted[i] = 1000.0 + static_cast<double>(i * 7919 % 40000);
+    }
+    PairedTimes times;
+    for (auto _ : state)
+        times.run(
+            state,
+            [&] {
+                for (int k = 0; k < blocks; ++k) {
+                    logarithmsOfRatios(incident.data(), transmitted.data(), block, program.data());
+                    benchmark::ClobberMemory();
+                }
+            },
+            [&] {
+                for (int k = 0; k < blocks; ++k) {
+                    for (std::size_t i = 0; i < block; ++i)
+                        plain[i] = std::log(incident[i] / transmitted[i]);
+                    benchmark::ClobberMemory();
+                }
+            });
+    for (std::size_t i = 0; i < block; ++i)
+        if (std::abs(program[i] - plain[i]) > 1e-15)
+            state.SkipWithError("the logarithms differ");
+    times.report(state);
+}
+BENCHMARK(logarithms)->UseManualTime()->Iterations(501)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -1,6 +1,8 @@
 #include "formats/Frame.h"
 
+#include "analysis/BlockLogarithm.h"
 #include "analysis/Constants.h"
+#include "system/WideVectors.h"
 
 #include <algorithm>
 #include <array>
@@ -15,15 +17,27 @@ namespace
 constexpr std::size_t block = 512;
 using Block = std::array<double, block>;
 
+/// Numbers as they are stored, at any address.
+template <class T>
+struct ConvertLoop {
+    const char* from;
+    std::size_t count;
+    double* to;
+
+    [[gnu::always_inline]] void operator()() const
+    {
+        for (std::size_t i = 0; i < count; ++i) {
+            T value;
+            std::memcpy(&value, from + i * sizeof value, sizeof value);
+            to[i] = static_cast<double>(value);
+        }
+    }
+};
+
 template <class T>
 void convert(const char* from, std::size_t first, std::size_t count, double* to)
 {
-    const char* p = from + first * sizeof(T);
-    for (std::size_t i = 0; i < count; ++i, p += sizeof(T)) {
-        T value;
-        std::memcpy(&value, p, sizeof value);
-        to[i] = static_cast<double>(value);
-    }
+    callWide(ConvertLoop<T>{from + first * sizeof(T), count, to});
 }
 
 void load(const Plane& plane, std::size_t first, std::size_t count, double* to)
@@ -48,14 +62,6 @@ void load(const Plane& plane, std::size_t first, std::size_t count, double* to)
     }
 }
 
-/// ln(incident / transmitted) of pixels; both finite and positive, or it is missing.
-double logarithm(double incident, double transmitted)
-{
-    const bool makesSense = incident > 0.0 && transmitted > 0.0 && std::isfinite(incident) &&
-                            std::isfinite(transmitted);
-    return makesSense ? std::log(incident / transmitted) : notANumber;
-}
-
 void loadDark(const Frame& frame, std::size_t first, std::size_t count, Block& dark)
 {
     if (frame.dark.pixels != nullptr)
@@ -64,50 +70,80 @@ void loadDark(const Frame& frame, std::size_t first, std::size_t count, Block& d
         std::fill_n(dark.begin(), count, frame.darkLevel);
 }
 
-void logarithmsOfCounts(const Frame& frame, std::size_t first, std::size_t count, double* values)
+/// Takes the dark off.
+struct SubtractLoop {
+    const double* dark;
+    std::size_t count;
+    double* incident;
+    double* transmitted;
+
+    [[gnu::always_inline]] void operator()() const
+    {
+        for (std::size_t i = 0; i < count; ++i) {
+            incident[i] -= dark[i];
+            transmitted[i] -= dark[i];
+        }
+    }
+};
+
+/// Intensities before and behind the sample, of a transmission 1 and itself.
+/// @param transmitted  the numbers as they are stored
+void takeIntensities(const Frame& frame, std::size_t first, std::size_t count, Block& incident,
+                     Block& transmitted)
 {
-    Block flat;
+    if (frame.values != StackValues::Counts) {
+        std::fill_n(incident.begin(), count, 1.0);
+        return;
+    }
     Block dark;
-    load(frame.flat, first, count, flat.data());
+    load(frame.flat, first, count, incident.data());
     loadDark(frame, first, count, dark);
-    for (std::size_t i = 0; i < count; ++i)
-        values[i] = logarithm(flat[i] - dark[i], values[i] - dark[i]) + frame.added;
+    callWide(SubtractLoop{dark.data(), count, incident.data(), transmitted.data()});
 }
 
 /// Turns a block of numbers, as they are stored, into mu-t.
-void toMut(const Frame& frame, std::size_t first, std::size_t count, double* values)
+/// @param numbers  may be changed
+void toMut(const Frame& frame, std::size_t first, std::size_t count, Block& numbers, Block& mut)
 {
-    if (frame.values == StackValues::Counts)
-        logarithmsOfCounts(frame, first, count, values);
-    else if (frame.values == StackValues::Transmission)
-        std::transform(values, values + count, values, [](double t) { return logarithm(1.0, t); });
-    else
-        std::transform(values, values + count, values,
-                       [](double mut) { return std::isfinite(mut) ? mut : notANumber; });
+    if (frame.values == StackValues::MuT) {
+        std::transform(numbers.begin(), numbers.begin() + count, mut.begin(),
+                       [](double number) { return std::isfinite(number) ? number : notANumber; });
+        return;
+    }
+    Block incident;
+    takeIntensities(frame, first, count, incident, numbers);
+    logarithmsOfRatios(incident.data(), numbers.data(), count, mut.data());
 }
+
+/// Adds weighted mu-t to others, or puts them there.
+struct AddLoop {
+    const double* values;
+    std::size_t count;
+    double added; ///< to each mu-t
+    double weight;
+    bool add;
+    double* mut;
+
+    [[gnu::always_inline]] void operator()() const
+    {
+        for (std::size_t i = 0; i < count; ++i)
+            mut[i] = (add ? mut[i] : 0.0) + weight * (values[i] + added);
+    }
+};
 
 /// Adds the sums of some pixels, no more than a block.
 void addSums(const Frame& frame, std::size_t first, std::size_t count, FrameSums& sums)
 {
-    Block values;
-    Block flat;
-    Block dark;
+    Block incident;
+    Block transmitted;
     FrameSums here;
-    load(frame.frame, first, count, values.data());
-    if (frame.values == StackValues::Counts) {
-        load(frame.flat, first, count, flat.data());
-        loadDark(frame, first, count, dark);
-    } else {
-        std::fill_n(flat.begin(), count, 1.0);
-        std::fill_n(dark.begin(), count, 0.0);
-    }
+    load(frame.frame, first, count, transmitted.data());
+    takeIntensities(frame, first, count, incident, transmitted);
     for (std::size_t i = 0; i < count; ++i) {
-        const double incident = flat[i] - dark[i];
-        const double transmitted = values[i] - dark[i];
-        if (!std::isfinite(incident) || !std::isfinite(transmitted))
+        if (!std::isfinite(incident[i]) || !std::isfinite(transmitted[i]))
             continue;
-        here.incident += incident;
-        here.transmitted += transmitted;
+        here.incident += incident[i];
+        here.transmitted += transmitted[i];
         ++here.pixels;
     }
     sums.incident += here.incident;
@@ -120,7 +156,7 @@ void addSums(const Frame& frame, std::size_t first, std::size_t count, FrameSums
 double FrameSums::meanMut(const Frame& frame) const
 {
     if (frame.values != StackValues::MuT)
-        return logarithm(incident, transmitted) + frame.added;
+        return logarithmOfRatio(incident, transmitted) + frame.added;
     return pixels > 0 ? transmitted / incident : notANumber;
 }
 
@@ -134,13 +170,14 @@ FrameSums sumsOf(const Frame& frame, std::size_t count)
 
 void addMut(const Frame& frame, std::size_t first, std::size_t count, double* mut, bool add)
 {
+    Block numbers;
     Block values;
+    const double added = frame.values == StackValues::Counts ? frame.added : 0.0;
     for (std::size_t done = 0; done < count; done += block) {
         const std::size_t n = std::min(block, count - done);
-        load(frame.frame, first + done, n, values.data());
-        toMut(frame, first + done, n, values.data());
-        for (std::size_t i = 0; i < n; ++i)
-            mut[done + i] = (add ? mut[done + i] : 0.0) + frame.weight * values[i];
+        load(frame.frame, first + done, n, numbers.data());
+        toMut(frame, first + done, n, numbers, values);
+        callWide(AddLoop{values.data(), n, added, frame.weight, add, mut + done});
     }
 }
 
