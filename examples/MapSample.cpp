@@ -1,6 +1,7 @@
 #include "examples/MapSample.h"
 
 #include "examples/AbsorptionModel.h"
+#include "examples/WayTo.h"
 
 #include <QDir>
 #include <QSaveFile>
@@ -16,12 +17,6 @@ constexpr double incident = 1e6;
 double referenceThickness(const MapSample& map)
 {
     return 0.5 * (map.sample.thickness1 + map.sample.thickness2);
-}
-
-/// Part of the way from the first of n places to the last one.
-double wayTo(int i, int n)
-{
-    return n > 1 ? static_cast<double>(i) / (n - 1) : 0.0;
 }
 
 bool writeImage(const QString& path, const MapSample& map, double energy)

@@ -1,9 +1,9 @@
 #include "examples/MixedSampleFiles.h"
 
 #include "examples/CountingNoise.h"
+#include "examples/ExampleFile.h"
 
 #include <QDir>
-#include <QSaveFile>
 
 #include <cmath>
 
@@ -17,12 +17,6 @@ void appendSteps(std::vector<double>& energies, double first, double step, int c
 {
     for (int i = 0; i < count; ++i)
         energies.push_back(first + step * i);
-}
-
-bool writeFile(const QString& path, const QByteArray& text)
-{
-    QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
 }
 
 QByteArray line(const char* key, double value, const char* comment)
@@ -109,9 +103,9 @@ QString writeSample(const QString& folder, const MixedSample& sample,
             ownSeed = *seed * 4 + static_cast<std::uint_fast64_t>(measurement);
         const QByteArray title = "Made example, nickel-like : " + name.toUtf8();
         QString path = dir.filePath(name);
-        if (!writeFile(path, beamlineText(title, scan(sample, measurement, ownSeed))))
+        if (!writeExampleFile(path, beamlineText(title, scan(sample, measurement, ownSeed))))
             return path;
     }
     const QString truth = dir.filePath(QStringLiteral("truth.toml"));
-    return writeFile(truth, truthText(sample, seed.has_value())) ? QString() : truth;
+    return writeExampleFile(truth, truthText(sample, seed.has_value())) ? QString() : truth;
 }

@@ -1,11 +1,11 @@
 #include "examples/AbsorptionModel.h"
 #include "examples/BeamlineFile.h"
+#include "examples/ExampleFile.h"
 #include "examples/MapSample.h"
 #include "examples/MixedSampleFiles.h"
 #include "examples/NightSample.h"
 
 #include <QDir>
-#include <QSaveFile>
 
 #include <algorithm>
 #include <cmath>
@@ -14,12 +14,6 @@ namespace
 {
 
 constexpr std::uint_fast64_t seed = 2;
-
-bool writeFile(const QString& path, const QByteArray& text)
-{
-    QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
-}
 
 QByteArray number(double value)
 {
@@ -117,7 +111,7 @@ QString writeScans(const QDir& dir)
 {
     for (int i = 0; i < night::samples; ++i) {
         QString path = dir.filePath(night::sampleFile(i));
-        if (!writeFile(path, sampleText(i)))
+        if (!writeExampleFile(path, sampleText(i)))
             return path;
     }
     return {};
@@ -129,7 +123,7 @@ QString writeImages(const QDir& dir)
         for (std::size_t image = 0; image < mapEnergies().size(); ++image) {
             QString path = dir.filePath(
                 QStringLiteral("images/%1_%2.txt").arg(QLatin1String(map.name)).arg(image + 1));
-            if (!writeFile(path, imageText(map, image)))
+            if (!writeExampleFile(path, imageText(map, image)))
                 return path;
         }
     }
@@ -150,13 +144,14 @@ QString night::write(const QString& folder)
         QString path = dir.filePath(name);
         const auto steps =
             scan(MixedSample(), measurement, seed * 4 + static_cast<unsigned>(measurement));
-        if (!writeFile(path, beamlineText("Made example, nickel-like : " + name.toUtf8(), steps)))
+        if (!writeExampleFile(path,
+                              beamlineText("Made example, nickel-like : " + name.toUtf8(), steps)))
             return path;
     }
     for (const auto& [name, text] :
          {std::pair("truth-targets.csv", targetTruth()), std::pair("truth-maps.csv", mapTruth())}) {
         QString path = dir.filePath(QLatin1String(name));
-        if (!writeFile(path, text))
+        if (!writeExampleFile(path, text))
             return path;
     }
     const QString failed = writeScans(dir);

@@ -1,5 +1,7 @@
 #include "examples/NightSample.h"
 
+#include "examples/WayTo.h"
+
 #include <cmath>
 #include <cstdlib>
 
@@ -8,12 +10,6 @@ namespace
 
 constexpr int columns = 48;
 constexpr int rows = 32;
-
-/// Part of the way from the first of n places to the last one.
-double wayTo(int i, int n)
-{
-    return static_cast<double>(i) / (n - 1);
-}
 
 double wedgeFraction(int x, int)
 {

@@ -15,11 +15,6 @@ namespace
 const char* const selectorNames[] = {"RefFile1", "RefFile2", "TargetFile", "BlankFile"};
 const char* const mutNames[] = {"mut1", "mut2", "mutT", "mutBlank"};
 
-QString name(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
 QString sixDigits(double value)
 {
     return QString::number(value, 'g', 6);

@@ -12,6 +12,12 @@
 namespace literal
 {
 
+/// A name or text of the panel.
+inline QString name(const char* text)
+{
+    return QString::fromLatin1(text);
+}
+
 /// The horizontal axis of a canvas: data value r0 at pixel p0, r1 at p1.
 struct XAxis {
     double r0 = 0.0;

@@ -12,11 +12,6 @@ namespace literal
 namespace
 {
 
-QString name(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
 } // namespace
 
 double PanelModel::valence(double a) const
