@@ -1,37 +1,43 @@
-# drovik_add_tests(LABEL LIBRARIES NAME...): tests that need nothing but LIBRARIES, a list. Each is a
-# program as drovik_add_test makes it. Where libraries are compiled together these tests are one
-# program, eight sources compiled at a time, which takes half the time; their names need not differ
-# (`together`). Links named like the tests start it as one of them. A test stays alone whose class
-# holds what is in an unnamed namespace: in an included file the compiler warns of that.
-function(drovik_add_tests label libraries)
-  if(NOT tests_together)
-    foreach(name ${ARGN})
-      drovik_add_test(${name} ${label} "${libraries}")
-    endforeach()
-    return()
-  endif()
-  list(GET ARGN 0 program)
-  string(APPEND program _and_others)
-  add_executable(${program} "${CMAKE_SOURCE_DIR}/tests/support/SeveralTests.cpp")
-  drovik_build_test(${program} "${libraries}")
-  set(names)
+# drovik_add_tests(LIBRARIES LABEL NAME... LABEL NAME...): tests of one folder, each under the label
+# before it. For a developer each is a program as drovik_add_test makes it. Where everything is built
+# at once they are one program, eight sources compiled at a time, which takes a third of the time;
+# their names need not differ (`together`), and links named like the tests start it as one of them.
+# A test stays alone whose class holds what is in an unnamed namespace: in an included file the
+# compiler warns of that.
+function(drovik_add_tests libraries)
+  set(program)
+  set(waiting) # for a source of eight
   foreach(name ${ARGN})
-    list(APPEND names ${name})
-    list(LENGTH names count)
-    if(count EQUAL 8)
-      drovik_compile_tests(${program} ${names})
-      set(names)
+    if(name MATCHES "^(unit|gui|x11|gui\\+x11)$")
+      set(label ${name})
+    elseif(NOT DROVIK_TESTS_TOGETHER)
+      drovik_add_test(${name} ${label} "${libraries}")
+    else()
+      if(NOT program)
+        set(program ${name}_and_others)
+        add_executable(${program} "${CMAKE_SOURCE_DIR}/tests/support/SeveralTests.cpp")
+        drovik_build_test(${program} "${libraries}")
+      endif()
+      drovik_link_test(${program} ${name})
+      drovik_register_tests(${name} ${label})
+      list(APPEND waiting ${name})
+      list(LENGTH waiting count)
+      if(count EQUAL 8)
+        drovik_compile_tests(${program} ${waiting})
+        set(waiting)
+      endif()
     endif()
   endforeach()
-  if(names)
-    drovik_compile_tests(${program} ${names})
+  if(waiting)
+    drovik_compile_tests(${program} ${waiting})
   endif()
-  foreach(name ${ARGN})
-    add_custom_command(TARGET ${program} POST_BUILD
-      COMMAND "${CMAKE_COMMAND}" -E create_symlink ${program} "${CMAKE_CURRENT_BINARY_DIR}/${name}")
-    add_custom_target(${name} DEPENDS ${program})
-    drovik_register_tests(${name} ${label})
-  endforeach()
+endfunction()
+
+# The name of a test that is within a program.
+function(drovik_link_test program name)
+  add_custom_command(TARGET ${program} POST_BUILD
+    COMMAND "${CMAKE_COMMAND}" -E create_symlink ${program} "${CMAKE_CURRENT_BINARY_DIR}/${name}")
+  add_custom_target(${name} DEPENDS ${program})
 endfunction()
 
 # Adds the sources of some tests to a program as one.

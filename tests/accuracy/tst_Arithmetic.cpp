@@ -289,8 +289,8 @@ void tst_Arithmetic::measureExample(std::uint_fast64_t seed)
         if (measurement == Measurement::Blank)
             continue;
         noisy.push_back(fitted(points.back(), 8350.0, ranges));
-        const SpectrumPoints noiseFree =
-            read(QStringLiteral(EXAMPLES_FOLDER "/nickel-noise-free/") + fileName(measurement));
+        const SpectrumPoints noiseFree = read(
+            QStringLiteral(BUILD_FOLDER "/examples/nickel-noise-free/") + fileName(measurement));
         QVERIFY(!noiseFree.empty());
         smooth.push_back(fitted(noiseFree, 8350.0, ranges));
     }
@@ -418,8 +418,8 @@ void tst_Arithmetic::documentHasTheseDigits()
 {
     if (qEnvironmentVariableIsSet("DROVIK_TEST_SEED"))
         QSKIP("The document has the digits of the usual seed.");
-    const QStringList english = linesOf(QStringLiteral(DOCUMENTS "/numerics.md"));
-    const QStringList japanese = linesOf(QStringLiteral(DOCUMENTS "/ja/numerics.md"));
+    const QStringList english = linesOf(QStringLiteral(SOURCE_FOLDER "/docs/numerics.md"));
+    const QStringList japanese = linesOf(QStringLiteral(SOURCE_FOLDER "/docs/ja/numerics.md"));
     for (const DigitTable* table : {&m_spectra, &m_points}) {
         for (const QString& row : table->rows()) {
             const QStringList lines = english.filter(QStringLiteral("| %1 |").arg(row));

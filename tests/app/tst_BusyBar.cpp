@@ -12,6 +12,8 @@ namespace
 
 constexpr int hour = 3600000; // ms
 
+} // namespace
+
 /// Counts its repaints.
 class Canvas : public QWidget
 {
@@ -25,8 +27,6 @@ protected:
         QWidget::paintEvent(event);
     }
 };
-
-} // namespace
 
 class tst_BusyBar : public QObject
 {

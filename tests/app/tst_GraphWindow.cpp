@@ -39,9 +39,6 @@ QPointF middle(const LoadedPanel& loaded, int position)
 
 } // namespace
 
-using Act = std::function<void(FourPs&)>;
-Q_DECLARE_METATYPE(Act)
-
 /// Counts how often a widget is painted.
 class Paints : public QObject
 {
@@ -547,9 +544,9 @@ void TestGraphWindow::thicknessGraphFollowsTheMap()
 
 void TestGraphWindow::repaintsWithEachChange_data()
 {
-    QTest::addColumn<Act>("act");
+    QTest::addColumn<user::Act>("act");
     QTest::addColumn<int>("position");
-    const auto row = [](const char* name, const Act& act, int position = Displays::DispMuts) {
+    const auto row = [](const char* name, const user::Act& act, int position = Displays::DispMuts) {
         QTest::newRow(name) << act << position;
     };
     row("normalization", [](FourPs& panel) { panel.NNone->setChecked(true); });
@@ -572,7 +569,7 @@ void TestGraphWindow::repaintsWithEachChange_data()
 
 void TestGraphWindow::repaintsWithEachChange()
 {
-    QFETCH(Act, act);
+    QFETCH(user::Act, act);
     QFETCH(int, position);
     LoadedPanel loaded;
     QVERIFY(QTest::qWaitForWindowExposed(loaded.panel().displays));

@@ -84,7 +84,7 @@ private slots:
         QFETCH(QString, arguments);
         QFETCH(bool, japanese);
         QProcess program;
-        program.start(QStringLiteral(DROVIK),
+        program.start(QStringLiteral(WINDOW_PROGRAM),
                       arguments.split(QLatin1Char(' '), Qt::SkipEmptyParts));
         QVERIFY(program.waitForStarted());
         const WId window = windowTitled(QStringLiteral("drovik"));

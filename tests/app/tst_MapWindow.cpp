@@ -22,6 +22,8 @@ const QColor highlight(255, 128, 0);
 
 using Id = Displays::DispId;
 
+} // namespace
+
 /// The panel with its map, and the window of the map.
 class Loaded : public LoadedPanel
 {
@@ -47,6 +49,9 @@ public:
         return {std::round(coord.xToScreen(x)), std::round(coord.yToScreen(y))};
     }
 };
+
+namespace
+{
 
 /// "mean ± deviation" of some values, step by step.
 QString plainMean(const QVector<double>& values)

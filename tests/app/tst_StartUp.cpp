@@ -22,7 +22,7 @@ public:
         for (auto it = variables.begin(); it != variables.end(); ++it)
             environment.insert(it.key(), it.value());
         process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(DROVIK), arguments);
+        process.start(QStringLiteral(WINDOW_PROGRAM), arguments);
     }
     ~Start()
     {

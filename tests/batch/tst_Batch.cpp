@@ -7,18 +7,14 @@
 #include <QtTest>
 
 #include <algorithm>
-#include <functional>
 
 #include <sys/stat.h>
 #include <unistd.h>
 
-using Action = std::function<void(FourPs&)>;
-Q_DECLARE_METATYPE(Action)
-
 namespace
 {
 
-const QString examples = QStringLiteral(EXAMPLES);
+const QString examples = QStringLiteral(BUILD_FOLDER "/examples");
 const QByteArray files = "[files]\nref1 = \"ref1.dat\"\nref2 = \"ref2.dat\"\n"
                          "target = \"target.dat\"\nblank = \"blank.dat\"\n";
 
@@ -76,7 +72,7 @@ QVector<double> numbersIn(const QString& line)
     return result;
 }
 
-void addRow(const char* name, const char* settings, const Action& action)
+void addRow(const char* name, const char* settings, const user::Act& action)
 {
     QTest::newRow(name) << QByteArray(settings) << action;
 }
@@ -204,7 +200,7 @@ void tst_Batch::initTestCase()
 void tst_Batch::windowAndBatchAgree_data()
 {
     QTest::addColumn<QByteArray>("settings");
-    QTest::addColumn<Action>("action");
+    QTest::addColumn<user::Act>("action");
     addInputs();
     addConditions();
 }
@@ -212,7 +208,7 @@ void tst_Batch::windowAndBatchAgree_data()
 void tst_Batch::windowAndBatchAgree()
 {
     QFETCH(QByteArray, settings);
-    QFETCH(Action, action);
+    QFETCH(user::Act, action);
     const QString job = write(QStringLiteral("job.toml"), files + settings);
     const Output batch = run({job});
 

@@ -99,8 +99,9 @@ void tst_BatchAlone::runsWithoutAPlatform()
                             "by selected by CB of TR.\nCalcRes: \nLCFRes: \n"));
     QCOMPARE(output.errors, QString());
     QCOMPARE(output.status, 1);
-    const Output example = run(QStringLiteral(BATCH_PROGRAM),
-                               {QStringLiteral(EXAMPLES "/nickel/job.toml")}, environment);
+    const Output example =
+        run(QStringLiteral(BATCH_PROGRAM),
+            {QStringLiteral(BUILD_FOLDER "/examples/nickel/job.toml")}, environment);
     QCOMPARE(example.errors, QString());
     QCOMPARE(example.status, 0);
 }

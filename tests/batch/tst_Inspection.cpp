@@ -505,7 +505,7 @@ void tst_Inspection::guide_data()
     QTest::addColumn<QString>("page");
     for (const char* const language : {"en", "ja"})
         QTest::newRow(language)
-            << QStringLiteral(DOCS_FOLDER "/%1/formats.md").arg(QLatin1String(language));
+            << QStringLiteral(SOURCE_FOLDER "/docs/%1/formats.md").arg(QLatin1String(language));
 }
 
 /// What the guide shows is what the program says of the examples.
@@ -522,7 +522,7 @@ void tst_Inspection::guide()
         for (QString& line : lines)
             line.remove(0, 4);
         QCOMPARE(lines.join(QLatin1Char('\n')) + QLatin1Char('\n'),
-                 textOf(QStringLiteral(EXAMPLES "/") + name));
+                 textOf(QStringLiteral(BUILD_FOLDER "/examples/") + name));
     }
     QCOMPARE(shown, 2);
 }

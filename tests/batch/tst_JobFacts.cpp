@@ -1,4 +1,5 @@
 #include "batch/JobFacts.h"
+#include "tests/batch/TableTypes.h"
 
 #include <QtTest>
 
@@ -53,8 +54,6 @@ QStringList names(const JobFacts& facts)
 }
 
 } // namespace
-
-Q_DECLARE_METATYPE(ThicknessType)
 
 /// What of a job's files and rows the calculations use, and so is worth a doubt.
 class tst_JobFacts : public QObject

@@ -79,7 +79,7 @@ QRgb at(const QString& path, double x, double y)
                        static_cast<int>(n[3] + (y - n[7]) / (n[9] - n[7]) * (n[5] - n[3])));
 }
 
-QMap<QString, QByteArray> contents(const QString& folder)
+QMap<QString, QByteArray> filesIn(const QString& folder)
 {
     QMap<QString, QByteArray> found;
     for (const QString& name : QDir(folder).entryList(QDir::Files | QDir::Hidden)) {
@@ -127,7 +127,7 @@ void TestMapPictures::allPicturesAreWritten()
                             "a-histogram-valence.png a-histogram-thickness.png a-t-a.png"));
     for (const QString& path : files.written)
         QVERIFY(!QImage(path).isNull());
-    QCOMPARE(contents(folder.filePath(QStringLiteral("maps/a"))).size(), 6); // nothing beside
+    QCOMPARE(filesIn(folder.filePath(QStringLiteral("maps/a"))).size(), 6); // nothing beside
 }
 
 void TestMapPictures::withoutThicknessTwoArePainted()
@@ -208,7 +208,7 @@ void TestMapPictures::picturesStayWithoutDeviations()
     const auto draw = [&](const char* name) {
         drawMapPictures(folder.filePath(QLatin1String(name)), QStringLiteral("a"), input,
                         QStringLiteral("en"), workers);
-        return contents(folder.filePath(QLatin1String(name)));
+        return filesIn(folder.filePath(QLatin1String(name)));
     };
     const QMap<QString, QByteArray> without = draw("without");
     input.sigmas = &sigmas;
@@ -228,7 +228,7 @@ void TestMapPictures::picturesAreTheSameForAnyThreads()
         Workers workers(threads);
         const QString path = folder.filePath(QString::number(threads));
         drawMapPictures(path, QStringLiteral("a"), sample.input(), QStringLiteral("ja"), workers);
-        all.append(contents(path));
+        all.append(filesIn(path));
     }
     QCOMPARE(all[0].size(), 6);
     QCOMPARE(all[1], all[0]);

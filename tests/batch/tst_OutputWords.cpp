@@ -16,7 +16,7 @@ QSet<QString> textsOfSources()
         R"re((?:words|QT_TRANSLATE_NOOP)\(\s*(?:"Output",\s*)?((?:"(?:[^"\\]|\\.)*"\s*)+)\))re"));
     const QRegularExpression literal(QStringLiteral(R"re("((?:[^"\\]|\\.)*)")re"));
     QSet<QString> texts;
-    const QDir folder(QStringLiteral(BATCH_FOLDER));
+    const QDir folder(QStringLiteral(SOURCE_FOLDER "/batch"));
     for (const QString& name : folder.entryList({QStringLiteral("*.cpp")})) {
         QFile file(folder.filePath(name));
         if (!file.open(QIODevice::ReadOnly))
@@ -36,7 +36,7 @@ QSet<QString> textsOfSources()
 /// The catalogue's texts with their translations.
 QMap<QString, QString> catalogue()
 {
-    QFile file(QStringLiteral(BATCH_FOLDER "/batch_ja.ts"));
+    QFile file(QStringLiteral(SOURCE_FOLDER "/batch/batch_ja.ts"));
     QMap<QString, QString> messages;
     if (!file.open(QIODevice::ReadOnly))
         return messages;

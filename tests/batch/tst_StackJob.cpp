@@ -218,13 +218,13 @@ void tst_StackJob::exampleOfEachLayout()
     const MapSample map;
     QCOMPARE(writeStackExample(place.path(), map), QString());
     const QString path = place.filePath(QStringLiteral("job.toml"));
-    QVERIFY(QFile::copy(QStringLiteral(STACK_JOB), path));
+    QVERIFY(QFile::copy(QStringLiteral(SOURCE_FOLDER "/examples/stack-job.toml"), path));
     QProcess program;
     program.start(QStringLiteral(BATCH_PROGRAM), {path});
     QVERIFY(program.waitForFinished(60000));
     QCOMPARE(program.exitCode(), 0);
     QProcess reader;
-    reader.start(QStringLiteral(READ_OUTPUTS),
+    reader.start(QStringLiteral(SOURCE_FOLDER "/tests/batch/read_outputs"),
                  {place.filePath(QStringLiteral("results/results.h5"))});
     QVERIFY(reader.waitForFinished());
     ReadBack found;

@@ -1,8 +1,8 @@
 #include "analysis/SystematicErrors.h"
-#include "batch/ClosureLine.h"
 #include "batch/TargetFigures.h"
 #include "examples/MixedSampleFiles.h"
 #include "tests/batch/BatchFolder.h"
+#include "tests/batch/TableTypes.h"
 #include "tests/support/Files.h"
 
 #include <QDir>
@@ -11,8 +11,6 @@
 #include <QtTest>
 
 #include <cmath>
-
-Q_DECLARE_METATYPE(Closure)
 
 namespace
 {

@@ -46,7 +46,7 @@ namespace
 QMap<QString, QString> readBack(const QStringList& files)
 {
     QProcess reader;
-    reader.start(QStringLiteral(READ_OUTPUTS), files);
+    reader.start(QStringLiteral(SOURCE_FOLDER "/tests/batch/read_outputs"), files);
     if (!reader.waitForFinished() || reader.exitCode() != 0)
         qFatal("%s", reader.readAllStandardError().constData());
     QMap<QString, QString> found;

@@ -25,7 +25,7 @@ private slots:
 namespace
 {
 
-const QString root = QStringLiteral(ROOT);
+const QString root = QStringLiteral(SOURCE_FOLDER);
 
 QString textOf(const QString& path)
 {

@@ -8,9 +8,6 @@
 
 #include <utility>
 
-namespace
-{
-
 /// Names of the signals in the order in which they came.
 class Recorder : public QObject
 {
@@ -52,8 +49,6 @@ private:
         });
     }
 };
-
-} // namespace
 
 class TestDispArea : public QObject
 {

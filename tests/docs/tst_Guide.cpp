@@ -13,7 +13,7 @@
 namespace
 {
 
-const QString docs = QStringLiteral(DOCS_FOLDER "/");
+const QString docs = QStringLiteral(SOURCE_FOLDER "/docs/");
 
 QString readText(const QString& path)
 {
@@ -141,7 +141,7 @@ private slots:
         QFETCH(QString, page);
         if (page.startsWith(QLatin1String("ja/")))
             QApplication::installTranslator(&m_catalogue);
-        GuideReader reader(QStringLiteral(EXAMPLES_FOLDER));
+        GuideReader reader(QStringLiteral(BUILD_FOLDER "/examples"));
         for (const GuideStep& step : guideSteps(readText(docs + page))) {
             const QByteArray place = page.toUtf8() + ':' + QByteArray::number(step.line);
             QVERIFY2(reader.take(step), place.constData());
@@ -197,8 +197,9 @@ private slots:
         QFETCH(QString, language);
         const bool english = language == QLatin1String("en");
         const QString guide = textOfLanguage(language);
-        for (const CatalogueEntry& entry : readCatalogueText(QStringLiteral(CATALOGUE_TEXT)) +
-                                               readCatalogueText(QStringLiteral(EXTRAS_TEXT))) {
+        for (const CatalogueEntry& entry :
+             readCatalogueText(QStringLiteral(SOURCE_FOLDER "/forms/velk_ja_JP.ts")) +
+                 readCatalogueText(QStringLiteral(SOURCE_FOLDER "/app/extras_ja.ts"))) {
             if (isNeverSeen(entry))
                 continue;
             for (const QString& part :

@@ -19,7 +19,8 @@ namespace
 
 QString page(const QString& language, const char* name)
 {
-    QFile file(QStringLiteral(DOCS_FOLDER "/%1/%2").arg(language, QString::fromLatin1(name)));
+    QFile file(
+        QStringLiteral(SOURCE_FOLDER "/docs/%1/%2").arg(language, QString::fromLatin1(name)));
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 

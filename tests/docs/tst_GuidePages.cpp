@@ -24,7 +24,7 @@ private slots:
 namespace
 {
 
-const QString pages = QStringLiteral(GUIDE_PAGES);
+const QString pages = QStringLiteral(BUILD_FOLDER "/docs/guide");
 
 QStringList filesBelow(const QString& folder, const QString& pattern)
 {
@@ -52,7 +52,8 @@ QStringList valuesOf(const char* attribute, const QString& page)
 void tst_GuidePages::everyTextHasAPage()
 {
     QStringList expected{QStringLiteral("en/index.html"), QStringLiteral("ja/index.html")};
-    for (const QString& text : filesBelow(QStringLiteral(DOCS_FOLDER), QStringLiteral("*.md")))
+    for (const QString& text :
+         filesBelow(QStringLiteral(SOURCE_FOLDER "/docs"), QStringLiteral("*.md")))
         if (text != QLatin1String("README.md"))
             expected << text.chopped(2) + QStringLiteral("html");
     expected.sort();
@@ -97,8 +98,8 @@ void tst_GuidePages::contentsAreOfOneLanguage()
     QFETCH(QString, language);
     QFETCH(QString, title);
     QFETCH(QString, entry);
-    const QString page = GuideWindow::firstPage(QStringLiteral(GUIDE_PAGES "/../../app"),
-                                                language == QLatin1String("ja"));
+    const QString page = GuideWindow::firstPage(
+        QStringLiteral(BUILD_FOLDER "/docs/guide/../../app"), language == QLatin1String("ja"));
     QCOMPARE(page,
              QDir::cleanPath(pages + QLatin1Char('/') + language + QStringLiteral("/index.html")));
     const GuideWindow window(page);

@@ -57,7 +57,7 @@ void tst_NightSample::initTestCase()
 {
     QCOMPARE(night::write(m_dir.path()), QString());
     const QString path = m_dir.filePath(QStringLiteral("night-job.toml"));
-    QVERIFY(QFile::copy(QStringLiteral(JOB), path));
+    QVERIFY(QFile::copy(QStringLiteral(SOURCE_FOLDER "/examples/night-job.toml"), path));
     JobError error;
     m_job = readJob(path, error);
     QVERIFY2(m_job, qPrintable(errorText(path, error)));

@@ -92,7 +92,8 @@ void addEntryRows()
     QTest::addColumn<QString>("source");
     QTest::addColumn<QString>("translation");
     QTest::addColumn<bool>("stays");
-    for (const CatalogueEntry& entry : readCatalogueText(QStringLiteral(CATALOGUE_TEXT)))
+    for (const CatalogueEntry& entry :
+         readCatalogueText(QStringLiteral(SOURCE_FOLDER "/forms/velk_ja_JP.ts")))
         QTest::addRow("%s", rowName(entry).constData())
             << entry.context << entry.source << entry.translation << staysEnglish(entry);
 }
@@ -147,11 +148,12 @@ private Q_SLOTS:
 
     void everyEntryIsFinishedAndOccursOnce()
     {
-        QVector<CatalogueEntry> entries = readCatalogueText(QStringLiteral(CATALOGUE_TEXT));
+        QVector<CatalogueEntry> entries =
+            readCatalogueText(QStringLiteral(SOURCE_FOLDER "/forms/velk_ja_JP.ts"));
         QCOMPARE(entries.size(), 128);
         for (const CatalogueEntry& entry : qAsConst(entries))
             QVERIFY2(entry.finished, rowName(entry).constData());
-        QCOMPARE(textsOf(QStringLiteral(CATALOGUE_TEXT)).size(), 128);
+        QCOMPARE(textsOf(QStringLiteral(SOURCE_FOLDER "/forms/velk_ja_JP.ts")).size(), 128);
     }
 
     void holdsTheTextsOfFormsAndCode()
@@ -161,16 +163,17 @@ private Q_SLOTS:
         QProcess lupdate;
         lupdate.setWorkingDirectory(QStringLiteral(SOURCE_FOLDER));
         QStringList arguments = QStringLiteral("-silent -locations none").split(QLatin1Char(' '));
-        arguments += QStringLiteral(TEXT_FOLDERS).split(QLatin1Char(' '));
+        arguments += QStringLiteral("analysis app batch display forms input results")
+                         .split(QLatin1Char(' '));
         arguments += {QStringLiteral("-ts"), found};
         lupdate.start(QStringLiteral(LUPDATE), arguments);
         QVERIFY(lupdate.waitForFinished());
         QCOMPARE(lupdate.exitCode(), 0);
 
         const Texts inSources = textsOf(found);
-        const Texts inCatalogue = textsOf(QStringLiteral(CATALOGUE_TEXT));
-        const Texts inExtras = textsOf(QStringLiteral(EXTRAS_TEXT));
-        const Texts inOutputs = textsOf(QStringLiteral(OUTPUTS_TEXT));
+        const Texts inCatalogue = textsOf(QStringLiteral(SOURCE_FOLDER "/forms/velk_ja_JP.ts"));
+        const Texts inExtras = textsOf(QStringLiteral(SOURCE_FOLDER "/app/extras_ja.ts"));
+        const Texts inOutputs = textsOf(QStringLiteral(SOURCE_FOLDER "/batch/batch_ja.ts"));
         QCOMPARE(listed(inSources - inCatalogue - inExtras - inOutputs), QByteArray());
         QCOMPARE(listed(inExtras - inSources), QByteArray());
         QCOMPARE(listed(inCatalogue - inSources), QByteArray());
@@ -181,7 +184,8 @@ private Q_SLOTS:
     {
         QTranslator extras;
         QVERIFY(extras.load(QStringLiteral(":/extras/extras_ja.qm")));
-        const QVector<CatalogueEntry> entries = readCatalogueText(QStringLiteral(EXTRAS_TEXT));
+        const QVector<CatalogueEntry> entries =
+            readCatalogueText(QStringLiteral(SOURCE_FOLDER "/app/extras_ja.ts"));
         QVERIFY(!entries.isEmpty());
         static const QRegularExpression japanese(
             QStringLiteral("[\\p{Hiragana}\\p{Katakana}\\p{Han}]"));

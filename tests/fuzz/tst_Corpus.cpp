@@ -26,7 +26,7 @@ private:
 void tst_Corpus::list(const char* kind)
 {
     QTest::addColumn<QByteArray>("text");
-    const QDir folder(QStringLiteral(DROVIK_CORPUS "/") + QLatin1String(kind));
+    const QDir folder(QStringLiteral(SOURCE_FOLDER "/tests/fuzz/corpus/") + QLatin1String(kind));
     const QStringList names = folder.entryList(QDir::Files);
     QVERIFY(names.size() > 10);
     for (const QString& name : names) {

@@ -1,4 +1,5 @@
 #include "results/ResultFile.h"
+#include "tests/support/Files.h"
 #include "tests/support/Random.h"
 
 #include <QTemporaryDir>
@@ -68,12 +69,6 @@ QByteArray plainText(const QByteArrayList& header, const MapResults& results, do
     }
     out.flush();
     return text;
-}
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
 }
 
 } // namespace

@@ -10,9 +10,14 @@
 #include <QTest>
 #include <QUrl>
 
+#include <functional>
+
 /// What a user does to the panel, through the real widgets.
 namespace user
 {
+
+/// What is done in one row of a table of tests.
+using Act = std::function<void(FourPs&)>;
 
 /// Drops data on the middle of a widget as the desktop would: entering first.
 /// @return whether the widget let them in
@@ -72,3 +77,5 @@ inline QStringList messagesSince(const FourPs& panel, int count)
 }
 
 } // namespace user
+
+Q_DECLARE_METATYPE(user::Act)
