@@ -2,13 +2,12 @@
 
 #include "analysis/BlockLogarithm.h"
 #include "analysis/Constants.h"
+#include "formats/PlaneNumbers.h"
 #include "system/WideVectors.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdint>
-#include <cstring>
 
 namespace
 {
@@ -17,55 +16,10 @@ namespace
 constexpr std::size_t block = 512;
 using Block = std::array<double, block>;
 
-/// Numbers as they are stored, at any address.
-template <class T>
-struct ConvertLoop {
-    const char* from;
-    std::size_t count;
-    double* to;
-
-    [[gnu::always_inline]] void operator()() const
-    {
-        for (std::size_t i = 0; i < count; ++i) {
-            T value;
-            std::memcpy(&value, from + i * sizeof value, sizeof value);
-            to[i] = static_cast<double>(value);
-        }
-    }
-};
-
-template <class T>
-void convert(const char* from, std::size_t first, std::size_t count, double* to)
-{
-    callWide(ConvertLoop<T>{from + first * sizeof(T), count, to});
-}
-
-void load(const Plane& plane, std::size_t first, std::size_t count, double* to)
-{
-    switch (plane.type) {
-    case PixelType::U8:
-        return convert<std::uint8_t>(plane.pixels, first, count, to);
-    case PixelType::U16:
-        return convert<std::uint16_t>(plane.pixels, first, count, to);
-    case PixelType::U32:
-        return convert<std::uint32_t>(plane.pixels, first, count, to);
-    case PixelType::I8:
-        return convert<std::int8_t>(plane.pixels, first, count, to);
-    case PixelType::I16:
-        return convert<std::int16_t>(plane.pixels, first, count, to);
-    case PixelType::I32:
-        return convert<std::int32_t>(plane.pixels, first, count, to);
-    case PixelType::F32:
-        return convert<float>(plane.pixels, first, count, to);
-    case PixelType::F64:
-        return convert<double>(plane.pixels, first, count, to);
-    }
-}
-
 void loadDark(const Frame& frame, std::size_t first, std::size_t count, Block& dark)
 {
     if (frame.dark.pixels != nullptr)
-        load(frame.dark, first, count, dark.data());
+        loadNumbers(frame.dark, first, count, dark.data());
     else
         std::fill_n(dark.begin(), count, frame.darkLevel);
 }
@@ -96,7 +50,7 @@ void takeIntensities(const Frame& frame, std::size_t first, std::size_t count, B
         return;
     }
     Block dark;
-    load(frame.flat, first, count, incident.data());
+    loadNumbers(frame.flat, first, count, incident.data());
     loadDark(frame, first, count, dark);
     callWide(SubtractLoop{dark.data(), count, incident.data(), transmitted.data()});
 }
@@ -137,7 +91,7 @@ void addSums(const Frame& frame, std::size_t first, std::size_t count, FrameSums
     Block incident;
     Block transmitted;
     FrameSums here;
-    load(frame.frame, first, count, transmitted.data());
+    loadNumbers(frame.frame, first, count, transmitted.data());
     takeIntensities(frame, first, count, incident, transmitted);
     for (std::size_t i = 0; i < count; ++i) {
         if (!std::isfinite(incident[i]) || !std::isfinite(transmitted[i]))
@@ -175,7 +129,7 @@ void addMut(const Frame& frame, std::size_t first, std::size_t count, double* mu
     const double added = frame.values == StackValues::Counts ? frame.added : 0.0;
     for (std::size_t done = 0; done < count; done += block) {
         const std::size_t n = std::min(block, count - done);
-        load(frame.frame, first + done, n, numbers.data());
+        loadNumbers(frame.frame, first + done, n, numbers.data());
         toMut(frame, first + done, n, numbers, values);
         callWide(AddLoop{values.data(), n, added, frame.weight, add, mut + done});
     }
@@ -191,8 +145,8 @@ void addVariance(const Frame& frame, const DetectorGains& gains, bool ownFlat, s
     const double square = frame.weight * frame.weight;
     for (std::size_t done = 0; done < count; done += block) {
         const std::size_t n = std::min(block, count - done);
-        load(frame.frame, first + done, n, values.data());
-        load(frame.flat, first + done, n, flat.data());
+        loadNumbers(frame.frame, first + done, n, values.data());
+        loadNumbers(frame.flat, first + done, n, flat.data());
         loadDark(frame, first + done, n, dark);
         for (std::size_t i = 0; i < n; ++i)
             variance[done + i] = static_cast<float>(
