@@ -259,8 +259,9 @@ Hdf5Data Hdf5File::data(const std::string& path) const
     const Hdf5Id plist(H5Dget_create_plist(data.id.get()), H5Pclose);
     checkFilters(plist.get(), path);
     checkSources(data.id.get(), 0);
-    if (H5Pget_layout(plist.get()) == H5D_CHUNKED &&
-        H5Pget_chunk(plist.get(), dimensions, size.data()) == dimensions)
+    const H5D_layout_t layout = H5Pget_layout(plist.get());
+    data.isPlain = layout == H5D_CONTIGUOUS || layout == H5D_COMPACT;
+    if (layout == H5D_CHUNKED && H5Pget_chunk(plist.get(), dimensions, size.data()) == dimensions)
         data.chunk.assign(size.begin(), size.begin() + dimensions);
     return data;
 }

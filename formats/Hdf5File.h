@@ -47,6 +47,7 @@ struct Hdf5Data {
     std::string path;
     std::vector<hsize_t> size;  ///< of each dimension
     std::vector<hsize_t> chunk; ///< of each dimension; the size itself where there are no chunks
+    bool isPlain = false;       ///< its numbers lie one behind the other, without chunks
     PixelType type = PixelType::U16; ///< that holds its numbers
     hid_t memoryType = -1;
 };

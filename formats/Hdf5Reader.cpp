@@ -1,8 +1,10 @@
 #include "formats/Hdf5Reader.h"
 
 #include "formats/Hdf5Layout.h"
-#include "formats/SharedPixels.h"
+#include "formats/PixelSender.h"
+#include "formats/PlaneNumbers.h"
 #include "formats/StackFault.h"
+#include "formats/StackShare.h"
 
 #include <algorithm>
 #include <array>
@@ -189,34 +191,24 @@ void ImageReader::read(const std::vector<hsize_t>& indices, hid_t memoryType,
     }
 }
 
-/// Images whose energies share a chunk are read together, so that it is read once.
-void readGroups(const ImageReader& reader, const Hdf5Data& set, int dimension,
-                const std::vector<hsize_t>& indices, char* to)
-{
-    const std::size_t bytes = bytesOf(set.type);
-    const auto at = static_cast<std::size_t>(dimension);
-    const hsize_t depth = set.size.size() == 3 ? std::max<hsize_t>(1, set.chunk[at]) : 1;
-    for (std::size_t first = 0; first < indices.size();) {
-        std::size_t last = first + 1;
-        while (last < indices.size() && indices[last] / depth == indices[first] / depth)
-            ++last;
-        const std::vector<hsize_t> group(indices.begin() + static_cast<std::ptrdiff_t>(first),
-                                         indices.begin() + static_cast<std::ptrdiff_t>(last));
-        reader.read(group, set.memoryType, bytes, to + first * reader.pixels() * bytes);
-        first = last;
-    }
-}
-
 /// The mean of all images, in the order of the set.
-void readMean(const ImageReader& reader, double* to)
+void readMean(const ImageReader& reader, const Hdf5Data& set, double* to)
 {
+    constexpr std::size_t block = 512;
+    std::array<double, block> numbers{};
     const std::size_t pixels = reader.pixels();
-    std::vector<double> image(pixels);
+    PixelArray<char> image;
+    if (!image.resize(pixels * bytesOf(set.type)))
+        throw std::bad_alloc();
     std::fill_n(to, pixels, 0.0);
     for (hsize_t k = 0; k < reader.images(); ++k) {
-        reader.read({k}, H5T_NATIVE_DOUBLE, sizeof(double), reinterpret_cast<char*>(image.data()));
-        for (std::size_t i = 0; i < pixels; ++i)
-            to[i] += image[i];
+        reader.read({k}, set.memoryType, bytesOf(set.type), image.data());
+        for (std::size_t first = 0; first < pixels; first += block) {
+            const std::size_t count = std::min(block, pixels - first);
+            loadNumbers({set.type, image.data()}, first, count, numbers.data());
+            for (std::size_t i = 0; i < count; ++i)
+                to[first + i] += numbers[i];
+        }
     }
     for (std::size_t i = 0; i < pixels; ++i)
         to[i] /= static_cast<double>(reader.images());
@@ -242,6 +234,45 @@ struct Wanted {
         return mean ? pixels * sizeof(double) : indices.size() * pixels * bytesOf(data.type);
     }
 };
+
+/// What is read at once: images of a set, or all of them for their mean.
+struct Piece {
+    const Wanted* wanted = nullptr;
+    std::vector<hsize_t> indices; ///< none for a mean
+    std::size_t offset = 0;       ///< among all bytes
+    std::size_t work = 0;         ///< images
+};
+
+/// How many energies are read together: those of a chunk, so that it is read once.
+hsize_t energiesAtOnce(const Hdf5Data& set, int dimension)
+{
+    if (set.size.size() != 3 || (dimension == 0 && set.isPlain))
+        return 1;
+    return std::max<hsize_t>(1, set.chunk[static_cast<std::size_t>(dimension)]);
+}
+
+void addPieces(const Wanted& wanted, int dimension, std::size_t pixels, std::size_t offset,
+               std::vector<Piece>& pieces)
+{
+    if (wanted.mean) {
+        const ImageReader reader(wanted.data, dimension, {});
+        pieces.push_back({&wanted, {}, offset, reader.images()});
+        return;
+    }
+    const std::vector<hsize_t>& indices = wanted.indices;
+    const hsize_t atOnce = energiesAtOnce(wanted.data, dimension);
+    for (std::size_t first = 0; first < indices.size();) {
+        std::size_t last = first + 1;
+        while (last < indices.size() && indices[last] / atOnce == indices[first] / atOnce)
+            ++last;
+        pieces.push_back({&wanted,
+                          {indices.begin() + static_cast<std::ptrdiff_t>(first),
+                           indices.begin() + static_cast<std::ptrdiff_t>(last)},
+                          offset + first * pixels * bytesOf(wanted.data.type),
+                          last - first});
+        first = last;
+    }
+}
 
 void checkRegion(const Wanted& wanted, int dimension, const std::array<hsize_t, 4>& region)
 {
@@ -313,15 +344,31 @@ std::string planesOfHdf5(const StackRequest& request)
         bytes += wanted.bytes(pixels);
         all.push_back(std::move(wanted));
     }
-    SharedPixels shared(stack_words::sharedMemory, bytes);
-    char* to = shared.data();
+    if (request.value("bytes") != std::to_string(bytes))
+        throw StackFault("is not as large as it was");
+    std::vector<Piece> pieces;
+    std::size_t offset = 0;
     for (const Wanted& wanted : all) {
-        const ImageReader reader(wanted.data, dimension, region);
-        if (wanted.mean)
-            readMean(reader, shared.doublesAt(to));
+        addPieces(wanted, dimension, pixels, offset, pieces);
+        offset += wanted.bytes(pixels);
+    }
+    std::vector<std::size_t> work;
+    work.reserve(pieces.size());
+    for (const Piece& piece : pieces)
+        work.push_back(piece.work);
+    const auto [first, last] = shareOf(work, request.value("share"));
+    PixelSender sender;
+    for (std::size_t k = first; k < last; ++k) {
+        const Hdf5Data& set = pieces[k].wanted->data;
+        const ImageReader reader(set, dimension, region);
+        const std::vector<hsize_t>& indices = pieces[k].indices;
+        const std::size_t pixelBytes = bytesOf(set.type);
+        if (pieces[k].wanted->mean)
+            readMean(reader, set, sender.doubles(pixels));
         else
-            readGroups(reader, wanted.data, dimension, wanted.indices, to);
-        to += wanted.bytes(pixels);
+            reader.read(indices, set.memoryType, pixelBytes,
+                        sender.room(indices.size() * pixels * pixelBytes));
+        sender.send(pieces[k].offset);
     }
     return {};
 }

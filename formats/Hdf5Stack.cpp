@@ -26,7 +26,7 @@ struct Part {
     std::string word; ///< path and indices
     Plane Frame::*place;
     PixelType type;
-    bool isShared;      ///< the mean of several planes, for all frames
+    bool isShared;      ///< one plane, or the mean of several, for all frames
     std::size_t offset; ///< in the memory
 };
 
@@ -170,9 +170,11 @@ std::vector<Part> Hdf5Stack::partsOf(const std::vector<std::size_t>& indices) co
     std::vector<Part> parts;
     const auto add = [&](const Images& images, Plane Frame::*place) {
         const bool each = images.count == static_cast<long>(m_facts.energies.size());
+        const bool mean = !each && images.count != 1;
+        const std::string wanted = mean ? "mean" : each ? listOf(indices) : "0";
         if (!images.path.empty())
-            parts.push_back({images.path + '\t' + (each ? listOf(indices) : "mean"), place,
-                             each ? images.type : PixelType::F64, !each, 0});
+            parts.push_back({images.path + '\t' + wanted, place,
+                             mean ? PixelType::F64 : images.type, !each, 0});
     };
     if (m_facts.values == StackValues::Counts) {
         add(m_flat, &Frame::flat);
@@ -209,11 +211,11 @@ std::optional<FileFault> Hdf5Stack::read(const std::vector<std::size_t>& indices
         part.offset = bytes;
         bytes += (part.isShared ? 1 : indices.size()) * pixels * ::bytesOf(part.type);
     }
-    const auto memory = std::make_shared<PixelMemory>(bytes);
-    if (!memory->isThere())
+    const auto memory = pixelsToCome(bytes);
+    if (!memory)
         return FileFault{m_path, 0, QStringLiteral("does not fit in memory")};
     StackWords answer;
-    if (auto fault = askStackProcess(m_path, std::move(words), memory.get(), answer))
+    if (auto fault = askForPixels(m_path, words, *memory, set.processes, answer))
         return fault;
     set.memory.push_back(memory);
     set.shared.values = m_facts.values;

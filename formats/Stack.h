@@ -55,6 +55,7 @@ struct FrameSet {
     /// are not read again.
     Frame shared;
     std::vector<std::shared_ptr<void>> sharedMemory;
+    unsigned processes = 1; ///< that may read at once
 
     /// Lets go of the frames; what all have in common stays.
     void dropFrames()

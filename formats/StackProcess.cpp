@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QFile>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <sys/mman.h>
@@ -75,6 +76,37 @@ StackWords wordsOf(const std::string& text)
     return words;
 }
 
+bool isRoomFor(std::size_t bytes)
+{
+    return bytes > 0 && (bytes <= smallMemory || bytes <= availableMemory());
+}
+
+/// Adds the limits of a process to what it is asked.
+/// @return the seconds that it may take
+double addLimits(std::size_t bytes, std::size_t copied, std::vector<std::string>& words)
+{
+    const StackLimits& limits = program().limits;
+    const double seconds = limits.seconds + static_cast<double>(bytes + copied) /
+                                                static_cast<double>(limits.bytesASecond);
+    words.push_back("seconds=" + std::to_string(static_cast<long>(seconds) + 1));
+    words.push_back("memory=" + std::to_string(limits.memory + 2 * bytes));
+    return seconds;
+}
+
+/// @return why it is none
+std::optional<FileFault> takeAnswer(const QString& path, const ChildAnswer& said, double seconds,
+                                    StackWords& answer)
+{
+    answer = wordsOf(said.text);
+    if (said.outcome != ChildAnswer::Answered)
+        return FileFault{path, 0, failureText(said, seconds)};
+    if (answer.values.count("refused") > 0)
+        return FileFault{path, 0, textFromUtf8(answer.value("refused"))};
+    if (answer.values.count("done") == 0)
+        return FileFault{path, 0, failureText({ChildAnswer::Failed, 0, {}, 0}, seconds)};
+    return std::nullopt;
+}
+
 } // namespace
 
 void setStackProgram(const QString& path, const StackLimits& limits)
@@ -84,7 +116,7 @@ void setStackProgram(const QString& path, const StackLimits& limits)
 
 PixelMemory::PixelMemory(std::size_t bytes) : m_bytes(bytes)
 {
-    if (bytes == 0 || (bytes > smallMemory && bytes > availableMemory()))
+    if (!isRoomFor(bytes))
         return;
     m_descriptor = memfd_create("pixels", MFD_CLOEXEC);
     if (m_descriptor < 0 || ftruncate(m_descriptor, static_cast<off_t>(bytes)) != 0)
@@ -102,32 +134,58 @@ PixelMemory::~PixelMemory()
         close(m_descriptor);
 }
 
-long StackWords::number(const std::string& key) const
+long StackWords::number(const std::string& key, std::size_t at) const
 {
-    return std::strtol(value(key).c_str(), nullptr, 10);
+    return std::strtol(value(key, at).c_str(), nullptr, 10);
 }
 
 std::optional<FileFault> askStackProcess(const QString& path, std::vector<std::string> words,
                                          const PixelMemory* pixels, StackWords& answer,
                                          std::size_t copied)
 {
-    const StackLimits& limits = program().limits;
     const std::size_t bytes = pixels != nullptr ? pixels->size() : 0;
-    const double seconds = limits.seconds + static_cast<double>(bytes + copied) /
-                                                static_cast<double>(limits.bytesASecond);
-    words.push_back("seconds=" + std::to_string(static_cast<long>(seconds) + 1));
-    words.push_back("memory=" + std::to_string(limits.memory + 2 * bytes));
+    const double seconds = addLimits(bytes, copied, words);
     const ChildAnswer said =
         askChild(QFile::encodeName(programPath()).toStdString(), words,
                  pixels != nullptr ? pixels->descriptor() : -1, seconds, longestAnswer);
-    if (said.outcome != ChildAnswer::Answered)
-        return FileFault{path, 0, failureText(said, seconds)};
-    answer = wordsOf(said.text);
-    if (answer.values.count("refused") > 0)
-        return FileFault{path, 0, textFromUtf8(answer.value("refused"))};
-    if (answer.values.count("done") == 0)
-        return FileFault{path, 0, failureText({ChildAnswer::Failed, 0, {}}, seconds)};
-    return std::nullopt;
+    return takeAnswer(path, said, seconds, answer);
+}
+
+std::shared_ptr<PixelArray<char>> pixelsToCome(std::size_t bytes)
+{
+    auto pixels = std::make_shared<PixelArray<char>>();
+    return isRoomFor(bytes) && pixels->resize(bytes) ? pixels : nullptr;
+}
+
+std::optional<FileFault> askForPixels(const QString& path, const std::vector<std::string>& words,
+                                      PixelArray<char>& pixels, unsigned most, StackWords& answer)
+{
+    const std::size_t bytesAProcess = std::max<std::size_t>(1, program().limits.bytesAProcess);
+    const std::size_t count =
+        std::clamp<std::size_t>(pixels.size() / bytesAProcess, 1, std::max(1U, most));
+    std::vector<std::vector<std::string>> shares(count, words);
+    double seconds = 0.0;
+    for (std::size_t k = 0; k < count; ++k) {
+        shares[k].push_back("bytes=" + std::to_string(pixels.size()));
+        shares[k].push_back("share=" + std::to_string(k) + '/' + std::to_string(count));
+        seconds = addLimits(pixels.size(), 0, shares[k]);
+    }
+    const auto isFault = [&](const ChildAnswer& said) {
+        StackWords its;
+        return takeAnswer(path, said, seconds, its).has_value();
+    };
+    const std::vector<ChildAnswer> said =
+        askChildren(QFile::encodeName(programPath()).toStdString(), shares,
+                    {pixels.data(), pixels.size()}, seconds, longestAnswer, isFault);
+    const auto fault = std::find_if(said.begin(), said.end(), isFault);
+    if (fault != said.end())
+        return takeAnswer(path, *fault, seconds, answer);
+    std::size_t received = 0;
+    for (const ChildAnswer& share : said)
+        received += share.received;
+    if (received != pixels.size())
+        return FileFault{path, 0, failureText({ChildAnswer::Failed, 0, {}, 0}, seconds)};
+    return takeAnswer(path, said.front(), seconds, answer);
 }
 
 WriteOutcome writeByStackProcess(const QString& path, std::vector<std::string> words,

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "formats/FileFault.h"
+#include "system/PixelArray.h"
 #include "system/SafeFile.h"
 
+#include <iterator>
 #include <map>
 #include <memory>
 #include <optional>
@@ -11,15 +13,16 @@
 
 /// Limits of the process that reads and writes HDF5 and TIFF files.
 struct StackLimits {
-    double seconds = 60.0;                           ///< beside those for the pixels
-    std::size_t memory = std::size_t{2} << 30;       ///< bytes beside those of the pixels
-    std::size_t bytesASecond = std::size_t{5} << 20; ///< that a slow disk gives
+    double seconds = 60.0;                            ///< beside those for the pixels
+    std::size_t memory = std::size_t{2} << 30;        ///< bytes beside those of the pixels
+    std::size_t bytesASecond = std::size_t{5} << 20;  ///< that a slow disk gives
+    std::size_t bytesAProcess = std::size_t{1} << 24; ///< pixels for which another one is started
 };
 
 /// The program that does; found beside this one unless a place is given here. For tests.
 void setStackProgram(const QString& path, const StackLimits& limits = {});
 
-/// Memory for pixels that another process fills or reads.
+/// Memory for pixels that another process reads.
 class PixelMemory
 {
 public:
@@ -43,21 +46,36 @@ private:
 struct StackWords {
     std::multimap<std::string, std::string> values;
 
-    std::string value(const std::string& key) const
+    /// The first value, or one behind it; empty where there is none.
+    std::string value(const std::string& key, std::size_t at = 0) const
     {
-        const auto found = values.find(key);
-        return found == values.end() ? std::string() : found->second;
+        const auto [first, last] = values.equal_range(key);
+        const auto count = static_cast<std::size_t>(std::distance(first, last));
+        return at < count ? std::next(first, static_cast<std::ptrdiff_t>(at))->second
+                          : std::string();
     }
-    long number(const std::string& key) const;
+    long number(const std::string& key, std::size_t at = 0) const;
 };
 
 /// Asks the process. What fails there is a fault here, and nothing worse.
 /// @param path    of the file that the words name, for the fault
-/// @param pixels  that it fills, or reads; null for none
+/// @param pixels  that it reads; null for none
+/// @param answer  what it said before a fault, too
 /// @param copied  bytes that it copies from file to file, for its time
 std::optional<FileFault> askStackProcess(const QString& path, std::vector<std::string> words,
                                          const PixelMemory* pixels, StackWords& answer,
                                          std::size_t copied = 0);
+
+/// Memory for pixels that processes send; not touched before they come.
+/// @return null where there is not as much
+std::shared_ptr<PixelArray<char>> pixelsToCome(std::size_t bytes);
+
+/// Asks several processes at once, each of which sends its share of the pixels; one where they are
+/// few. The fault is that of the first share that has one.
+/// @param most    processes
+/// @param answer  of that share, or of the first
+std::optional<FileFault> askForPixels(const QString& path, const std::vector<std::string>& words,
+                                      PixelArray<char>& pixels, unsigned most, StackWords& answer);
 
 /// Has the process write a file that is put into its place when it is whole.
 /// @param words  without the file

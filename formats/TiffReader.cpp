@@ -1,13 +1,16 @@
 #include "formats/TiffReader.h"
 
-#include "formats/Frame.h"
-#include "formats/SharedPixels.h"
+#include "analysis/Constants.h"
+#include "formats/PixelSender.h"
+#include "formats/PlaneNumbers.h"
 #include "formats/StackFault.h"
+#include "formats/StackShare.h"
 
 #include <tiffio.h>
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -117,10 +120,15 @@ void copyBlock(const char* block, std::size_t blockX, std::size_t blockY, std::s
 /// Blocks larger than this are no part of an image.
 constexpr std::int64_t largestBlock = std::int64_t{1} << 31;
 
-std::vector<char> blockMemory(std::int64_t bytes)
+void checkBlock(std::int64_t bytes)
 {
     if (bytes <= 0 || bytes > largestBlock)
         throw StackFault("has a strip or tile of a size that makes no sense");
+}
+
+std::vector<char> blockMemory(std::int64_t bytes)
+{
+    checkBlock(bytes);
     return std::vector<char>(static_cast<std::size_t>(bytes));
 }
 
@@ -153,27 +161,58 @@ void readStrips(TIFF* file, const Page& page, const Cut& cut, char* to)
     TIFFGetFieldDefaulted(file, TIFFTAG_ROWSPERSTRIP, &stripRows);
     const std::size_t rows = std::clamp<std::size_t>(stripRows, 1, page.rows);
     const std::size_t rowBytes = std::size_t{page.columns} * bytes;
-    std::vector<char> strip = blockMemory(static_cast<std::int64_t>(
-        std::min<std::uint64_t>(rows * rowBytes, static_cast<std::uint64_t>(largestBlock) + 1)));
+    const auto stripBytes = static_cast<std::int64_t>(
+        std::min<std::uint64_t>(rows * rowBytes, static_cast<std::uint64_t>(largestBlock) + 1));
+    checkBlock(stripBytes);
+    std::vector<char> strip;
     for (std::size_t y = cut.y / rows * rows; y < cut.y + cut.height; y += rows) {
         const std::size_t here = std::min(rows, page.rows - y);
         const auto wanted = static_cast<tmsize_t>(here * rowBytes);
+        // A strip of which all is wanted goes straight to its place.
+        const bool straight =
+            cut.width == page.columns && y >= cut.y && y + here <= cut.y + cut.height;
+        if (!straight && strip.empty())
+            strip = blockMemory(stripBytes);
+        char* const place = straight ? to + (y - cut.y) * rowBytes : strip.data();
         const tmsize_t got = TIFFReadEncodedStrip(
-            file, TIFFComputeStrip(file, static_cast<std::uint32_t>(y), 0), strip.data(), wanted);
+            file, TIFFComputeStrip(file, static_cast<std::uint32_t>(y), 0), place, wanted);
         if (got != wanted)
             throw StackFault("has a strip that cannot be read");
-        copyBlock(strip.data(), 0, y, page.columns, here, cut, bytes, to);
+        if (!straight)
+            copyBlock(strip.data(), 0, y, page.columns, here, cut, bytes, to);
     }
 }
 
-} // namespace
+/// Files or pages that are asked for together.
+struct TiffSet {
+    bool mean = false;
+    std::vector<std::string> words;
+};
 
-std::string describeTiff(const StackRequest& request)
+/// The values of a key behind each "set", or those of a request without sets.
+std::vector<TiffSet> setsOf(const StackRequest& request, const std::string& key)
+{
+    std::vector<TiffSet> sets;
+    for (const std::string& word : request.words) {
+        const std::size_t equals = std::min(word.find('='), word.size() - 1);
+        const std::string name = word.substr(0, equals);
+        const std::string value = word.substr(equals + 1);
+        if (name == "set")
+            sets.push_back({value == "mean", {}});
+        if (name == key && sets.empty())
+            sets.emplace_back();
+        if (name == key)
+            sets.back().words.push_back(value);
+    }
+    return sets;
+}
+
+std::string descriptionOf(const std::vector<std::string>& paths)
 {
     Page first;
     std::string pages;
     std::size_t all = 0;
-    for (const std::string& path : request.values("file")) {
+    for (const std::string& path : paths) {
         const TiffFile file = open(path);
         std::size_t count = 0;
         do {
@@ -193,36 +232,129 @@ std::string describeTiff(const StackRequest& request)
            line("pages", pages) + line("type", std::to_string(static_cast<int>(first.type)));
 }
 
+/// Reads what a region has of pages; a file stays open for those that follow.
+class PageReader
+{
+public:
+    PageReader(const Cut& cut, PixelType type) : m_cut(cut), m_type(type) {}
+
+    std::size_t pixels() const { return m_cut.width * m_cut.height; }
+    PixelType type() const { return m_type; }
+
+    /// @param word  the path of a file, a tab and the number of a page
+    void read(const std::string& word, char* to)
+    {
+        const std::size_t tab = word.find('\t');
+        const std::string path = word.substr(0, tab);
+        if (!m_file || path != m_path)
+            m_file = open(path);
+        m_path = path;
+        const auto number = static_cast<tdir_t>(std::atoi(word.substr(tab + 1).c_str()));
+        if (TIFFSetDirectory(m_file.get(), number) != 1)
+            throw StackFault("has a page that cannot be read");
+        const Page page = pageOf(m_file.get());
+        if (page.type != m_type || m_cut.x + m_cut.width > page.columns ||
+            m_cut.y + m_cut.height > page.rows)
+            throw StackFault("is not as large as it was");
+        if (TIFFIsTiled(m_file.get()) != 0)
+            readTiles(m_file.get(), page, m_cut, to);
+        else
+            readStrips(m_file.get(), page, m_cut, to);
+    }
+
+private:
+    Cut m_cut;
+    PixelType m_type;
+    std::string m_path;
+    TiffFile m_file;
+};
+
+/// The mean of pages; a number that is not finite has none.
+void readMeanPage(PageReader& reader, const std::vector<std::string>& pages, double* mean)
+{
+    constexpr std::size_t block = 512;
+    std::array<double, block> numbers{};
+    PixelArray<char> page;
+    if (!page.resize(reader.pixels() * bytesOf(reader.type())))
+        throw std::bad_alloc();
+    const double weight = 1.0 / static_cast<double>(pages.size());
+    for (std::size_t k = 0; k < pages.size(); ++k) {
+        reader.read(pages[k], page.data());
+        for (std::size_t first = 0; first < reader.pixels(); first += block) {
+            const std::size_t count = std::min(block, reader.pixels() - first);
+            loadNumbers({reader.type(), page.data()}, first, count, numbers.data());
+            for (std::size_t i = 0; i < count; ++i) {
+                const double number = std::isfinite(numbers[i]) ? numbers[i] : notANumber;
+                mean[first + i] = (k > 0 ? mean[first + i] : 0.0) + weight * number;
+            }
+        }
+    }
+}
+
+/// What is read at once: a page, or all pages of a mean.
+struct PagePiece {
+    std::size_t set = 0; ///< that it belongs to
+    bool mean = false;
+    std::vector<std::string> pages;
+    std::size_t offset = 0; ///< among all bytes
+};
+
+/// @param bytes  of all
+std::vector<PagePiece> piecesOf(const std::vector<TiffSet>& sets, const PageReader& reader,
+                                std::size_t& bytes)
+{
+    std::vector<PagePiece> pieces;
+    bytes = 0;
+    for (std::size_t k = 0; k < sets.size(); ++k) {
+        const std::vector<std::string>& pages = sets[k].words;
+        if (sets[k].mean) {
+            pieces.push_back({k, true, pages, stack_words::evenly(bytes)});
+            bytes = pieces.back().offset + reader.pixels() * sizeof(double);
+            continue;
+        }
+        for (const std::string& page : pages) {
+            pieces.push_back({k, false, {page}, bytes});
+            bytes += reader.pixels() * bytesOf(reader.type());
+        }
+    }
+    return pieces;
+}
+
+} // namespace
+
+std::string describeTiff(const StackRequest& request)
+{
+    for (const TiffSet& set : setsOf(request, "file"))
+        stack_words::tell(descriptionOf(set.words));
+    return {};
+}
+
 std::string planesOfTiff(const StackRequest& request)
 {
     Cut cut;
     char comma = ',';
     std::istringstream region(request.value("region"));
     region >> cut.x >> comma >> cut.y >> comma >> cut.width >> comma >> cut.height;
-    const auto type = static_cast<PixelType>(std::atoi(request.value("type").c_str()));
-    const std::size_t bytes = cut.width * cut.height * bytesOf(type);
-    const std::vector<std::string> pages = request.values("page");
-    SharedPixels shared(stack_words::sharedMemory, bytes * pages.size());
-    char* to = shared.data();
-    std::string openPath;
-    TiffFile file;
-    for (const std::string& word : pages) {
-        const std::size_t tab = word.find('\t');
-        const std::string path = word.substr(0, tab);
-        if (!file || path != openPath)
-            file = open(path);
-        openPath = path;
-        if (TIFFSetDirectory(file.get(),
-                             static_cast<tdir_t>(std::atoi(word.substr(tab + 1).c_str()))) != 1)
-            throw StackFault("has a page that cannot be read");
-        const Page page = pageOf(file.get());
-        if (page.type != type || cut.x + cut.width > page.columns || cut.y + cut.height > page.rows)
-            throw StackFault("is not as large as it was");
-        if (TIFFIsTiled(file.get()) != 0)
-            readTiles(file.get(), page, cut, to);
+    PageReader reader(cut, static_cast<PixelType>(std::atoi(request.value("type").c_str())));
+    std::size_t bytes = 0;
+    const std::vector<PagePiece> pieces = piecesOf(setsOf(request, "page"), reader, bytes);
+    if (request.value("bytes") != std::to_string(bytes))
+        throw StackFault("is not as large as it was");
+    PixelSender sender;
+    std::vector<std::size_t> work;
+    work.reserve(pieces.size());
+    for (const PagePiece& piece : pieces)
+        work.push_back(piece.pages.size());
+    const auto [first, last] = shareOf(work, request.value("share"));
+    for (std::size_t k = first; k < last; ++k) {
+        const PagePiece& piece = pieces[k];
+        if (k == first || piece.set != pieces[k - 1].set)
+            stack_words::tell(line("set", std::to_string(piece.set)));
+        if (piece.mean)
+            readMeanPage(reader, piece.pages, sender.doubles(reader.pixels()));
         else
-            readStrips(file.get(), page, cut, to);
-        to += bytes;
+            reader.read(piece.pages.front(), sender.room(reader.pixels() * bytesOf(reader.type())));
+        sender.send(piece.offset);
     }
     return {};
 }

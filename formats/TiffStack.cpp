@@ -1,5 +1,6 @@
 #include "formats/TiffStack.h"
 
+#include "formats/StackAnswer.h"
 #include "formats/StackEnergies.h"
 #include "formats/StackProcess.h"
 #include "formats/TextTable.h"
@@ -25,8 +26,6 @@ struct PageOf {
 };
 
 using Pages = std::vector<PageOf>;
-
-using Memory = std::vector<std::shared_ptr<void>>;
 
 /// Runs of digits count as numbers, all else as characters.
 bool isBefore(const QString& a, const QString& b)
@@ -106,6 +105,16 @@ QString energyFileOf(const StackSource& source)
                : source.energies;
 }
 
+/// TiffImages that are read together: the frames, flats or darks.
+struct TiffImages {
+    Plane Frame::*place = nullptr;
+    Pages pages;            ///< one for each frame, or those that make one image for all
+    bool isShared = false;  ///< one image for all
+    std::size_t offset = 0; ///< in the memory
+
+    bool isMean() const { return isShared && pages.size() > 1; }
+};
+
 class TiffStack : public Stack
 {
 public:
@@ -115,14 +124,16 @@ public:
     std::optional<FileFault> open(const StackSource& source);
 
 private:
-    std::optional<FileFault> describe(const QStringList& files, Pages& pages);
     std::optional<FileFault> readEnergies(const StackSource& source, QStringList& files);
-    std::optional<FileFault> readPages(const Pages& pages, const Region& region, Memory& memory,
-                                       std::vector<Plane>& planes);
-    std::optional<FileFault> readMean(const Pages& pages, const Region& region, Memory& memory,
-                                      Plane& plane);
-    std::optional<FileFault> readImages(const Pages& pages, const std::vector<std::size_t>& indices,
-                                        const Region& region, FrameSet& set, Plane Frame::*place);
+    std::optional<FileFault> describeAll(const StackSource& source, const QStringList& files);
+    std::optional<FileFault> takeFrames(const QStringList& files, const StackWords& answer);
+    std::optional<FileFault> takePages(const QStringList& files, const StackWords& answer,
+                                       std::size_t set, Pages& pages);
+    std::vector<TiffImages> imagesOf(const std::vector<std::size_t>& indices,
+                                     const FrameSet& set) const;
+    void takeImages(const std::vector<TiffImages>& all,
+                    const std::shared_ptr<PixelArray<char>>& memory, std::size_t pixels,
+                    FrameSet& set) const;
 
     QString m_path;
     Pages m_frames;
@@ -131,34 +142,28 @@ private:
     double m_darkLevel = 0.0;
 };
 
-std::optional<FileFault> TiffStack::describe(const QStringList& files, Pages& pages)
+/// Takes what the process says of the pages of some files.
+std::optional<FileFault> TiffStack::takePages(const QStringList& files, const StackWords& answer,
+                                              std::size_t set, Pages& pages)
 {
-    std::vector<std::string> words{"describe-tiff"};
-    for (const QString& file : files)
-        words.push_back("file=" + QFile::encodeName(file).toStdString());
-    StackWords answer;
-    const QString path = files.value(0, m_path);
-    if (files.isEmpty())
-        return FileFault{path, 0, QStringLiteral("there is no such file")};
-    if (auto fault = askStackProcess(path, std::move(words), nullptr, answer))
-        return fault;
+    const QString& path = files.front();
     constexpr long largestSide = 1 << 20;
     for (const char* const side : {"columns", "rows"})
-        if (answer.number(side) < 1 || answer.number(side) > largestSide)
+        if (answer.number(side, set) < 1 || answer.number(side, set) > largestSide)
             return FileFault{path, 0, QStringLiteral("has images of a size that makes no sense")};
-    const int columns = static_cast<int>(answer.number("columns"));
-    const int rows = static_cast<int>(answer.number("rows"));
+    const int columns = static_cast<int>(answer.number("columns", set));
+    const int rows = static_cast<int>(answer.number("rows", set));
     if (m_facts.columns == 0) {
         m_facts.columns = columns;
         m_facts.rows = rows;
-        m_facts.type = static_cast<PixelType>(answer.number("type"));
+        m_facts.type = static_cast<PixelType>(answer.number("type", set));
     }
     if (columns != m_facts.columns || rows != m_facts.rows ||
-        answer.number("type") != static_cast<long>(m_facts.type))
+        answer.number("type", set) != static_cast<long>(m_facts.type))
         return FileFault{
             path, 0,
             QStringLiteral("has other pages than %1: their size or type differs").arg(m_path)};
-    std::istringstream counts(answer.value("pages"));
+    std::istringstream counts(answer.value("pages", set));
     for (const QString& file : files) {
         long count = 0;
         counts >> count;
@@ -200,7 +205,16 @@ std::optional<FileFault> TiffStack::open(const StackSource& source)
                                         "\"transmission\" or \"counts\"")};
     if (auto fault = readEnergies(source, files))
         return fault;
-    if (auto fault = describe(files, m_frames))
+    if (auto fault = describeAll(source, files))
+        return fault;
+    if (source.values == StackValues::Counts && source.dark.isEmpty() && !source.darkLevel)
+        m_facts.warnings += QStringLiteral("there is no dark image; 0 counts are taken for dark");
+    return std::nullopt;
+}
+
+std::optional<FileFault> TiffStack::takeFrames(const QStringList& files, const StackWords& answer)
+{
+    if (auto fault = takePages(files, answer, 0, m_frames))
         return fault;
     if (m_frames.size() != m_facts.energies.size())
         return FileFault{m_path, 0,
@@ -211,29 +225,120 @@ std::optional<FileFault> TiffStack::open(const StackSource& source)
     if (auto wrong = toElectronVolt(m_facts.energies, QString(), assumed))
         return FileFault{m_path, 0, *wrong};
     m_facts.assumed += assumed;
-    if (source.values != StackValues::Counts)
-        return std::nullopt;
-    if (source.flat.isEmpty())
-        return FileFault{m_path, 0,
-                         QStringLiteral("has counts and no images without sample; name them: flat "
-                                        "= \"...\"")};
-    if (auto fault = describe(filesOf(source.flat), m_flats))
-        return fault;
-    if (!source.dark.isEmpty() && !source.darkLevel)
-        return describe(filesOf(source.dark), m_darks);
-    if (!source.darkLevel)
-        m_facts.warnings += QStringLiteral("there is no dark image; 0 counts are taken for dark");
     return std::nullopt;
 }
 
-std::optional<FileFault> TiffStack::readPages(const Pages& pages, const Region& region,
-                                              Memory& kept, std::vector<Plane>& planes)
+/// Asks once for all sets of files.
+/// @param known  sets that are described before there is a fault
+std::optional<FileFault> askForSets(const std::vector<QStringList>& sets, StackWords& answer,
+                                    std::size_t& known)
 {
-    const std::size_t bytes = static_cast<std::size_t>(region.width) *
-                              static_cast<std::size_t>(region.height) * bytesOf(m_facts.type);
-    const auto memory = std::make_shared<PixelMemory>(bytes * pages.size());
-    if (!memory->isThere())
-        return FileFault{m_path, 0, QStringLiteral("does not fit in memory")};
+    std::vector<std::string> words{"describe-tiff"};
+    std::size_t asked = 0;
+    for (const QStringList& files : sets) {
+        if (files.isEmpty()) // is a fault, and nothing behind it is looked at
+            break;
+        ++asked;
+        words.emplace_back("set=");
+        for (const QString& file : files)
+            words.push_back("file=" + QFile::encodeName(file).toStdString());
+    }
+    known = 0;
+    if (asked == 0)
+        return std::nullopt;
+    auto fault = askStackProcess(sets.front().front(), std::move(words), nullptr, answer);
+    known = std::min(answer.values.count("type"), fault ? asked - 1 : asked);
+    if (fault)
+        fault->path = sets[known].front();
+    return fault;
+}
+
+/// The files of frames, flats and darks, as far as the values need them.
+std::vector<QStringList> fileSetsOf(const StackSource& source, const QStringList& files)
+{
+    std::vector<QStringList> sets{files};
+    if (source.values != StackValues::Counts)
+        return sets;
+    sets.push_back(source.flat.isEmpty() ? QStringList() : filesOf(source.flat));
+    if (!source.dark.isEmpty() && !source.darkLevel)
+        sets.push_back(filesOf(source.dark));
+    return sets;
+}
+
+/// Frames, flats and darks in this order: what is wrong with one is told before what is wrong with
+/// those behind it.
+std::optional<FileFault> TiffStack::describeAll(const StackSource& source, const QStringList& files)
+{
+    const std::vector<QStringList> sets = fileSetsOf(source, files);
+    StackWords answer;
+    std::size_t known = 0;
+    auto fault = askForSets(sets, answer, known);
+    for (std::size_t k = 0; k < sets.size(); ++k) {
+        if (k == 1 && source.flat.isEmpty())
+            return FileFault{m_path, 0,
+                             QStringLiteral("has counts and no images without sample; name them: "
+                                            "flat = \"...\"")};
+        if (sets[k].isEmpty())
+            return FileFault{m_path, 0, QStringLiteral("there is no such file")};
+        if (k >= known)
+            return fault;
+        Pages& pages = k == 1 ? m_flats : m_darks;
+        if (auto wrong = k == 0 ? takeFrames(files, answer) : takePages(sets[k], answer, k, pages))
+            return wrong;
+    }
+    return std::nullopt;
+}
+
+/// What is to be read: an image for each frame, or one for all, which may be there.
+std::vector<TiffImages> TiffStack::imagesOf(const std::vector<std::size_t>& indices,
+                                            const FrameSet& set) const
+{
+    std::vector<TiffImages> all;
+    const auto add = [&](const Pages& pages, Plane Frame::*place) {
+        TiffImages images{place, {}, pages.size() != m_frames.size()};
+        if (images.isShared)
+            images.pages = pages;
+        else
+            for (const std::size_t i : indices)
+                images.pages.push_back(pages[i]);
+        if (!pages.empty() && !(images.isShared && (set.shared.*place).pixels != nullptr))
+            all.push_back(std::move(images));
+    };
+    add(m_frames, &Frame::frame);
+    add(m_flats, &Frame::flat);
+    add(m_darks, &Frame::dark);
+    return all;
+}
+
+void TiffStack::takeImages(const std::vector<TiffImages>& all,
+                           const std::shared_ptr<PixelArray<char>>& memory, std::size_t pixels,
+                           FrameSet& set) const
+{
+    const std::size_t planeBytes = pixels * bytesOf(m_facts.type);
+    set.memory.push_back(memory);
+    set.shared.values = m_facts.values;
+    set.shared.darkLevel = m_darkLevel;
+    for (const TiffImages& images : all)
+        if (images.isShared) {
+            set.shared.*images.place = {images.isMean() ? PixelType::F64 : m_facts.type,
+                                        memory->data() + images.offset};
+            set.sharedMemory.push_back(memory);
+        }
+    for (std::size_t k = 0; k < all.front().pages.size(); ++k) {
+        Frame frame = set.shared;
+        for (const TiffImages& images : all)
+            if (!images.isShared)
+                frame.*
+                    images.place = {m_facts.type, memory->data() + images.offset + k * planeBytes};
+        set.frames.push_back(frame);
+    }
+}
+
+std::optional<FileFault> TiffStack::read(const std::vector<std::size_t>& indices,
+                                         const Region& region, FrameSet& set)
+{
+    const std::size_t pixels =
+        static_cast<std::size_t>(region.width) * static_cast<std::size_t>(region.height);
     std::vector<std::string> words{"planes-tiff",
                                    "type=" + std::to_string(static_cast<int>(m_facts.type)),
                                    QStringLiteral("region=%1,%2,%3,%4")
@@ -242,83 +347,31 @@ std::optional<FileFault> TiffStack::readPages(const Pages& pages, const Region& 
                                        .arg(region.width)
                                        .arg(region.height)
                                        .toStdString()};
-    for (const PageOf& page : pages)
-        words.push_back("page=" + QFile::encodeName(page.path).toStdString() + '\t' +
-                        std::to_string(page.page));
-    StackWords answer;
-    if (auto fault = askStackProcess(pages.front().path, std::move(words), memory.get(), answer))
-        return fault;
-    kept.push_back(memory);
-    for (std::size_t k = 0; k < pages.size(); ++k)
-        planes.push_back({m_facts.type, memory->data() + k * bytes});
-    return std::nullopt;
-}
-
-std::optional<FileFault> TiffStack::readMean(const Pages& pages, const Region& region,
-                                             Memory& memory, Plane& plane)
-{
-    std::vector<Plane> all;
-    if (auto fault = readPages(pages, region, memory, all))
-        return fault;
-    const std::size_t pixels =
-        static_cast<std::size_t>(region.width) * static_cast<std::size_t>(region.height);
-    const auto mean = std::make_shared<PixelArray<double>>();
-    if (!mean->resize(pixels))
+    std::vector<TiffImages> all = imagesOf(indices, set);
+    std::size_t bytes = 0;
+    for (TiffImages& images : all) {
+        words.emplace_back(images.isMean() ? "set=mean" : "set=each");
+        for (const PageOf& page : images.pages)
+            words.push_back("page=" + QFile::encodeName(page.path).toStdString() + '\t' +
+                            std::to_string(page.page));
+        images.offset = images.isMean() ? stack_words::evenly(bytes) : bytes;
+        bytes = images.offset + (images.isMean()
+                                     ? pixels * sizeof(double)
+                                     : images.pages.size() * pixels * bytesOf(m_facts.type));
+    }
+    const auto memory = pixelsToCome(bytes);
+    if (!memory)
         return FileFault{m_path, 0, QStringLiteral("does not fit in memory")};
-    Frame frame;
-    frame.weight = 1.0 / static_cast<double>(all.size());
-    for (std::size_t k = 0; k < all.size(); ++k) {
-        frame.frame = all[k];
-        addMut(frame, 0, pixels, mean->data(), k > 0); // numbers that are mu-t stay as they are
+    StackWords answer;
+    if (auto fault = askForPixels(m_path, words, *memory, set.processes, answer)) {
+        const std::size_t sets = answer.values.count("set");
+        const auto at = static_cast<std::size_t>(answer.number("set", sets > 0 ? sets - 1 : 0));
+        const Pages& pages = all[std::min(at, all.size() - 1)].pages;
+        fault->path = pages.empty() ? m_path : pages.front().path;
+        return fault;
     }
-    memory.back() = mean; // the pages are not needed any more
-    plane = {PixelType::F64, reinterpret_cast<const char*>(mean->data())};
+    takeImages(all, memory, pixels, set);
     return std::nullopt;
-}
-
-/// Puts flat or dark images into the frames: one for each, or their mean for all.
-std::optional<FileFault> TiffStack::readImages(const Pages& pages,
-                                               const std::vector<std::size_t>& indices,
-                                               const Region& region, FrameSet& set,
-                                               Plane Frame::*place)
-{
-    if (pages.empty())
-        return std::nullopt;
-    std::vector<Plane> planes;
-    std::optional<FileFault> fault;
-    if (pages.size() == m_frames.size()) {
-        Pages wanted;
-        for (const std::size_t i : indices)
-            wanted.push_back(pages[i]);
-        fault = readPages(wanted, region, set.memory, planes);
-    } else {
-        if ((set.shared.*place).pixels == nullptr)
-            fault = readMean(pages, region, set.sharedMemory, set.shared.*place);
-        planes.assign(indices.size(), set.shared.*place);
-    }
-    for (std::size_t k = 0; !fault && k < indices.size(); ++k)
-        set.frames[k].*place = planes[k];
-    return fault;
-}
-
-std::optional<FileFault> TiffStack::read(const std::vector<std::size_t>& indices,
-                                         const Region& region, FrameSet& set)
-{
-    std::vector<Plane> frames;
-    Pages wanted;
-    for (const std::size_t i : indices)
-        wanted.push_back(m_frames[i]);
-    if (auto fault = readPages(wanted, region, set.memory, frames))
-        return fault;
-    set.shared.values = m_facts.values;
-    set.shared.darkLevel = m_darkLevel;
-    for (const Plane& plane : frames) {
-        set.frames.push_back(set.shared);
-        set.frames.back().frame = plane;
-    }
-    if (auto fault = readImages(m_flats, indices, region, set, &Frame::flat))
-        return fault;
-    return readImages(m_darks, indices, region, set, &Frame::dark);
 }
 
 } // namespace

@@ -6,7 +6,6 @@
 #include "formats/TiffWriter.h"
 
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <new>
 #include <sys/prctl.h>
@@ -80,7 +79,6 @@ int main(int argc, char* argv[])
     } catch (const std::exception& fault) {
         said = stack_words::line("refused", fault.what());
     }
-    std::fwrite(said.data(), 1, said.size(), stdout);
-    std::fflush(stdout);
+    stack_words::tell(said);
     std::_Exit(0); // what a damaged file left of a library is not cleaned up
 }

@@ -37,6 +37,8 @@ private slots:
     void chunksNeverWritten();
     void unorderedAndDoubleEnergies();
     void groupsInThemselves();
+    void oneImageForAll();
+    void faultOfTheFirstSet();
 
 private:
     static void linkKinds();
@@ -686,6 +688,100 @@ void tst_DamagedStacks::groupsInThemselves()
                              nullptr, words));
     QVERIFY(words.values.count("set") > 0);
     QVERIFY(words.values.count("set") <= 200);
+}
+
+namespace
+{
+
+/// Counts as they are, with one flat and one dark image.
+void writeCounts(const QString& path, const CountedStack& stack, hid_t plist = H5P_DEFAULT)
+{
+    const Hdf5Writer h5(path);
+    h5.set("/counts", stackSize, H5T_NATIVE_UINT16, stack.counts.data(), plist);
+    h5.set("/flat", {rows, columns}, H5T_NATIVE_UINT16, stack.flats.data(), H5P_DEFAULT);
+    h5.set("/dark", {1, rows, columns}, H5T_NATIVE_UINT16, stack.dark.data(), H5P_DEFAULT);
+    h5.energies(stack.energies, "/e");
+}
+
+StackSource countsOf(const QString& path)
+{
+    StackSource source = sourceOf(path, StackValues::Counts);
+    source.data = QStringLiteral("/counts");
+    source.energies = QStringLiteral("/e");
+    source.flat = QStringLiteral("/flat");
+    source.dark = QStringLiteral("/dark");
+    return source;
+}
+
+} // namespace
+
+/// It stays as it is stored: a mean in double precision would take four times the memory.
+void tst_DamagedStacks::oneImageForAll()
+{
+    const QString path = file(QStringLiteral("counts.h5"));
+    const CountedStack truth = counted();
+    writeCounts(path, truth);
+    FileFault fault;
+    const auto stack = openStack(countsOf(path), fault);
+    QVERIFY2(stack, qPrintable(fault.reason));
+    FrameSet set;
+    QVERIFY(!stack->read({1, 3}, {0, 0, truth.columns, truth.rows}, set));
+    for (const auto& [plane, numbers] :
+         {std::pair(set.shared.flat, &truth.flats), std::pair(set.shared.dark, &truth.dark)}) {
+        QCOMPARE(static_cast<int>(plane.type), static_cast<int>(PixelType::U16));
+        QVERIFY(std::memcmp(plane.pixels, numbers->data(), 2 * truth.pixels()) == 0);
+    }
+    std::vector<MapData> maps;
+    QVERIFY(!stackMaps(*stack, path, {8390}, {}, maps));
+    for (std::size_t i = 0; i < truth.pixels(); ++i)
+        QVERIFY(std::abs(maps[0].mut[i] -
+                         std::log((truth.flats[i] - truth.dark[i]) /
+                                  static_cast<double>(truth.counts[2 * truth.pixels() + i] -
+                                                      truth.dark[i]))) < 1e-12);
+}
+
+/// Of a set that is gone and a chunk that cannot be read the former is told, and of two such chunks
+/// nothing else, by however many processes they are read.
+void tst_DamagedStacks::faultOfTheFirstSet()
+{
+    const QString path = file(QStringLiteral("checked.h5"));
+    const CountedStack truth = counted();
+    const hid_t plist = chunked({1, rows, columns});
+    H5Pset_fletcher32(plist);
+    writeCounts(path, truth, plist);
+    H5Pclose(plist);
+    FileFault fault;
+    const auto stack = openStack(countsOf(path), fault);
+    QVERIFY2(stack, qPrintable(fault.reason));
+    StackLimits limits;
+    limits.bytesAProcess = 1;
+    setStackProgram(QStringLiteral(STACK_PROGRAM), limits);
+    const auto reasons = [&] {
+        QStringList all;
+        for (const unsigned processes : {1U, 2U, 3U, 16U}) {
+            Workers workers(processes);
+            std::vector<MapData> maps;
+            const auto wrong = stackMaps(*stack, path, {8313, 8381, 8390, 8460}, {}, maps, workers);
+            all += wrong ? wrong->reason : QStringLiteral("read");
+        }
+        all.removeDuplicates();
+        return all.join(QLatin1Char('|'));
+    };
+    QCOMPARE(reasons(), QStringLiteral("read"));
+    QByteArray bytes = contents(path);
+    for (const std::size_t frame : {1U, 4U}) {
+        const int at = bytes.indexOf(
+            QByteArray(reinterpret_cast<const char*>(truth.counts.data() + frame * truth.pixels()),
+                       static_cast<int>(2 * truth.pixels())));
+        QVERIFY(at > 0);
+        bytes[at] = static_cast<char>(bytes[at] ^ 1);
+    }
+    create(path, bytes);
+    QCOMPARE(reasons(), QStringLiteral("/counts cannot be read"));
+    bytes.replace("dark", "park");
+    create(path, bytes);
+    QCOMPARE(reasons(), QStringLiteral("has no /dark"));
+    setStackProgram(QStringLiteral(STACK_PROGRAM));
 }
 
 QTEST_GUILESS_MAIN(tst_DamagedStacks)

@@ -3,6 +3,7 @@
 #include "formats/StackEnergies.h"
 #include "formats/StackMaps.h"
 #include "formats/StackProcess.h"
+#include "formats/StackShare.h"
 #include "formats/StackSpectrum.h"
 #include "tests/support/ArrayBytes.h"
 #include "tests/support/Files.h"
@@ -45,6 +46,15 @@ private slots:
     void refused_data();
     void refused();
     void processFails();
+    void shares();
+    void severalProcesses_data() { layouts_data(); }
+    void severalProcesses();
+    void oneProcessForAllParts();
+    void faultOfTheFirstPart_data();
+    void faultOfTheFirstPart();
+    void pixelsAreMissing();
+    void faultEndsTheOthers();
+    void oneImageStaysAsStored();
     void meanSpectra_data() { layouts_data(); }
     void meanSpectra();
     void meanOfManyFrames_data();
@@ -691,6 +701,186 @@ void tst_Stack::processFails()
              QStringLiteral("cannot be read: the program drovik-stack does not start"));
     setStackProgram(QStringLiteral(STACK_PROGRAM));
     QCOMPARE(faultOf(source), QStringLiteral("opened"));
+}
+
+namespace
+{
+
+/// The reader of stacks behind a script, which sees what it is asked.
+void askByScript(const QString& path, const QByteArray& text, const StackLimits& limits = {})
+{
+    QFile::remove(path);
+    create(path, "#!/bin/bash\n" + text + "\n");
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::ExeOwner);
+    setStackProgram(path, limits);
+}
+
+/// As many processes as are asked for, however few the pixels.
+StackLimits manyProcesses()
+{
+    StackLimits limits;
+    limits.bytesAProcess = 1;
+    return limits;
+}
+
+/// What stackMaps says of a stack that is read by some processes at once.
+std::optional<FileFault> faultOfMaps(Stack& stack, const Energies& energies, unsigned processes,
+                                     std::vector<MapData>& maps)
+{
+    Workers workers(processes);
+    return stackMaps(stack, QStringLiteral("stack"), energies, {2, 1, 9, 7}, maps, workers);
+}
+
+} // namespace
+
+/// Whole pieces one after the other, each once, about as much for each share.
+void tst_Stack::shares()
+{
+    const auto text = [](const std::vector<std::size_t>& work, int shares) {
+        QStringList parts;
+        for (int k = 0; k < shares; ++k) {
+            const auto [first, last] =
+                shareOf(work, std::to_string(k) + '/' + std::to_string(shares));
+            parts += QStringLiteral("%1-%2").arg(first).arg(last);
+        }
+        return parts.join(QLatin1Char(' '));
+    };
+    QCOMPARE(text({1, 1, 1, 1}, 1), QStringLiteral("0-4"));
+    QCOMPARE(text({1, 1, 1, 1}, 2), QStringLiteral("0-2 2-4"));
+    QCOMPARE(text({3, 1, 1, 1, 1, 1, 1, 1, 1}, 2), QStringLiteral("0-3 3-9"));
+    QCOMPARE(text({1, 1, 8, 1}, 3), QStringLiteral("0-2 2-3 3-4"));
+    QCOMPARE(text({1}, 3), QStringLiteral("0-0 0-1 1-1"));
+    QCOMPARE(text({}, 2), QStringLiteral("0-0 0-0"));
+    QCOMPARE(shareOf({1, 2, 3}, std::string()), std::make_pair(std::size_t{0}, std::size_t{3}));
+}
+
+/// Images do not depend on how many processes read them.
+void tst_Stack::severalProcesses()
+{
+    QFETCH(int, layout);
+    const auto stack = opened(sourceOf(m_dir.path(), allLayouts()[layout]));
+    const Energies wanted{8381, 8387, 8404.5, 8430};
+    std::vector<MapData> one;
+    QVERIFY(!faultOfMaps(*stack, wanted, 1, one));
+    setStackProgram(QStringLiteral(STACK_PROGRAM), manyProcesses());
+    for (const unsigned processes : {2U, 3U, 16U}) {
+        std::vector<MapData> maps;
+        const auto fault = faultOfMaps(*stack, wanted, processes, maps);
+        QVERIFY2(!fault, fault ? qPrintable(faultText(*fault)) : "");
+        for (std::size_t k = 0; k < wanted.size(); ++k)
+            QVERIFY(std::equal(maps[k].mut.begin(), maps[k].mut.end(), one[k].mut.begin(),
+                               one[k].mut.end()));
+    }
+    setStackProgram(QStringLiteral(STACK_PROGRAM));
+}
+
+/// One question describes frames, flats and darks, another one reads them.
+void tst_Stack::oneProcessForAllParts()
+{
+    const QString asked = m_dir.filePath(QStringLiteral("asked"));
+    for (const auto& [layout, expected] :
+         {std::pair(1, "describe\nplanes\n"), std::pair(5, "describe-tiff\nplanes-tiff\n")}) {
+        QFile::remove(asked);
+        askByScript(m_dir.filePath(QStringLiteral("script")),
+                    "echo $1 >> " + QFile::encodeName(asked) + "; exec " STACK_PROGRAM " \"$@\"");
+        const auto stack = opened(sourceOf(m_dir.path(), allLayouts()[layout]));
+        QCOMPARE(mapsOf(*stack, {8313, 8390}).size(), std::size_t{2});
+        QCOMPARE(contents(asked), QByteArray(expected));
+    }
+    setStackProgram(QStringLiteral(STACK_PROGRAM));
+}
+
+void tst_Stack::faultOfTheFirstPart_data()
+{
+    QTest::addColumn<QStringList>("damaged");
+    const QString frames = QStringLiteral("s.tif");
+    const QString flats = QStringLiteral("s-flat.tif");
+    const QString darks = QStringLiteral("s-dark.tif");
+    QTest::newRow("frames") << QStringList{frames};
+    QTest::newRow("flats") << QStringList{flats};
+    QTest::newRow("darks") << QStringList{darks};
+    QTest::newRow("flats and darks") << QStringList{flats, darks};
+    QTest::newRow("all") << QStringList{frames, flats, darks};
+}
+
+/// Of several files that are damaged the first is told, by however many processes they are read.
+void tst_Stack::faultOfTheFirstPart()
+{
+    QFETCH(QStringList, damaged);
+    const QString expected =
+        QStringLiteral("%1: is no TIFF file that can be opened").arg(damaged.front());
+    const QTemporaryDir dir;
+    StackSource source;
+    source.path = dir.filePath(QStringLiteral("s.tif"));
+    source.flat = dir.filePath(QStringLiteral("s-flat.tif"));
+    source.dark = dir.filePath(QStringLiteral("s-dark.tif"));
+    source.kind = QStringLiteral("tiff");
+    source.values = StackValues::Counts;
+    const auto said = [&](FileFault fault) {
+        fault.path = QDir(dir.path()).relativeFilePath(fault.path);
+        return faultText(fault);
+    };
+    QVERIFY(writeTiffStack(source.path, counted()));
+    const auto stack = opened(source);
+    for (const QString& name : damaged)
+        create(dir.filePath(name), "II*");
+    FileFault fault;
+    QVERIFY(!openStack(source, fault));
+    QCOMPARE(said(fault), expected);
+    setStackProgram(QStringLiteral(STACK_PROGRAM), manyProcesses());
+    for (const unsigned processes : {1U, 2U, 3U, 16U}) {
+        std::vector<MapData> maps;
+        const auto wrong = faultOfMaps(*stack, {8313, 8381}, processes, maps);
+        QCOMPARE(said(wrong.value_or(FileFault())), expected);
+    }
+    setStackProgram(QStringLiteral(STACK_PROGRAM));
+}
+
+/// A process that says that all is well, and sent nothing, too little, or what nobody has asked
+/// for.
+void tst_Stack::pixelsAreMissing()
+{
+    const auto stack = opened(sourceOf(m_dir.path(), allLayouts()[0]));
+    const QString script = m_dir.filePath(QStringLiteral("script"));
+    const auto eight = [](const char* bytes) { return QByteArray(bytes) + "\\0\\0\\0\\0\\0\\0"; };
+    for (const QByteArray& sent :
+         {QByteArray(), QByteArray("\\1\\0"), eight("\\0\\0") + eight("\\4\\0") + "abcd",
+          eight("\\0\\0") + eight("\\4\\0") + "ab", eight("\\0\\377") + eight("\\4\\0") + "abcd",
+          eight("\\0\\0") + "\\377\\377\\377\\377\\377\\377\\377\\377abcd"}) {
+        askByScript(script, "printf '" + sent + "' >&3; printf 'done\\t\\n'");
+        std::vector<MapData> maps;
+        const auto fault = faultOfMaps(*stack, {8381}, 1, maps);
+        QCOMPARE(fault.value_or(FileFault()).reason,
+                 QStringLiteral("makes its reader fail; it is damaged"));
+        QVERIFY(maps.empty());
+    }
+    setStackProgram(QStringLiteral(STACK_PROGRAM));
+}
+
+/// The share behind a fault is not waited for.
+void tst_Stack::faultEndsTheOthers()
+{
+    const auto stack = opened(sourceOf(m_dir.path(), allLayouts()[0]));
+    askByScript(m_dir.filePath(QStringLiteral("script")),
+                "case \"$*\" in *share=1/2*) exec sleep 1000;; esac; printf 'refused\\tno\\n'",
+                manyProcesses());
+    std::vector<MapData> maps;
+    const auto fault = faultOfMaps(*stack, {8313, 8381, 8390}, 2, maps);
+    QCOMPARE(fault.value_or(FileFault()).reason, QStringLiteral("no"));
+    setStackProgram(QStringLiteral(STACK_PROGRAM));
+}
+
+/// A flat or dark of one image for all frames takes no more memory than in its file.
+void tst_Stack::oneImageStaysAsStored()
+{
+    const CountedStack truth = counted();
+    FrameSet set;
+    QVERIFY(!opened(sourceOf(m_dir.path(), allLayouts()[5]))
+                 ->read({1, 3}, {0, 0, truth.columns, truth.rows}, set));
+    QCOMPARE(static_cast<int>(set.shared.dark.type), static_cast<int>(PixelType::U16));
+    QCOMPARE(QByteArray(set.shared.dark.pixels, static_cast<int>(2 * truth.pixels())),
+             QByteArray(reinterpret_cast<const char*>(truth.dark.data()),
+                        static_cast<int>(2 * truth.pixels())));
 }
 
 namespace
