@@ -276,6 +276,23 @@ struct Counts {
     }
 };
 
+bool isOfTheReader(const std::optional<FileFault>& fault)
+{
+    return fault && (fault->reason.contains(QStringLiteral("makes its reader fail")) ||
+                     fault->reason.contains(QStringLiteral("takes longer than")));
+}
+
+/// What is wrong with a file does not depend on how many processes read it.
+void checkSame(const std::optional<FileFault>& many, const std::optional<FileFault>& one)
+{
+    if (isOfTheReader(many) || isOfTheReader(one)) // that fails by chance, or because others work
+        return;
+    const QString a = many ? faultText(*many) : QString();
+    const QString b = one ? faultText(*one) : QString();
+    if (a != b)
+        qFatal("\"%s\" by two processes, \"%s\" by one", qPrintable(a), qPrintable(b));
+}
+
 /// Opens and reads a file, and lists what is in it.
 /// @return why it is refused
 QString faultOf(const StackSource& source, Counts& counts)
@@ -300,8 +317,13 @@ QString faultOf(const StackSource& source, Counts& counts)
     counts.longest = std::max(counts.longest, timer.restart());
     std::vector<MapData> maps;
     const std::vector<double>& energies = stack->facts().energies;
-    const auto wrong = stackMaps(*stack, source.path, {energies[energies.size() / 2]}, {}, maps);
+    const double energy = energies[energies.size() / 2];
+    Workers two(2);
+    const auto wrong = stackMaps(*stack, source.path, {energy}, {}, maps, two);
     counts.longest = std::max(counts.longest, timer.restart());
+    Workers one(1);
+    const auto alone = stackMaps(*stack, source.path, {energy}, {}, maps, one);
+    checkSame(wrong, alone);
     StackSpectrum spectrum; // of all frames
     if (!stackSpectrum(*stack, source.path, {}, {}, spectrum) &&
         (spectrum.points.size() < 2 || spectrum.points.size() > energies.size()))
@@ -375,6 +397,7 @@ void tst_DamagedStacks::damaged()
     QRandomGenerator random(seed.data(), static_cast<int>(seed.size()));
     StackLimits limits;
     limits.seconds = full ? 3.0 : 1.0;
+    limits.bytesAProcess = 1;
     setStackProgram(QStringLiteral(STACK_PROGRAM), limits);
     counts = {};
     for (int i = 0; i < files; ++i) {
