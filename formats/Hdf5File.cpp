@@ -93,6 +93,30 @@ PixelType numberType(hid_t data, const std::string& path, hid_t& memory)
     return take(H5T_NATIVE_DOUBLE, PixelType::F64);
 }
 
+/// Whether numbers are stored as this machine has them.
+bool isNative(const Hdf5Data& data)
+{
+    const Hdf5Id type(H5Dget_type(data.id.get()), H5Tclose);
+    return type.isValid() && H5Tequal(type.get(), data.memoryType) > 0;
+}
+
+/// Whether something stands before the HDF5 file, by which places are shifted.
+bool hasUserBlock(hid_t data)
+{
+    const Hdf5Id file(H5Iget_file_id(data), H5Fclose);
+    const Hdf5Id plist(H5Fget_create_plist(file.get()), H5Pclose);
+    hsize_t size = 0;
+    return !plist.isValid() || H5Pget_userblock(plist.get(), &size) < 0 || size > 0;
+}
+
+/// The name of the file that a set lies in, as it was opened.
+std::string fileOf(hid_t data)
+{
+    std::array<char, longestText> name{};
+    const ssize_t length = H5Fget_name(data, name.data(), name.size());
+    return length > 0 && length < static_cast<ssize_t>(name.size()) ? name.data() : std::string();
+}
+
 /// The texts of a set or attribute by what reads it: fixed or of any length.
 template <class Read>
 std::vector<std::string> readTexts(hid_t type, hid_t space, const Read& read)
@@ -260,7 +284,11 @@ Hdf5Data Hdf5File::data(const std::string& path) const
     checkFilters(plist.get(), path);
     checkSources(data.id.get(), 0);
     const H5D_layout_t layout = H5Pget_layout(plist.get());
-    data.isPlain = layout == H5D_CONTIGUOUS || layout == H5D_COMPACT;
+    data.isPlain = layout == H5D_CONTIGUOUS;
+    data.isAsInMemory =
+        (data.isPlain || layout == H5D_CHUNKED) && H5Pget_nfilters(plist.get()) == 0 &&
+        H5Pget_external_count(plist.get()) == 0 && isNative(data) && !hasUserBlock(data.id.get());
+    data.file = fileOf(data.id.get());
     if (layout == H5D_CHUNKED && H5Pget_chunk(plist.get(), dimensions, size.data()) == dimensions)
         data.chunk.assign(size.begin(), size.begin() + dimensions);
     return data;

@@ -48,6 +48,8 @@ struct Hdf5Data {
     std::vector<hsize_t> size;  ///< of each dimension
     std::vector<hsize_t> chunk; ///< of each dimension; the size itself where there are no chunks
     bool isPlain = false;       ///< its numbers lie one behind the other, without chunks
+    bool isAsInMemory = false;  ///< its bytes are those of its numbers, in `file`
+    std::string file;           ///< that it lies in, which a link may have led to
     PixelType type = PixelType::U16; ///< that holds its numbers
     hid_t memoryType = -1;
 };

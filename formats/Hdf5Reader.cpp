@@ -1,6 +1,7 @@
 #include "formats/Hdf5Reader.h"
 
 #include "formats/Hdf5Layout.h"
+#include "formats/Hdf5Places.h"
 #include "formats/PixelSender.h"
 #include "formats/PlaneNumbers.h"
 #include "formats/StackFault.h"
@@ -70,15 +71,17 @@ std::string missingChunks(const Hdf5Data& stack)
                                " chunks of " + stack.path + " were never written");
 }
 
-std::string describeSet(const Hdf5File& file, const char* name, const std::string& path,
-                        const Hdf5Data& stack, int dimension)
+std::string describeSet(const Hdf5File& file, const std::string& fileName, const char* name,
+                        const std::string& path, const Hdf5Data& stack, int dimension)
 {
     if (path.empty())
         return {};
-    const std::size_t images = imagesOf(file.data(path), stack, dimension);
-    const PixelType type = file.data(path).type;
-    return line(name, path) + line(std::string(name) + "-images", std::to_string(images)) +
-           line(std::string(name) + "-type", std::to_string(static_cast<int>(type)));
+    const Hdf5Data set = file.data(path);
+    const std::size_t images = imagesOf(set, stack, dimension);
+    const std::string prefix = std::string(name) + '-';
+    return line(name, path) + line(prefix + "images", std::to_string(images)) +
+           line(prefix + "type", std::to_string(static_cast<int>(set.type))) +
+           line(prefix + "places", placesOf(set, fileName, dimension));
 }
 
 /// Reads images of one set.
@@ -194,24 +197,14 @@ void ImageReader::read(const std::vector<hsize_t>& indices, hid_t memoryType,
 /// The mean of all images, in the order of the set.
 void readMean(const ImageReader& reader, const Hdf5Data& set, double* to)
 {
-    constexpr std::size_t block = 512;
-    std::array<double, block> numbers{};
-    const std::size_t pixels = reader.pixels();
     PixelArray<char> image;
-    if (!image.resize(pixels * bytesOf(set.type)))
+    if (!image.resize(reader.pixels() * bytesOf(set.type)))
         throw std::bad_alloc();
-    std::fill_n(to, pixels, 0.0);
     for (hsize_t k = 0; k < reader.images(); ++k) {
         reader.read({k}, set.memoryType, bytesOf(set.type), image.data());
-        for (std::size_t first = 0; first < pixels; first += block) {
-            const std::size_t count = std::min(block, pixels - first);
-            loadNumbers({set.type, image.data()}, first, count, numbers.data());
-            for (std::size_t i = 0; i < count; ++i)
-                to[first + i] += numbers[i];
-        }
+        addToMean(MeanWay::SumOverCount, {set.type, image.data()}, reader.pixels(), k,
+                  reader.images(), to);
     }
-    for (std::size_t i = 0; i < pixels; ++i)
-        to[i] /= static_cast<double>(reader.images());
 }
 
 std::vector<hsize_t> numbersOf(const std::string& list)
@@ -317,12 +310,13 @@ std::string describeHdf5(const StackRequest& request)
            line("frames", std::to_string(stack.size[first ? 0 : 2])) +
            line("dimension", std::to_string(dimension)) +
            line("type", std::to_string(static_cast<int>(stack.type))) +
+           line("places", placesOf(stack, path, dimension)) +
            line("values", std::to_string(static_cast<int>(layout.values))) +
            line("energies", energies) + line("unit", layout.unit) +
            line("pixel-width", text(layout.pixelWidth)) +
            line("pixel-height", text(layout.pixelHeight)) +
-           describeSet(file, "flat", layout.flat, stack, dimension) +
-           describeSet(file, "dark", layout.dark, stack, dimension) + missingChunks(stack);
+           describeSet(file, path, "flat", layout.flat, stack, dimension) +
+           describeSet(file, path, "dark", layout.dark, stack, dimension) + missingChunks(stack);
 }
 
 std::string planesOfHdf5(const StackRequest& request)

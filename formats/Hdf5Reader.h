@@ -3,7 +3,8 @@
 #include "formats/StackAnswer.h"
 
 /// "describe": what stack is in an HDF5 file. Words: file, kind, data, energies, flat, dark,
-/// values (a number of StackValues), count (of energies that are known otherwise).
+/// values (a number of StackValues), count (of energies that are known otherwise). Places are those
+/// of images that lie in the file as they are in memory.
 std::string describeHdf5(const StackRequest& request);
 
 /// "planes": sends images, one behind the other. Words: file, region "x,y,width,height", dimension

@@ -1,5 +1,6 @@
 #include "formats/Hdf5Stack.h"
 
+#include "formats/RawImages.h"
 #include "formats/StackEnergies.h"
 #include "formats/StackProcess.h"
 #include "system/InputFile.h"
@@ -9,6 +10,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <numeric>
 #include <sstream>
 
 namespace
@@ -19,6 +21,7 @@ struct Images {
     std::string path;
     PixelType type = PixelType::U16;
     long count = 0;
+    std::vector<std::int64_t> places; ///< in the file, where they lie there as in memory
 };
 
 /// Planes that are read at once.
@@ -27,6 +30,7 @@ struct Part {
     Plane Frame::*place;
     PixelType type;
     bool isShared;      ///< one plane, or the mean of several, for all frames
+    RawImages raw;      ///< the same, as they may lie in the file
     std::size_t offset; ///< in the memory
 };
 
@@ -52,6 +56,13 @@ std::string listOf(const std::vector<std::size_t>& indices)
     return list;
 }
 
+std::vector<std::size_t> allOf(const Images& images)
+{
+    std::vector<std::size_t> indices(static_cast<std::size_t>(std::max(0L, images.count)));
+    std::iota(indices.begin(), indices.end(), std::size_t{0});
+    return indices;
+}
+
 class Hdf5Stack : public Stack
 {
 public:
@@ -66,10 +77,16 @@ private:
     void takeImages(const StackWords& words, const StackSource& source);
     Images imagesOf(const StackWords& words, const std::string& name) const;
     std::vector<Part> partsOf(const std::vector<std::size_t>& indices) const;
+    Part partOf(const Images& images, Plane Frame::*place,
+                const std::vector<std::size_t>& indices) const;
+    bool readRaw(const std::vector<Part>& parts, const Region& region, PixelArray<char>& memory,
+                 const FrameSet& set) const;
+    void takeParts(const std::vector<Part>& parts, const std::shared_ptr<PixelArray<char>>& memory,
+                   std::size_t frames, std::size_t pixels, FrameSet& set) const;
 
     QString m_path;
-    std::string m_data;
     std::string m_dimension;
+    Images m_frames;
     std::vector<double> m_givenEnergies;
     Images m_flat;
     Images m_dark;
@@ -78,8 +95,9 @@ private:
 
 Images Hdf5Stack::imagesOf(const StackWords& words, const std::string& name) const
 {
-    return {words.value(name), static_cast<PixelType>(words.number(name + "-type")),
-            words.number(name + "-images")};
+    const long count = words.number(name + "-images");
+    return {words.value(name), static_cast<PixelType>(words.number(name + "-type")), count,
+            rawPlaces(words.value(name + "-places"), static_cast<std::size_t>(count))};
 }
 
 /// Energies of a text beside the file, where the source names one.
@@ -133,7 +151,9 @@ std::optional<FileFault> Hdf5Stack::take(const StackWords& words, const StackSou
 
 void Hdf5Stack::takeImages(const StackWords& words, const StackSource& source)
 {
-    m_data = words.value("data");
+    const long frames = words.number("frames");
+    m_frames = {words.value("data"), m_facts.type, frames,
+                rawPlaces(words.value("places"), static_cast<std::size_t>(frames))};
     m_dimension = words.value("dimension");
     m_flat = imagesOf(words, "flat");
     m_dark = source.darkLevel ? Images() : imagesOf(words, "dark");
@@ -165,22 +185,33 @@ std::optional<FileFault> Hdf5Stack::open(const StackSource& source)
     return take(answer, source);
 }
 
+/// Images of all frames, or one for all.
+Part Hdf5Stack::partOf(const Images& images, Plane Frame::*place,
+                       const std::vector<std::size_t>& indices) const
+{
+    const bool each = images.count == static_cast<long>(m_facts.energies.size());
+    const bool mean = !each && images.count != 1;
+    const std::string wanted = mean ? "mean" : each ? listOf(indices) : "0";
+    Part part{
+        images.path + '\t' + wanted, place, mean ? PixelType::F64 : images.type, !each, {}, 0};
+    part.raw.type = images.type;
+    part.raw.isMean = mean;
+    part.raw.way = MeanWay::SumOverCount;
+    for (const std::size_t i : each ? indices : allOf(images))
+        part.raw.images.push_back({m_path, i < images.places.size() ? images.places[i] : -1});
+    return part;
+}
+
 std::vector<Part> Hdf5Stack::partsOf(const std::vector<std::size_t>& indices) const
 {
     std::vector<Part> parts;
-    const auto add = [&](const Images& images, Plane Frame::*place) {
-        const bool each = images.count == static_cast<long>(m_facts.energies.size());
-        const bool mean = !each && images.count != 1;
-        const std::string wanted = mean ? "mean" : each ? listOf(indices) : "0";
-        if (!images.path.empty())
-            parts.push_back({images.path + '\t' + wanted, place,
-                             mean ? PixelType::F64 : images.type, !each, 0});
-    };
-    if (m_facts.values == StackValues::Counts) {
-        add(m_flat, &Frame::flat);
-        add(m_dark, &Frame::dark);
-    }
-    add({m_data, m_facts.type, static_cast<long>(m_facts.energies.size())}, &Frame::frame);
+    if (m_facts.values == StackValues::Counts && !m_flat.path.empty())
+        parts.push_back(partOf(m_flat, &Frame::flat, indices));
+    if (m_facts.values == StackValues::Counts && !m_dark.path.empty())
+        parts.push_back(partOf(m_dark, &Frame::dark, indices));
+    Images frames = m_frames;
+    frames.count = static_cast<long>(m_facts.energies.size());
+    parts.push_back(partOf(frames, &Frame::frame, indices));
     // Means are doubles, and come first, where they lie evenly.
     std::stable_sort(parts.begin(), parts.end(), [](const Part& a, const Part& b) {
         return a.type == PixelType::F64 && b.type != PixelType::F64;
@@ -215,8 +246,29 @@ std::optional<FileFault> Hdf5Stack::read(const std::vector<std::size_t>& indices
     if (!memory)
         return FileFault{m_path, 0, QStringLiteral("does not fit in memory")};
     StackWords answer;
-    if (auto fault = askForPixels(m_path, words, *memory, set.processes, answer))
-        return fault;
+    if (!readRaw(parts, region, *memory, set))
+        if (auto fault = askForPixels(m_path, words, *memory, set.workers, answer))
+            return fault;
+    takeParts(parts, memory, indices.size(), pixels, set);
+    return std::nullopt;
+}
+
+/// Reads images that lie in the file as in memory, all or none.
+bool Hdf5Stack::readRaw(const std::vector<Part>& parts, const Region& region,
+                        PixelArray<char>& memory, const FrameSet& set) const
+{
+    std::vector<RawImages> all;
+    for (const Part& part : parts) {
+        all.push_back(part.raw);
+        all.back().offset = part.offset;
+    }
+    return mayReadRaw() && readRawImages(all, m_facts.columns, region, memory.data(), set.workers);
+}
+
+void Hdf5Stack::takeParts(const std::vector<Part>& parts,
+                          const std::shared_ptr<PixelArray<char>>& memory, std::size_t frames,
+                          std::size_t pixels, FrameSet& set) const
+{
     set.memory.push_back(memory);
     set.shared.values = m_facts.values;
     set.shared.darkLevel = m_darkLevel;
@@ -225,7 +277,7 @@ std::optional<FileFault> Hdf5Stack::read(const std::vector<std::size_t>& indices
             set.shared.*part.place = {part.type, memory->data() + part.offset};
             set.sharedMemory.push_back(memory);
         }
-    for (std::size_t k = 0; k < indices.size(); ++k) {
+    for (std::size_t k = 0; k < frames; ++k) {
         Frame frame = set.shared;
         for (const Part& part : parts)
             if (!part.isShared)
@@ -233,7 +285,6 @@ std::optional<FileFault> Hdf5Stack::read(const std::vector<std::size_t>& indices
                                                     k * pixels * ::bytesOf(part.type)};
         set.frames.push_back(frame);
     }
-    return std::nullopt;
 }
 
 } // namespace

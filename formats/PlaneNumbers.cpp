@@ -2,8 +2,12 @@
 
 #include "system/WideVectors.h"
 
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 namespace
 {
@@ -31,6 +35,20 @@ void convert(const char* from, std::size_t first, std::size_t count, double* to)
     callWide(ConvertLoop<T>{from + first * sizeof(T), count, to});
 }
 
+struct AddNumbersLoop {
+    const double* numbers;
+    std::size_t count;
+    double weight;
+    bool first; ///< of the images
+    double* sum;
+
+    [[gnu::always_inline]] void operator()() const
+    {
+        for (std::size_t i = 0; i < count; ++i)
+            sum[i] = (first ? 0.0 : sum[i]) + weight * numbers[i];
+    }
+};
+
 } // namespace
 
 void loadNumbers(const Plane& plane, std::size_t first, std::size_t count, double* to)
@@ -52,5 +70,27 @@ void loadNumbers(const Plane& plane, std::size_t first, std::size_t count, doubl
         return convert<float>(plane.pixels, first, count, to);
     case PixelType::F64:
         return convert<double>(plane.pixels, first, count, to);
+    }
+}
+
+void addToMean(MeanWay way, const Plane& plane, std::size_t count, std::size_t image,
+               std::size_t of, double* mean)
+{
+    constexpr std::size_t block = 512;
+    std::array<double, block> numbers{};
+    const bool parts = way == MeanWay::SumOfParts;
+    const auto images = static_cast<double>(of);
+    for (std::size_t first = 0; first < count; first += block) {
+        const std::size_t here = std::min(block, count - first);
+        loadNumbers(plane, first, here, numbers.data());
+        if (parts)
+            std::replace_if(
+                numbers.begin(), numbers.end(), [](double x) { return !std::isfinite(x); },
+                std::numeric_limits<double>::quiet_NaN());
+        callWide(AddNumbersLoop{numbers.data(), here, parts ? 1.0 / images : 1.0, image == 0,
+                                mean + first});
+        if (!parts && image + 1 == of)
+            for (std::size_t i = first; i < first + here; ++i)
+                mean[i] /= images;
     }
 }

@@ -47,6 +47,8 @@ struct StackSource {
     double shift = 0.0;     ///< eV, added to the energies
 };
 
+class Workers;
+
 /// Frames that have been read, and the memory that they lie in.
 struct FrameSet {
     std::vector<Frame> frames; ///< one for each index that was asked for
@@ -55,7 +57,7 @@ struct FrameSet {
     /// are not read again.
     Frame shared;
     std::vector<std::shared_ptr<void>> sharedMemory;
-    unsigned processes = 1; ///< that may read at once
+    Workers* workers = nullptr; ///< that may read; one thread, or process, without
 
     /// Lets go of the frames; what all have in common stays.
     void dropFrames()

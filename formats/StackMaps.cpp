@@ -140,7 +140,7 @@ std::optional<FileFault> stackMaps(Stack& stack, const QString& path,
     }
     const std::vector<std::size_t> indices = neededFrames(parts);
     FrameSet set;
-    set.processes = workers.size();
+    set.workers = &workers;
     if (auto fault = stack.read(indices, *within, set))
         return fault;
     std::vector<MapData> made(energies.size());

@@ -2,6 +2,7 @@
 
 #include "system/AvailableMemory.h"
 #include "system/ChildProcess.h"
+#include "system/Workers.h"
 #include "text/TextBytes.h"
 
 #include <QCoreApplication>
@@ -114,6 +115,11 @@ void setStackProgram(const QString& path, const StackLimits& limits)
     program() = {path, limits};
 }
 
+bool mayReadRaw()
+{
+    return !program().limits.alwaysAsked;
+}
+
 PixelMemory::PixelMemory(std::size_t bytes) : m_bytes(bytes)
 {
     if (!isRoomFor(bytes))
@@ -158,11 +164,12 @@ std::shared_ptr<PixelArray<char>> pixelsToCome(std::size_t bytes)
 }
 
 std::optional<FileFault> askForPixels(const QString& path, const std::vector<std::string>& words,
-                                      PixelArray<char>& pixels, unsigned most, StackWords& answer)
+                                      PixelArray<char>& pixels, const Workers* workers,
+                                      StackWords& answer)
 {
     const std::size_t bytesAProcess = std::max<std::size_t>(1, program().limits.bytesAProcess);
     const std::size_t count =
-        std::clamp<std::size_t>(pixels.size() / bytesAProcess, 1, std::max(1U, most));
+        std::clamp<std::size_t>(pixels.size() / bytesAProcess, 1, workers ? workers->size() : 1);
     std::vector<std::vector<std::string>> shares(count, words);
     double seconds = 0.0;
     for (std::size_t k = 0; k < count; ++k) {

@@ -11,16 +11,22 @@
 #include <string>
 #include <vector>
 
+class Workers;
+
 /// Limits of the process that reads and writes HDF5 and TIFF files.
 struct StackLimits {
     double seconds = 60.0;                            ///< beside those for the pixels
     std::size_t memory = std::size_t{2} << 30;        ///< bytes beside those of the pixels
     std::size_t bytesASecond = std::size_t{5} << 20;  ///< that a slow disk gives
     std::size_t bytesAProcess = std::size_t{1} << 24; ///< pixels for which another one is started
+    bool alwaysAsked = false; ///< for pixels that lie in a file as in memory, too; for tests
 };
 
 /// The program that does; found beside this one unless a place is given here. For tests.
 void setStackProgram(const QString& path, const StackLimits& limits = {});
+
+/// Whether pixels may be read without the process where that is possible.
+bool mayReadRaw();
 
 /// Memory for pixels that another process reads.
 class PixelMemory
@@ -72,10 +78,11 @@ std::shared_ptr<PixelArray<char>> pixelsToCome(std::size_t bytes);
 
 /// Asks several processes at once, each of which sends its share of the pixels; one where they are
 /// few. The fault is that of the first share that has one.
-/// @param most    processes
+/// @param workers  a process for each; one where they are null
 /// @param answer  of that share, or of the first
 std::optional<FileFault> askForPixels(const QString& path, const std::vector<std::string>& words,
-                                      PixelArray<char>& pixels, unsigned most, StackWords& answer);
+                                      PixelArray<char>& pixels, const Workers* workers,
+                                      StackWords& answer);
 
 /// Has the process write a file that is put into its place when it is whole.
 /// @param words  without the file

@@ -1,6 +1,5 @@
 #include "formats/TiffReader.h"
 
-#include "analysis/Constants.h"
 #include "formats/PixelSender.h"
 #include "formats/PlaneNumbers.h"
 #include "formats/StackFault.h"
@@ -10,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -207,29 +205,71 @@ std::vector<TiffSet> setsOf(const StackRequest& request, const std::string& key)
     return sets;
 }
 
+/// Where a page lies in its file, row after row as in memory; empty where it does not.
+std::string pagePlace(TIFF* file, const Page& page)
+{
+    std::uint16_t compression = COMPRESSION_NONE;
+    std::uint16_t fill = FILLORDER_MSB2LSB;
+    std::uint32_t stripRows = page.rows;
+    TIFFGetFieldDefaulted(file, TIFFTAG_COMPRESSION, &compression);
+    TIFFGetFieldDefaulted(file, TIFFTAG_FILLORDER, &fill);
+    TIFFGetFieldDefaulted(file, TIFFTAG_ROWSPERSTRIP, &stripRows);
+    if (compression != COMPRESSION_NONE || fill != FILLORDER_MSB2LSB || stripRows == 0 ||
+        TIFFIsTiled(file) != 0 || TIFFIsByteSwapped(file) != 0)
+        return {};
+    const std::uint64_t begin = TIFFGetStrileOffset(file, 0);
+    const std::uint64_t rowBytes = std::uint64_t{page.columns} * bytesOf(page.type);
+    std::uint64_t next = begin;
+    for (std::uint32_t strip = 0, left = page.rows; left > 0; ++strip) {
+        const std::uint32_t rows = std::min(stripRows, left);
+        if (TIFFGetStrileOffset(file, strip) != next ||
+            TIFFGetStrileByteCount(file, strip) != rows * rowBytes)
+            return {};
+        next += rows * rowBytes;
+        left -= rows;
+    }
+    return begin > 0 ? std::to_string(begin) : std::string();
+}
+
+/// What is found in some files.
+struct Description {
+    Page first;
+    std::size_t all = 0;
+    std::string pages;  ///< how many each file has
+    std::string places; ///< of all pages
+    bool havePlaces = true;
+};
+
+void addFile(const std::string& path, Description& found)
+{
+    const TiffFile file = open(path);
+    std::size_t count = 0;
+    do {
+        const Page page = pageOf(file.get());
+        if (found.all == 0 && count == 0)
+            found.first = page;
+        if (!(page == found.first))
+            throw StackFault("has pages of different sizes or types, as in " + path);
+        if (++count > mostPages)
+            throw StackFault("has more than 100000 pages");
+        const std::string place = found.havePlaces ? pagePlace(file.get(), page) : std::string();
+        found.havePlaces = !place.empty();
+        found.places += place + ' ';
+    } while (TIFFReadDirectory(file.get()) == 1);
+    found.pages += std::to_string(count) + ' ';
+    found.all += count;
+}
+
 std::string descriptionOf(const std::vector<std::string>& paths)
 {
-    Page first;
-    std::string pages;
-    std::size_t all = 0;
-    for (const std::string& path : paths) {
-        const TiffFile file = open(path);
-        std::size_t count = 0;
-        do {
-            const Page page = pageOf(file.get());
-            if (all == 0 && count == 0)
-                first = page;
-            if (!(page == first))
-                throw StackFault("has pages of different sizes or types, as in " + path);
-            if (++count > mostPages)
-                throw StackFault("has more than 100000 pages");
-        } while (TIFFReadDirectory(file.get()) == 1);
-        pages += std::to_string(count) + ' ';
-        all += count;
-    }
-    return line("kind", "tiff") + line("columns", std::to_string(first.columns)) +
-           line("rows", std::to_string(first.rows)) + line("frames", std::to_string(all)) +
-           line("pages", pages) + line("type", std::to_string(static_cast<int>(first.type)));
+    Description found;
+    for (const std::string& path : paths)
+        addFile(path, found);
+    return line("kind", "tiff") + line("columns", std::to_string(found.first.columns)) +
+           line("rows", std::to_string(found.first.rows)) +
+           line("frames", std::to_string(found.all)) + line("pages", found.pages) +
+           line("places", found.havePlaces ? found.places : std::string()) +
+           line("type", std::to_string(static_cast<int>(found.first.type)));
 }
 
 /// Reads what a region has of pages; a file stays open for those that follow.
@@ -269,25 +309,15 @@ private:
     TiffFile m_file;
 };
 
-/// The mean of pages; a number that is not finite has none.
 void readMeanPage(PageReader& reader, const std::vector<std::string>& pages, double* mean)
 {
-    constexpr std::size_t block = 512;
-    std::array<double, block> numbers{};
     PixelArray<char> page;
     if (!page.resize(reader.pixels() * bytesOf(reader.type())))
         throw std::bad_alloc();
-    const double weight = 1.0 / static_cast<double>(pages.size());
     for (std::size_t k = 0; k < pages.size(); ++k) {
         reader.read(pages[k], page.data());
-        for (std::size_t first = 0; first < reader.pixels(); first += block) {
-            const std::size_t count = std::min(block, reader.pixels() - first);
-            loadNumbers({reader.type(), page.data()}, first, count, numbers.data());
-            for (std::size_t i = 0; i < count; ++i) {
-                const double number = std::isfinite(numbers[i]) ? numbers[i] : notANumber;
-                mean[first + i] = (k > 0 ? mean[first + i] : 0.0) + weight * number;
-            }
-        }
+        addToMean(MeanWay::SumOfParts, {reader.type(), page.data()}, reader.pixels(), k,
+                  pages.size(), mean);
     }
 }
 

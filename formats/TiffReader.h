@@ -4,7 +4,8 @@
 
 /// "describe-tiff": what the pages of TIFF files are. Words: any number of files; behind a "set"
 /// other files, which are described by themselves. All pages of a set have one size and type.
-/// Each set is told as soon as it is known.
+/// Each set is told as soon as it is known, with the places of pages that lie in their files as
+/// they are in memory.
 std::string describeTiff(const StackRequest& request);
 
 /// "planes-tiff": sends pages, one behind the other. Words: region "x,y,width,height", type, bytes

@@ -1,5 +1,6 @@
 #include "formats/TiffStack.h"
 
+#include "formats/RawImages.h"
 #include "formats/StackAnswer.h"
 #include "formats/StackEnergies.h"
 #include "formats/StackProcess.h"
@@ -23,6 +24,7 @@ namespace
 struct PageOf {
     QString path;
     long page = 0;
+    std::int64_t offset = -1; ///< in the file, where it lies there as in memory
 };
 
 using Pages = std::vector<PageOf>;
@@ -131,6 +133,8 @@ private:
                                        std::size_t set, Pages& pages);
     std::vector<TiffImages> imagesOf(const std::vector<std::size_t>& indices,
                                      const FrameSet& set) const;
+    bool readRaw(const std::vector<TiffImages>& all, const Region& region, PixelArray<char>& memory,
+                 const FrameSet& set) const;
     void takeImages(const std::vector<TiffImages>& all,
                     const std::shared_ptr<PixelArray<char>>& memory, std::size_t pixels,
                     FrameSet& set) const;
@@ -163,12 +167,14 @@ std::optional<FileFault> TiffStack::takePages(const QStringList& files, const St
         return FileFault{
             path, 0,
             QStringLiteral("has other pages than %1: their size or type differs").arg(m_path)};
+    const auto all = static_cast<std::size_t>(answer.number("frames", set));
+    const std::vector<std::int64_t> places = rawPlaces(answer.value("places", set), all);
     std::istringstream counts(answer.value("pages", set));
     for (const QString& file : files) {
         long count = 0;
         counts >> count;
         for (long page = 0; page < count; ++page)
-            pages.push_back({file, page});
+            pages.push_back({file, page, pages.size() < places.size() ? places[pages.size()] : -1});
     }
     return std::nullopt;
 }
@@ -310,6 +316,19 @@ std::vector<TiffImages> TiffStack::imagesOf(const std::vector<std::size_t>& indi
     return all;
 }
 
+/// Reads pages that lie in their files as in memory, all or none.
+bool TiffStack::readRaw(const std::vector<TiffImages>& all, const Region& region,
+                        PixelArray<char>& memory, const FrameSet& set) const
+{
+    std::vector<RawImages> raw;
+    for (const TiffImages& images : all) {
+        raw.push_back({{}, m_facts.type, images.isMean(), MeanWay::SumOfParts, images.offset});
+        for (const PageOf& page : images.pages)
+            raw.back().images.push_back({page.path, page.offset});
+    }
+    return mayReadRaw() && readRawImages(raw, m_facts.columns, region, memory.data(), set.workers);
+}
+
 void TiffStack::takeImages(const std::vector<TiffImages>& all,
                            const std::shared_ptr<PixelArray<char>>& memory, std::size_t pixels,
                            FrameSet& set) const
@@ -334,6 +353,24 @@ void TiffStack::takeImages(const std::vector<TiffImages>& all,
     }
 }
 
+/// Lays images out one behind the other, and names their pages.
+/// @return bytes of all
+std::size_t layOut(std::vector<TiffImages>& all, std::size_t pixels, PixelType type,
+                   std::vector<std::string>& words)
+{
+    std::size_t bytes = 0;
+    for (TiffImages& images : all) {
+        words.emplace_back(images.isMean() ? "set=mean" : "set=each");
+        for (const PageOf& page : images.pages)
+            words.push_back("page=" + QFile::encodeName(page.path).toStdString() + '\t' +
+                            std::to_string(page.page));
+        images.offset = images.isMean() ? stack_words::evenly(bytes) : bytes;
+        bytes = images.offset + (images.isMean() ? pixels * sizeof(double)
+                                                 : images.pages.size() * pixels * bytesOf(type));
+    }
+    return bytes;
+}
+
 std::optional<FileFault> TiffStack::read(const std::vector<std::size_t>& indices,
                                          const Region& region, FrameSet& set)
 {
@@ -348,27 +385,19 @@ std::optional<FileFault> TiffStack::read(const std::vector<std::size_t>& indices
                                        .arg(region.height)
                                        .toStdString()};
     std::vector<TiffImages> all = imagesOf(indices, set);
-    std::size_t bytes = 0;
-    for (TiffImages& images : all) {
-        words.emplace_back(images.isMean() ? "set=mean" : "set=each");
-        for (const PageOf& page : images.pages)
-            words.push_back("page=" + QFile::encodeName(page.path).toStdString() + '\t' +
-                            std::to_string(page.page));
-        images.offset = images.isMean() ? stack_words::evenly(bytes) : bytes;
-        bytes = images.offset + (images.isMean()
-                                     ? pixels * sizeof(double)
-                                     : images.pages.size() * pixels * bytesOf(m_facts.type));
-    }
-    const auto memory = pixelsToCome(bytes);
+    const auto memory = pixelsToCome(layOut(all, pixels, m_facts.type, words));
     if (!memory)
         return FileFault{m_path, 0, QStringLiteral("does not fit in memory")};
-    StackWords answer;
-    if (auto fault = askForPixels(m_path, words, *memory, set.processes, answer)) {
+    if (!readRaw(all, region, *memory, set)) {
+        StackWords answer;
+        auto fault = askForPixels(m_path, words, *memory, set.workers, answer);
         const std::size_t sets = answer.values.count("set");
         const auto at = static_cast<std::size_t>(answer.number("set", sets > 0 ? sets - 1 : 0));
         const Pages& pages = all[std::min(at, all.size() - 1)].pages;
-        fault->path = pages.empty() ? m_path : pages.front().path;
-        return fault;
+        if (fault && !pages.empty())
+            fault->path = pages.front().path;
+        if (fault)
+            return fault;
     }
     takeImages(all, memory, pixels, set);
     return std::nullopt;

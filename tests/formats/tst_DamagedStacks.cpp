@@ -38,6 +38,8 @@ private slots:
     void unorderedAndDoubleEnergies();
     void groupsInThemselves();
     void oneImageForAll();
+    void behindAUserBlock();
+    void stripsInAnyOrder();
     void faultOfTheFirstSet();
 
 private:
@@ -54,11 +56,15 @@ namespace
 class Hdf5Writer
 {
 public:
-    explicit Hdf5Writer(const QString& path)
+    /// @param userBlock  bytes before what the library writes
+    explicit Hdf5Writer(const QString& path, hsize_t userBlock = 0)
     {
         const hid_t access = H5Pcreate(H5P_FILE_ACCESS);
         H5Pset_fclose_degree(access, H5F_CLOSE_STRONG);
-        m_file = H5Fcreate(QFile::encodeName(path).constData(), H5F_ACC_TRUNC, H5P_DEFAULT, access);
+        const hid_t creation = H5Pcreate(H5P_FILE_CREATE);
+        H5Pset_userblock(creation, userBlock);
+        m_file = H5Fcreate(QFile::encodeName(path).constData(), H5F_ACC_TRUNC, creation, access);
+        H5Pclose(creation);
         H5Pclose(access);
         if (m_file < 0)
             qFatal("no HDF5 file can be made");
@@ -282,20 +288,21 @@ bool isOfTheReader(const std::optional<FileFault>& fault)
                      fault->reason.contains(QStringLiteral("takes longer than")));
 }
 
-/// What is wrong with a file does not depend on how many processes read it.
-void checkSame(const std::optional<FileFault>& many, const std::optional<FileFault>& one)
+/// What is wrong with a file does not depend on how it is read. What the library makes of a damaged
+/// chunk may: of memory that nobody has set.
+void checkSame(const std::optional<FileFault>& one, const std::optional<FileFault>& other)
 {
-    if (isOfTheReader(many) || isOfTheReader(one)) // that fails by chance, or because others work
+    if (isOfTheReader(one) || isOfTheReader(other)) // that fails by chance, or because others work
         return;
-    const QString a = many ? faultText(*many) : QString();
-    const QString b = one ? faultText(*one) : QString();
+    const QString a = one ? faultText(*one) : QString();
+    const QString b = other ? faultText(*other) : QString();
     if (a != b)
-        qFatal("\"%s\" by two processes, \"%s\" by one", qPrintable(a), qPrintable(b));
+        qFatal("\"%s\" in one way, \"%s\" in another", qPrintable(a), qPrintable(b));
 }
 
 /// Opens and reads a file, and lists what is in it.
 /// @return why it is refused
-QString faultOf(const StackSource& source, Counts& counts)
+QString faultOf(const StackSource& source, StackLimits limits, Counts& counts)
 {
     QElapsedTimer timer;
     const auto tell = [&](const FileFault& fault) {
@@ -318,12 +325,16 @@ QString faultOf(const StackSource& source, Counts& counts)
     std::vector<MapData> maps;
     const std::vector<double>& energies = stack->facts().energies;
     const double energy = energies[energies.size() / 2];
-    Workers two(2);
-    const auto wrong = stackMaps(*stack, source.path, {energy}, {}, maps, two);
-    counts.longest = std::max(counts.longest, timer.restart());
-    Workers one(1);
-    const auto alone = stackMaps(*stack, source.path, {energy}, {}, maps, one);
-    checkSame(wrong, alone);
+    const auto read = [&](unsigned processes, bool alwaysAsked) {
+        limits.alwaysAsked = alwaysAsked;
+        setStackProgram(QStringLiteral(STACK_PROGRAM), limits);
+        Workers workers(processes);
+        const auto wrong = stackMaps(*stack, source.path, {energy}, {}, maps, workers);
+        counts.longest = std::max(counts.longest, timer.restart());
+        return wrong;
+    };
+    const auto wrong = read(1, false);
+    checkSame(wrong, read(2, true));
     StackSpectrum spectrum; // of all frames
     if (!stackSpectrum(*stack, source.path, {}, {}, spectrum) &&
         (spectrum.points.size() < 2 || spectrum.points.size() > energies.size()))
@@ -355,7 +366,7 @@ QString victimOf(const QString& path)
 QString faultOf(const QString& path)
 {
     Counts counts;
-    return faultOf(sourceOf(path), counts);
+    return faultOf(sourceOf(path), StackLimits(), counts);
 }
 
 } // namespace
@@ -386,7 +397,9 @@ void tst_DamagedStacks::damaged()
     QVERIFY(kind.write(path, counted()));
     const StackSource source = sourceOf(path, kind.values);
     Counts counts;
-    QCOMPARE(faultOf(source, counts), QString());
+    StackLimits limits;
+    limits.bytesAProcess = 1;
+    QCOMPARE(faultOf(source, limits, counts), QString());
     const QString victim = victimOf(path);
     const QByteArray whole = contents(victim);
     const bool full = qEnvironmentVariableIsSet("DROVIK_DAMAGED");
@@ -395,14 +408,12 @@ void tst_DamagedStacks::damaged()
         static_cast<quint32>(qEnvironmentVariableIntValue("DROVIK_SEED")),
         static_cast<quint32>(layout)};
     QRandomGenerator random(seed.data(), static_cast<int>(seed.size()));
-    StackLimits limits;
     limits.seconds = full ? 3.0 : 1.0;
-    limits.bytesAProcess = 1;
     setStackProgram(QStringLiteral(STACK_PROGRAM), limits);
     counts = {};
     for (int i = 0; i < files; ++i) {
         create(victim, damagedBytes(whole, random));
-        const QString reason = faultOf(source, counts);
+        const QString reason = faultOf(source, limits, counts);
         QVERIFY2(!reason.contains(QLatin1Char('\n')), qPrintable(reason));
         if (reason.isEmpty())
             ++counts.read;
@@ -763,6 +774,61 @@ void tst_DamagedStacks::oneImageForAll()
                                                       truth.dark[i]))) < 1e-12);
 }
 
+/// Places in the file are counted from behind it.
+void tst_DamagedStacks::behindAUserBlock()
+{
+    const QString path = file(QStringLiteral("block.h5"));
+    const CountedStack truth = counted();
+    {
+        constexpr hsize_t blockBytes = 512;
+        const Hdf5Writer h5(path, blockBytes);
+        const hid_t plist = chunked({1, rows, columns});
+        const std::vector<float> values = truth.transmission();
+        h5.set("/img_xanes", stackSize, H5T_NATIVE_FLOAT, values.data(), plist);
+        h5.energies(truth.energies);
+        H5Pclose(plist);
+    }
+    FileFault fault;
+    const auto stack = openStack(sourceOf(path), fault);
+    QVERIFY2(stack, qPrintable(fault.reason));
+    std::vector<MapData> maps;
+    QVERIFY(!stackMaps(*stack, path, {8390}, {}, maps));
+    for (std::size_t i = 0; i < truth.pixels(); ++i)
+        QVERIFY(std::abs(maps[0].mut[i] - truth.mut()[2 * truth.pixels() + i]) < 2e-7);
+}
+
+/// The last strip of a page stands first in the file.
+void tst_DamagedStacks::stripsInAnyOrder()
+{
+    const QString path = file(QStringLiteral("turned.tif"));
+    const CountedStack truth = counted();
+    TIFF* const pages = TIFFOpen(QFile::encodeName(path).constData(), "w");
+    QVERIFY(pages != nullptr);
+    std::vector<std::uint16_t> counts = truth.counts;
+    for (std::size_t page = 0; page < frames; ++page) {
+        TIFFSetField(pages, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(columns));
+        TIFFSetField(pages, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(rows));
+        TIFFSetField(pages, TIFFTAG_BITSPERSAMPLE, 16);
+        TIFFSetField(pages, TIFFTAG_SAMPLESPERPIXEL, 1);
+        TIFFSetField(pages, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+        TIFFSetField(pages, TIFFTAG_ROWSPERSTRIP, 3);
+        for (const std::uint32_t strip : {2U, 0U, 1U})
+            QVERIFY(TIFFWriteEncodedStrip(
+                        pages, strip, counts.data() + (page * rows + strip * 3) * columns,
+                        static_cast<tmsize_t>(3 * columns * sizeof(std::uint16_t))) > 0);
+        QVERIFY(TIFFWriteDirectory(pages) == 1);
+    }
+    TIFFClose(pages);
+    create(file(QStringLiteral("turned.txt")), "8313\n8381\n8390\n8404.5\n8460\n");
+    FileFault fault;
+    const auto stack = openStack(sourceOf(path, StackValues::MuT), fault);
+    QVERIFY2(stack, qPrintable(fault.reason));
+    std::vector<MapData> maps;
+    QVERIFY(!stackMaps(*stack, path, {8390}, {}, maps));
+    for (std::size_t i = 0; i < truth.pixels(); ++i)
+        QCOMPARE(maps[0].mut[i], static_cast<double>(truth.counts[2 * truth.pixels() + i]));
+}
+
 /// Of a set that is gone and a chunk that cannot be read the former is told, and of two such chunks
 /// nothing else, by however many processes they are read.
 void tst_DamagedStacks::faultOfTheFirstSet()
@@ -778,6 +844,7 @@ void tst_DamagedStacks::faultOfTheFirstSet()
     QVERIFY2(stack, qPrintable(fault.reason));
     StackLimits limits;
     limits.bytesAProcess = 1;
+    limits.alwaysAsked = true;
     setStackProgram(QStringLiteral(STACK_PROGRAM), limits);
     const auto reasons = [&] {
         QStringList all;

@@ -720,6 +720,7 @@ StackLimits manyProcesses()
 {
     StackLimits limits;
     limits.bytesAProcess = 1;
+    limits.alwaysAsked = true;
     return limits;
 }
 
@@ -754,18 +755,22 @@ void tst_Stack::shares()
     QCOMPARE(shareOf({1, 2, 3}, std::string()), std::make_pair(std::size_t{0}, std::size_t{3}));
 }
 
-/// Images do not depend on how many processes read them.
+/// Images do not depend on how many processes read them, or whether they are read without.
 void tst_Stack::severalProcesses()
 {
     QFETCH(int, layout);
     const auto stack = opened(sourceOf(m_dir.path(), allLayouts()[layout]));
     const Energies wanted{8381, 8387, 8404.5, 8430};
     std::vector<MapData> one;
+    StackLimits limits;
+    limits.alwaysAsked = true;
+    setStackProgram(QStringLiteral(STACK_PROGRAM), limits);
     QVERIFY(!faultOfMaps(*stack, wanted, 1, one));
-    setStackProgram(QStringLiteral(STACK_PROGRAM), manyProcesses());
-    for (const unsigned processes : {2U, 3U, 16U}) {
+    for (const unsigned processes : {0U, 2U, 3U, 16U}) {
+        const bool asked = processes > 0;
+        setStackProgram(QStringLiteral(STACK_PROGRAM), asked ? manyProcesses() : StackLimits());
         std::vector<MapData> maps;
-        const auto fault = faultOfMaps(*stack, wanted, processes, maps);
+        const auto fault = faultOfMaps(*stack, wanted, std::max(1U, processes), maps);
         QVERIFY2(!fault, fault ? qPrintable(faultText(*fault)) : "");
         for (std::size_t k = 0; k < wanted.size(); ++k)
             QVERIFY(std::equal(maps[k].mut.begin(), maps[k].mut.end(), one[k].mut.begin(),
@@ -774,15 +779,21 @@ void tst_Stack::severalProcesses()
     setStackProgram(QStringLiteral(STACK_PROGRAM));
 }
 
-/// One question describes frames, flats and darks, another one reads them.
+/// One question describes frames, flats and darks, another one reads them; none where they lie in
+/// their files as in memory.
 void tst_Stack::oneProcessForAllParts()
 {
     const QString asked = m_dir.filePath(QStringLiteral("asked"));
-    for (const auto& [layout, expected] :
-         {std::pair(1, "describe\nplanes\n"), std::pair(5, "describe-tiff\nplanes-tiff\n")}) {
+    StackLimits limits;
+    for (const auto& [layout, expected, always] :
+         {std::tuple(1, "describe\nplanes\n", true), std::tuple(2, "describe\nplanes\n", false),
+          std::tuple(5, "describe-tiff\nplanes-tiff\n", true), std::tuple(1, "describe\n", false),
+          std::tuple(5, "describe-tiff\n", false)}) {
         QFile::remove(asked);
+        limits.alwaysAsked = always;
         askByScript(m_dir.filePath(QStringLiteral("script")),
-                    "echo $1 >> " + QFile::encodeName(asked) + "; exec " STACK_PROGRAM " \"$@\"");
+                    "echo $1 >> " + QFile::encodeName(asked) + "; exec " STACK_PROGRAM " \"$@\"",
+                    limits);
         const auto stack = opened(sourceOf(m_dir.path(), allLayouts()[layout]));
         QCOMPARE(mapsOf(*stack, {8313, 8390}).size(), std::size_t{2});
         QCOMPARE(contents(asked), QByteArray(expected));
@@ -827,10 +838,11 @@ void tst_Stack::faultOfTheFirstPart()
     FileFault fault;
     QVERIFY(!openStack(source, fault));
     QCOMPARE(said(fault), expected);
-    setStackProgram(QStringLiteral(STACK_PROGRAM), manyProcesses());
-    for (const unsigned processes : {1U, 2U, 3U, 16U}) {
+    for (const unsigned processes : {0U, 1U, 2U, 3U, 16U}) {
+        const bool asked = processes > 0;
+        setStackProgram(QStringLiteral(STACK_PROGRAM), asked ? manyProcesses() : StackLimits());
         std::vector<MapData> maps;
-        const auto wrong = faultOfMaps(*stack, {8313, 8381}, processes, maps);
+        const auto wrong = faultOfMaps(*stack, {8313, 8381}, std::max(1U, processes), maps);
         QCOMPARE(said(wrong.value_or(FileFault())), expected);
     }
     setStackProgram(QStringLiteral(STACK_PROGRAM));
@@ -847,7 +859,7 @@ void tst_Stack::pixelsAreMissing()
          {QByteArray(), QByteArray("\\1\\0"), eight("\\0\\0") + eight("\\4\\0") + "abcd",
           eight("\\0\\0") + eight("\\4\\0") + "ab", eight("\\0\\377") + eight("\\4\\0") + "abcd",
           eight("\\0\\0") + "\\377\\377\\377\\377\\377\\377\\377\\377abcd"}) {
-        askByScript(script, "printf '" + sent + "' >&3; printf 'done\\t\\n'");
+        askByScript(script, "printf '" + sent + "' >&3; printf 'done\\t\\n'", manyProcesses());
         std::vector<MapData> maps;
         const auto fault = faultOfMaps(*stack, {8381}, 1, maps);
         QCOMPARE(fault.value_or(FileFault()).reason,
