@@ -30,7 +30,8 @@ void beModest(const StackRequest& request)
     const rlimit none{0, 0};
     setrlimit(RLIMIT_CORE, &none);
     limitTo(RLIMIT_CPU, request.value("seconds"));
-#ifndef __SANITIZE_ADDRESS__ // which needs more addresses than any machine has memory
+    // The sanitizers need more addresses than any machine has memory.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     limitTo(RLIMIT_AS, request.value("memory"));
 #endif
     // Data of other files lie beside a file, not where somebody happens to be.
