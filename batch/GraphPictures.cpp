@@ -11,8 +11,6 @@
 namespace
 {
 
-constexpr const char* selector = "AXafsFileSelect";
-
 /// Writes the pictures of a folder; graphs that show nothing have none.
 class Pictures
 {
@@ -32,7 +30,8 @@ public:
     QImage preview(const FittedSpectrum* spectrum) const
     {
         const PreviewCaptions captions = previewCaptions(words);
-        return graphPicture(words.ofWindow(selector, "Eng.[eV]"), words.ofWindow(selector, "mut"),
+        return graphPicture(words.ofWindow(spectrumWords, "Eng.[eV]"),
+                            words.ofWindow(spectrumWords, "mut"),
                             [&](QPainter& painter, GraphFrame& frame) {
                                 drawSpectrumPreview(painter, frame, spectrum, captions);
                             });
@@ -62,8 +61,8 @@ MutsContent mutsContent(const Settings& settings, const AnalysisInput& input,
 
 PreviewCaptions previewCaptions(const OutputWords& words)
 {
-    return {words.ofWindow(selector, "Edge Jump(1) : %1"),
-            words.ofWindow(selector, "Edge Jump(2) : %1")};
+    return {words.ofWindow(spectrumWords, "Edge Jump(1) : %1"),
+            words.ofWindow(spectrumWords, "Edge Jump(2) : %1")};
 }
 
 PictureFiles drawReferenceGraphs(const AnalysisInput& input, const GraphPictureOptions& options)

@@ -9,6 +9,9 @@
 
 #include <QStringList>
 
+/// Whose words of the window a picture of a spectrum has.
+constexpr const char* spectrumWords = "AXafsFileSelect";
+
 /// What the preview of a spectrum writes of its edge jumps, in the words of the window.
 PreviewCaptions previewCaptions(const OutputWords& words);
 

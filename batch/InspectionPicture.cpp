@@ -54,14 +54,13 @@ QImage imageOf(const Inspection& inspection, const OutputWords& words)
 
 QImage spectrumOf(const FittedSpectrum& spectrum, bool isMut, const OutputWords& words)
 {
-    constexpr const char* selector = "AXafsFileSelect";
     PreviewCaptions captions;
     QString values = QStringLiteral("numbers");
     if (isMut)
-        values = words.ofWindow(selector, "mut");
+        values = words.ofWindow(spectrumWords, "mut");
     if (isMut && std::isfinite(spectrum.edgeJump()) && std::isfinite(spectrum.edgeJumpNoC()))
         captions = previewCaptions(words);
-    return graphPicture(words.ofWindow(selector, "Eng.[eV]"), values,
+    return graphPicture(words.ofWindow(spectrumWords, "Eng.[eV]"), values,
                         [&](QPainter& painter, GraphFrame& frame) {
                             drawSpectrumPreview(painter, frame, &spectrum, captions);
                         });
