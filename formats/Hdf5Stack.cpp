@@ -85,6 +85,7 @@ private:
                    std::size_t frames, std::size_t pixels, FrameSet& set) const;
 
     QString m_path;
+    std::optional<FileState> m_state; ///< of the file, before it is described
     std::string m_dimension;
     Images m_frames;
     std::vector<double> m_givenEnergies;
@@ -179,6 +180,7 @@ std::optional<FileFault> Hdf5Stack::open(const StackSource& source)
         give("energies", source.energies);
     give("flat", source.flat);
     give("dark", source.dark);
+    m_state = fileState(QFile::encodeName(m_path));
     StackWords answer;
     if (auto fault = askStackProcess(m_path, std::move(words), nullptr, answer))
         return fault;
@@ -198,7 +200,8 @@ Part Hdf5Stack::partOf(const Images& images, Plane Frame::*place,
     part.raw.isMean = mean;
     part.raw.way = MeanWay::SumOverCount;
     for (const std::size_t i : each ? indices : allOf(images))
-        part.raw.images.push_back({m_path, i < images.places.size() ? images.places[i] : -1});
+        part.raw.images.push_back(
+            {m_path, i < images.places.size() ? images.places[i] : -1, m_state});
     return part;
 }
 

@@ -3,6 +3,8 @@
 #include "system/InputFile.h"
 #include "system/Workers.h"
 
+#include <QFile>
+
 #include <algorithm>
 #include <atomic>
 #include <map>
@@ -37,9 +39,12 @@ public:
         const std::int64_t needed = rows * m_columns * bytesIn(images.type);
         return std::all_of(images.images.begin(), images.images.end(), [&](const RawImage& image) {
             std::unique_ptr<InputFile>& file = m_files[image.path];
-            if (!file)
+            if (!file) {
                 file = InputFile::open(image.path);
-            return file && image.offset >= 0 && image.offset <= file->size() - needed;
+                m_states[image.path] = fileState(QFile::encodeName(image.path));
+            }
+            return file && image.offset >= 0 && image.offset <= file->size() - needed &&
+                   image.state && image.state == m_states[image.path];
         });
     }
 
@@ -107,6 +112,7 @@ private:
     Region m_region;
     char* m_memory;
     Files m_files;
+    std::map<QString, std::optional<FileState>> m_states;
 };
 
 } // namespace

@@ -2,8 +2,10 @@
 
 #include "formats/PlaneNumbers.h"
 #include "formats/Stack.h"
+#include "system/FileState.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,7 +13,8 @@
 /// several threads read it straight to its place.
 struct RawImage {
     QString path;
-    std::int64_t offset = -1; ///< negative where it does not lie so
+    std::int64_t offset = -1;       ///< negative where it does not lie so
+    std::optional<FileState> state; ///< of the file when it was seen that it does
 };
 
 /// Images that are read together: each, or their mean.
@@ -30,6 +33,7 @@ std::vector<std::int64_t> rawPlaces(const std::string& text, std::size_t images)
 /// @param columns  of each image
 /// @param memory   for all of them
 /// @param workers  that take part; null for none
-/// @return false where one does not lie so, or cannot be read: its library knows more
+/// @return false where one does not lie so, cannot be read, or has a file that changed: its library
+/// knows more
 bool readRawImages(const std::vector<RawImages>& all, int columns, const Region& region,
                    char* memory, Workers* workers);

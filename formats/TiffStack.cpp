@@ -15,6 +15,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <map>
 #include <sstream>
 
 namespace
@@ -140,6 +141,8 @@ private:
                     FrameSet& set) const;
 
     QString m_path;
+    std::map<QString, std::optional<FileState>>
+        m_states; ///< of all files, before they are described
     Pages m_frames;
     Pages m_flats;
     Pages m_darks;
@@ -276,6 +279,9 @@ std::vector<QStringList> fileSetsOf(const StackSource& source, const QStringList
 std::optional<FileFault> TiffStack::describeAll(const StackSource& source, const QStringList& files)
 {
     const std::vector<QStringList> sets = fileSetsOf(source, files);
+    for (const QStringList& set : sets)
+        for (const QString& file : set)
+            m_states[file] = fileState(QFile::encodeName(file));
     StackWords answer;
     std::size_t known = 0;
     auto fault = askForSets(sets, answer, known);
@@ -324,7 +330,7 @@ bool TiffStack::readRaw(const std::vector<TiffImages>& all, const Region& region
     for (const TiffImages& images : all) {
         raw.push_back({{}, m_facts.type, images.isMean(), MeanWay::SumOfParts, images.offset});
         for (const PageOf& page : images.pages)
-            raw.back().images.push_back({page.path, page.offset});
+            raw.back().images.push_back({page.path, page.offset, m_states.at(page.path)});
     }
     return mayReadRaw() && readRawImages(raw, m_facts.columns, region, memory.data(), set.workers);
 }

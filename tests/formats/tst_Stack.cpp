@@ -52,6 +52,7 @@ private slots:
     void oneProcessForAllParts();
     void faultOfTheFirstPart_data();
     void faultOfTheFirstPart();
+    void changedSinceItWasOpened();
     void pixelsAreMissing();
     void faultEndsTheOthers();
     void oneImageStaysAsStored();
@@ -846,6 +847,22 @@ void tst_Stack::faultOfTheFirstPart()
         QCOMPARE(said(wrong.value_or(FileFault())), expected);
     }
     setStackProgram(QStringLiteral(STACK_PROGRAM));
+}
+
+/// The places of images are those of the file that was opened.
+void tst_Stack::changedSinceItWasOpened()
+{
+    const QTemporaryDir dir;
+    for (const auto& [layout, reason] : {std::pair(1, "is no HDF5 file that can be opened"),
+                                         std::pair(5, "is no TIFF file that can be opened")}) {
+        const StackSource source = sourceOf(dir.path(), allLayouts()[layout]);
+        QVERIFY(allLayouts()[layout].write(source.path, counted()));
+        const auto stack = opened(source);
+        create(source.path, QByteArray(contents(source.path).size() + 1, '\0'));
+        std::vector<MapData> maps;
+        QCOMPARE(faultOfMaps(*stack, {8381}, 2, maps).value_or(FileFault()).reason,
+                 QString::fromLatin1(reason));
+    }
 }
 
 /// A process that says that all is well, and sent nothing, too little, or what nobody has asked
