@@ -24,7 +24,8 @@ public:
     /// The same for numbers in double precision.
     double* doubles(std::size_t count)
     {
-        return reinterpret_cast<double*>(room(count * sizeof(double)));
+        void* const place = room(count * sizeof(double));
+        return static_cast<double*>(place);
     }
     /// @param offset  among all bytes that were asked for
     void send(std::size_t offset)

@@ -67,7 +67,8 @@ public:
                             memory + (task.image * pixelsOf(m_region.height) + before) *
                                          bytesOf(all.type));
         std::vector<char> rows(pixels * bytesOf(all.type));
-        auto* const mean = reinterpret_cast<double*>(memory) + before;
+        void* const place = memory;
+        double* const mean = static_cast<double*>(place) + before;
         for (std::size_t k = 0; k < all.images.size(); ++k) {
             if (!readRows(all, k, task, rows.data()))
                 return false;
