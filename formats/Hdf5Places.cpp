@@ -42,6 +42,9 @@ haddr_t placeOf(const Hdf5Data& set, const Images& images, hsize_t image)
 bool mayHavePlaces(const Hdf5Data& set, const Images& images)
 {
     constexpr hsize_t mostChunks = 512; // each of them is searched for from the first one on
+    constexpr hsize_t mostImages = 100000;
+    if (images.count > mostImages)
+        return false;
     if (set.isPlain)
         return H5Dget_storage_size(set.id.get()) == images.count * images.bytes;
     std::vector<hsize_t> image = set.size;

@@ -94,7 +94,7 @@ public:
     }
 
     std::size_t pixels() const { return m_region[2] * m_region[3]; }
-    std::size_t images() const
+    hsize_t images() const
     {
         return m_dimension < 0 ? 1 : m_set.size[static_cast<std::size_t>(m_dimension)];
     }
@@ -249,7 +249,8 @@ void addPieces(const Wanted& wanted, int dimension, std::size_t pixels, std::siz
 {
     if (wanted.mean) {
         const ImageReader reader(wanted.data, dimension, {});
-        pieces.push_back({&wanted, {}, offset, reader.images()});
+        constexpr hsize_t mostWork = hsize_t{1} << 30; // a damaged file may have any number
+        pieces.push_back({&wanted, {}, offset, std::min(reader.images(), mostWork)});
         return;
     }
     const std::vector<hsize_t>& indices = wanted.indices;

@@ -10,7 +10,6 @@
 #include <QFile>
 
 #include <algorithm>
-#include <numeric>
 #include <sstream>
 
 namespace
@@ -54,13 +53,6 @@ std::string listOf(const std::vector<std::size_t>& indices)
     for (const std::size_t i : indices)
         list += (list.empty() ? "" : ",") + std::to_string(i);
     return list;
-}
-
-std::vector<std::size_t> allOf(const Images& images)
-{
-    std::vector<std::size_t> indices(static_cast<std::size_t>(std::max(0L, images.count)));
-    std::iota(indices.begin(), indices.end(), std::size_t{0});
-    return indices;
 }
 
 class Hdf5Stack : public Stack
@@ -199,9 +191,15 @@ Part Hdf5Stack::partOf(const Images& images, Plane Frame::*place,
     part.raw.type = images.type;
     part.raw.isMean = mean;
     part.raw.way = MeanWay::SumOverCount;
-    for (const std::size_t i : each ? indices : allOf(images))
-        part.raw.images.push_back(
-            {m_path, i < images.places.size() ? images.places[i] : -1, m_state});
+    const auto add = [&](std::size_t image) {
+        const std::int64_t offset = image < images.places.size() ? images.places[image] : -1;
+        part.raw.images.push_back({m_path, offset, m_state});
+    };
+    if (each)
+        std::for_each(indices.begin(), indices.end(), add);
+    else // a count without places is nothing to rely on
+        for (std::size_t k = 0; k < std::max<std::size_t>(1, images.places.size()); ++k)
+            add(k);
     return part;
 }
 

@@ -41,6 +41,7 @@ private slots:
     void behindAUserBlock();
     void stripsInAnyOrder();
     void faultOfTheFirstSet();
+    void imagesBeyondCounting();
 
 private:
     static void linkKinds();
@@ -872,6 +873,37 @@ void tst_DamagedStacks::faultOfTheFirstSet()
     create(path, bytes);
     QCOMPARE(reasons(), QStringLiteral("has no /dark"));
     setStackProgram(QStringLiteral(STACK_PROGRAM));
+}
+
+/// Darks of which none was written: their number is taken for nothing but the limit of time.
+void tst_DamagedStacks::imagesBeyondCounting()
+{
+    const QString path = file(QStringLiteral("beyond.h5"));
+    const CountedStack truth = counted();
+    {
+        constexpr hsize_t images = hsize_t{1} << 60;
+        const Hdf5Writer h5(path);
+        const hid_t plist = chunked({1, rows, columns});
+        h5.set("/counts", stackSize, H5T_NATIVE_UINT16, truth.counts.data());
+        h5.set("/flat", {rows, columns}, H5T_NATIVE_UINT16, truth.flats.data());
+        h5.set("/dark", {images, rows, columns}, H5T_NATIVE_UINT16, nullptr, plist);
+        h5.energies(truth.energies, "/e");
+        H5Pclose(plist);
+    }
+    FileFault fault;
+    const auto stack = openStack(countsOf(path), fault);
+    QVERIFY2(stack, qPrintable(fault.reason));
+    StackLimits limits;
+    limits.seconds = 0.5;
+    setStackProgram(QStringLiteral(STACK_PROGRAM), limits);
+    std::vector<MapData> maps;
+    const auto wrong = stackMaps(*stack, path, {8390}, {}, maps);
+    setStackProgram(QStringLiteral(STACK_PROGRAM));
+    // A frame and a flat of 16 bits, a mean in double precision.
+    const double bytes = static_cast<double>(truth.pixels() * (2 + 2 + 8));
+    QCOMPARE(wrong ? wrong->reason : QString(),
+             QStringLiteral("takes longer than %1 s to read; it may be damaged")
+                 .arg(0.5 + bytes / static_cast<double>(limits.bytesASecond)));
 }
 
 QTEST_GUILESS_MAIN(tst_DamagedStacks)
