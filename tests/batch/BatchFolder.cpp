@@ -120,7 +120,7 @@ void BatchFolder::start(QProcess& process, const QStringList& arguments,
     environment.insert(QStringLiteral("GCOV_PREFIX"), file("counts"));
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(path());
-    process.start(program, arguments);
+    process.start(program.isEmpty() ? QStringLiteral(BATCH_PROGRAM) : program, arguments);
 }
 
 BatchOutput BatchFolder::outputOf(QProcess& process)

@@ -51,8 +51,7 @@ public:
     /// Names of the targets that a run to its end calculates, with these arguments besides.
     QStringList calculated(const QStringList& arguments = {}) const;
     /// Starts the program, or another one, in the folder.
-    void start(QProcess& process, const QStringList& arguments,
-               const QString& program = QStringLiteral(BATCH_PROGRAM)) const;
+    void start(QProcess& process, const QStringList& arguments, const QString& program = {}) const;
     /// What a process left that has been started.
     static BatchOutput outputOf(QProcess& process);
 
