@@ -12,7 +12,7 @@ namespace
 {
 
 /// Photons before the sample.
-constexpr double incident = 1e6;
+constexpr double photonsBefore = 1e6;
 
 double referenceThickness(const MapSample& map)
 {
@@ -104,11 +104,11 @@ QByteArray mapRow(int columns, int y, const std::function<double(int x)>& muT)
 {
     constexpr int digits = 16;
     const QByteArray position = QByteArray::number(y * MapSample::positionStep);
-    const QByteArray before = " " + QByteArray::number(incident, 'f', 0) + "\n";
+    const QByteArray before = " " + QByteArray::number(photonsBefore, 'f', 0) + "\n";
     QByteArray text;
     for (int x = 0; x < columns; ++x)
         text += QByteArray::number(x * MapSample::positionStep) + " " + position + " " +
-                QByteArray::number(incident * std::exp(-muT(x)), 'g', digits) + before;
+                QByteArray::number(photonsBefore * std::exp(-muT(x)), 'g', digits) + before;
     return text + "\n";
 }
 

@@ -12,9 +12,7 @@
 namespace
 {
 
-/// Pixels that are taken at once; their intensities stay in the core's first cache.
-constexpr std::size_t block = 512;
-using Block = std::array<double, block>;
+using Block = std::array<double, pixelBlock>;
 
 void loadDark(const Frame& frame, std::size_t first, std::size_t count, Block& dark)
 {
@@ -117,8 +115,8 @@ double FrameSums::meanMut(const Frame& frame) const
 FrameSums sumsOf(const Frame& frame, std::size_t count)
 {
     FrameSums sums;
-    for (std::size_t done = 0; done < count; done += block)
-        addSums(frame, done, std::min(block, count - done), sums);
+    for (std::size_t done = 0; done < count; done += pixelBlock)
+        addSums(frame, done, std::min(pixelBlock, count - done), sums);
     return sums;
 }
 
@@ -127,8 +125,8 @@ void addMut(const Frame& frame, std::size_t first, std::size_t count, double* mu
     Block numbers;
     Block values;
     const double added = frame.values == StackValues::Counts ? frame.added : 0.0;
-    for (std::size_t done = 0; done < count; done += block) {
-        const std::size_t n = std::min(block, count - done);
+    for (std::size_t done = 0; done < count; done += pixelBlock) {
+        const std::size_t n = std::min(pixelBlock, count - done);
         loadNumbers(frame.frame, first + done, n, numbers.data());
         toMut(frame, first + done, n, numbers, values);
         callWide(AddLoop{values.data(), n, added, frame.weight, add, mut + done});
@@ -143,8 +141,8 @@ void addVariance(const Frame& frame, const DetectorGains& gains, bool ownFlat, s
     Block dark;
     const DetectorGains counted{ownFlat ? gains.incident : 0.0, gains.transmitted};
     const double square = frame.weight * frame.weight;
-    for (std::size_t done = 0; done < count; done += block) {
-        const std::size_t n = std::min(block, count - done);
+    for (std::size_t done = 0; done < count; done += pixelBlock) {
+        const std::size_t n = std::min(pixelBlock, count - done);
         loadNumbers(frame.frame, first + done, n, values.data());
         loadNumbers(frame.flat, first + done, n, flat.data());
         loadDark(frame, first + done, n, dark);

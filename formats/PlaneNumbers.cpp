@@ -76,12 +76,11 @@ void loadNumbers(const Plane& plane, std::size_t first, std::size_t count, doubl
 void addToMean(MeanWay way, const Plane& plane, std::size_t count, std::size_t image,
                std::size_t of, double* mean)
 {
-    constexpr std::size_t block = 512;
-    std::array<double, block> numbers{};
+    std::array<double, pixelBlock> numbers{};
     const bool parts = way == MeanWay::SumOfParts;
     const auto images = static_cast<double>(of);
-    for (std::size_t first = 0; first < count; first += block) {
-        const std::size_t here = std::min(block, count - first);
+    for (std::size_t first = 0; first < count; first += pixelBlock) {
+        const std::size_t here = std::min(pixelBlock, count - first);
         loadNumbers(plane, first, here, numbers.data());
         if (parts)
             std::replace_if(

@@ -4,6 +4,9 @@
 
 #include <cstddef>
 
+/// Pixels that are taken at once; their numbers stay in the core's first cache.
+constexpr std::size_t pixelBlock = 512;
+
 /// Numbers of some pixels of an image, in double precision.
 /// @param to  [count]
 void loadNumbers(const Plane& plane, std::size_t first, std::size_t count, double* to);
