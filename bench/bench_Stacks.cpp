@@ -9,10 +9,14 @@
 
 #include <benchmark/benchmark.h>
 
+#include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <array>
 #include <cmath>
+#include <fcntl.h>
+#include <unistd.h>
 #include <vector>
 
 namespace
@@ -38,11 +42,20 @@ constexpr std::array<Layout, 6> layouts{
      {"tiff, asked", tiffKeys, true},
      {"exchange, asked", exchangeKeys, true}}};
 
-/// The files, in memory, as a page cache has them.
+/// A folder on a disk, from which the files are then read; none for memory.
+const QByteArray& coldFolder()
+{
+    static const QByteArray folder = qgetenv("DROVIK_COLD_FOLDER");
+    return folder;
+}
+
+/// The files, in memory, as a page cache has them, or on a disk.
 class Files
 {
 public:
-    Files() : m_dir(QStringLiteral("/dev/shm/stacks-XXXXXX"))
+    Files()
+        : m_dir(QFile::decodeName(coldFolder().isEmpty() ? "/dev/shm" : coldFolder()) +
+                QStringLiteral("/stacks-XXXXXX"))
     {
         MapSample map;
         map.columns = map.rows = side;
@@ -66,6 +79,17 @@ public:
         return *job;
     }
 
+    /// Has the page cache forget files on a disk.
+    void forget() const
+    {
+        for (const QFileInfo& info : QDir(m_dir.path()).entryInfoList(QDir::Files)) {
+            QFile file(info.filePath());
+            if (!file.open(QIODevice::ReadOnly) || fsync(file.handle()) != 0 ||
+                posix_fadvise(file.handle(), 0, 0, POSIX_FADV_DONTNEED) != 0)
+                qFatal("%s stays in the page cache", qPrintable(info.filePath()));
+        }
+    }
+
 private:
     QTemporaryDir m_dir;
 };
@@ -85,6 +109,11 @@ void mapOfStack(benchmark::State& state)
     Workers workers(2);
     std::size_t pixels = 0;
     for (auto _ : state) {
+        if (!coldFolder().isEmpty()) {
+            state.PauseTiming();
+            files.forget();
+            state.ResumeTiming();
+        }
         FileFault fault;
         const std::unique_ptr<Stack> stack = openStack(given.source, fault);
         std::vector<MapData> images;
